@@ -1,0 +1,88 @@
+#include "MKLib/Random.h"
+
+#include "MKLib/MKDebug/Assert.h"
+
+#include <atomic>
+#include <bit>
+#include <random>
+#include <utility>
+
+namespace
+{
+
+constexpr uint32_t MULTIPLIER = 0x41c64e6d;
+constexpr uint32_t INCREMENT = 0xbdf;
+
+/// The shared arithmetic of a draw: the least mask over the range, and again while the masked output is above the range.
+template <typename Step> int32_t Draw(int32_t low, int32_t high, uint32_t greatestRange, Step &&step)
+{
+    auto lower = static_cast<uint32_t>(low);
+    auto higher = static_cast<uint32_t>(high);
+    if (higher < lower) std::swap(lower, higher);
+    if (lower == higher) return static_cast<int32_t>(lower);
+
+    uint32_t range = higher - lower;
+    if (!MK_VERIFY(range <= greatestRange, "range >= (int)RandomMax")) range = greatestRange;
+    const uint32_t mask = std::bit_floor(range) * 2 - 1;
+    MK_ASSERT(mask != 0, "mask != 0");
+    uint32_t value = step() & mask;
+    while (value > range) value = step() & mask;
+    return static_cast<int32_t>(lower + value);
+}
+
+} // namespace
+
+int32_t RandomClass::Get_Int(int32_t low, int32_t high)
+{
+    return Draw(low, high, RandomMax, [this] {
+        State = State * MULTIPLIER + INCREMENT;
+        return (State >> 10) & 0x7fff;
+    });
+}
+
+struct SecureRandomClass::Device
+{
+    std::random_device Random;
+};
+
+SecureRandomClass::SecureRandomClass() : Source(std::make_unique<Device>()) {}
+
+SecureRandomClass::~SecureRandomClass() = default;
+
+int32_t SecureRandomClass::Get_Int(int32_t low, int32_t high)
+{
+    return Draw(low, high, RandomWordMax, [this] { return static_cast<uint32_t>(Source->Random()) & RandomWordMax; });
+}
+
+void SecureRandomClass::Seed(uint32_t)
+{
+    MK_ASSERT(false, "false && \"Cannot seed a secure rng\"");
+}
+
+RandomGeneratorClass::RandomGeneratorClass() : RandomGeneratorClass(std::make_unique<RandomClass>()) {}
+
+RandomGeneratorClass::RandomGeneratorClass(std::unique_ptr<RandomImplementationClass> implementation)
+    : Implementation(std::move(implementation))
+{
+}
+
+float RandomGeneratorClass::Get_Float(float low, float high, bool excludeLow, bool excludeHigh)
+{
+    if (!MK_VERIFY(!(high < low), "low <= high")) std::swap(low, high);
+    const auto greatest = static_cast<int32_t>(Implementation->Draws_Words() ? RandomWordMax : RandomMax);
+    int32_t draw = Get_Int(0, greatest);
+    if (excludeLow && draw == 0) draw = 1;
+    if (excludeHigh && draw == greatest) draw = greatest - 1;
+    // Extended precision up to the one rounding at the end: other widths give other last bits.
+    using Extended = long double;
+    const Extended fraction = static_cast<Extended>(draw) / static_cast<Extended>(greatest);
+    const Extended span = static_cast<Extended>(high) - static_cast<Extended>(low);
+    return static_cast<float>(fraction * span + static_cast<Extended>(low));
+}
+
+RandomGeneratorClass &RandomGeneratorClass::Get_Shared()
+{
+    static std::atomic<uint32_t> nextSeed{1};
+    thread_local RandomGeneratorClass generator(std::make_unique<RandomClass>(nextSeed.fetch_add(0x9e3779b9)));
+    return generator;
+}

@@ -1,0 +1,82 @@
+#pragma once
+
+#include "MKLib/NoCopy.h"
+
+#include <cstdint>
+#include <memory>
+
+/// Random numbers of the engine. Effects must look the same each time they play with the same seed, on every machine, so
+/// the arithmetic of the ordinary generator is fixed, and so is the number of steps that a draw takes. No lock: a
+/// generator belongs to one thread at a time.
+
+/// The greatest value and the greatest range of an ordinary draw.
+constexpr uint32_t RandomMax = 0x7ffe;
+/// The same where draws run to full words.
+constexpr uint32_t RandomWordMax = 0xffff;
+
+/// What stands behind a generator.
+class RandomImplementationClass : public MK::NoCopy
+{
+public:
+    virtual ~RandomImplementationClass() = default;
+    /// From the lower to the higher bound, both included; they are ordered as unsigned values.
+    virtual int32_t Get_Int(int32_t low, int32_t high) = 0;
+    /// True when draws run to `RandomWordMax` instead of `RandomMax`.
+    virtual bool Draws_Words() const = 0;
+    virtual void Seed(uint32_t value) = 0;
+};
+
+/// The ordinary, repeatable generator: state = state * 0x41C64E6D + 0xBDF, of which 15 bits from bit 10 are the output.
+class RandomClass final : public RandomImplementationClass
+{
+public:
+    explicit RandomClass(uint32_t seed = 1) : State(seed) {}
+
+    /// Draws as many bits as the range has and again while the value is above it. A range above `RandomMax` asserts and
+    /// is cut to it. Equal bounds take no step.
+    int32_t Get_Int(int32_t low, int32_t high) override;
+    bool Draws_Words() const override { return false; }
+    void Seed(uint32_t value) override { State = value; }
+    uint32_t Get_State() const { return State; }
+
+private:
+    uint32_t State;
+};
+
+/// A generator over the system's random device. It can't be seeded; for what must not be guessed, not for effects.
+class SecureRandomClass final : public RandomImplementationClass
+{
+public:
+    SecureRandomClass();
+    ~SecureRandomClass() override;
+
+    /// A range above `RandomWordMax` asserts and is cut to it.
+    int32_t Get_Int(int32_t low, int32_t high) override;
+    bool Draws_Words() const override { return true; }
+    /// Asserts and changes nothing.
+    void Seed(uint32_t value) override;
+
+private:
+    struct Device;
+    std::unique_ptr<Device> Source;
+};
+
+/// What users hold: a thin front that makes its implementation and owns it.
+class RandomGeneratorClass
+{
+public:
+    /// The ordinary implementation, whose first state is 1 until someone seeds it.
+    RandomGeneratorClass();
+    explicit RandomGeneratorClass(std::unique_ptr<RandomImplementationClass> implementation);
+
+    void Seed(uint32_t value) { Implementation->Seed(value); }
+    int32_t Get_Int(int32_t low, int32_t high) { return Implementation->Get_Int(low, high); }
+    /// A float from low to high. The flags keep the draw off the two ends. Bounds in the wrong order assert and swap.
+    float Get_Float(float low, float high, bool excludeLow = false, bool excludeHigh = false);
+
+    /// For what needs no repeatability. One a thread, so that frame steps on several threads don't meet in it.
+    static RandomGeneratorClass &Get_Shared();
+
+private:
+    std::unique_ptr<RandomImplementationClass> Implementation;
+};

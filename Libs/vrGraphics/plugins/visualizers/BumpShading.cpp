@@ -1,0 +1,8 @@
+#include "vrGraphics/plugins/visualizers/BumpShading.h"
+
+#include "MKLib/Parameters/ParameterList.h"
+
+void Add_Curvature(ParameterListClass &parameters, const vrMKPBumpShading &shading)
+{
+    parameters.Add_Float(200, "Curvature", shading.Curvature, 0.0f, 1.0f, shading.CurvatureText);
+}

@@ -1,0 +1,46 @@
+# Bash completion for vro. Source it, or install it as bash-completion/completions/vro.
+
+_vro()
+{
+    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} command= word
+    local commands='info dump build chunks rewrite check edit plugins'
+    local properties='GlobalLOD= MinimumDynamicLOD= MinimumDynamicLODPerThousandth= DynamicLODNearDistance=
+        DynamicLODNearDistancePerThousandth= DynamicLODFarDistance= DynamicLODFarDistancePerThousandth=
+        HeatDistanceCutoff= HeatDistanceCutoffPerThousandth= HeatDistortionScale= HeatDistortionScalePerThousandth=
+        SaturationScale= SaturationScalePerThousandth= SceneLightingAdjustments='
+    for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
+        case " $commands " in *" $word "*) command=$word && break ;; esac
+    done
+
+    COMPREPLY=()
+    if [ -z "$command" ]; then
+        mapfile -t COMPREPLY < <(compgen -W "$commands --help --version --verbose" -- "$current")
+        return
+    fi
+    case "$previous" in
+    --encoding)
+        mapfile -t COMPREPLY < <(compgen -W 'zlib binary xml sectioned zlib-sectioned' -- "$current")
+        compopt -o nospace
+        return
+        ;;
+    --set)
+        mapfile -t COMPREPLY < <(compgen -W "$properties" -- "$current")
+        compopt -o nospace
+        return
+        ;;
+    --select) return ;;
+    esac
+
+    local options='--help'
+    case "$command" in
+    dump) options+=' -o' ;;
+    build | rewrite) options+=' -o --encoding' ;;
+    chunks | plugins) options+=' --json' ;;
+    edit) options+=' --select --set --convert-to-heat --save --save-all --auto-checkout --yes --no' ;;
+    esac
+    case "$current" in
+    -*) mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current") ;;
+    *) compopt -o filenames && mapfile -t COMPREPLY < <(compgen -f -- "$current") ;;
+    esac
+}
+complete -F _vro vro

@@ -1,0 +1,284 @@
+#include "MKLib/File/File.h"
+
+#include "MKLib/File/FileCache.h"
+#include "common/Reports.h"
+#include "common/TempFiles.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <thread>
+
+using namespace MKPlatform;
+using namespace MKTest;
+
+namespace
+{
+
+std::string Read_All(FileClass &file)
+{
+    std::string text(static_cast<size_t>(file.Get_Size()), '\0');
+    text.resize(static_cast<size_t>(file.Read(text.data(), static_cast<int64_t>(text.size()) + 1)));
+    return text;
+}
+
+std::vector<uint8_t> Bytes_Of(std::string_view text)
+{
+    return {text.begin(), text.end()};
+}
+
+/// The disk-only set grows for the life of the process, so each test takes a name of its own.
+class FileOnDisk : public testing::Test
+{
+protected:
+    void TearDown() override
+    {
+        FileCacheClass::Clear();
+        FileCacheClass::Set_Verifying(false);
+        FileClass::Set_Data_Roots({});
+    }
+
+    TempDirectory Directory;
+    Reports Reported;
+};
+
+} // namespace
+
+TEST_F(FileOnDisk, KeepsItsNameAndReopens)
+{
+    FileClass file(Directory.Write("Art/Fire.vro", "flames"));
+    EXPECT_FALSE(file.Is_Open());
+    EXPECT_EQ(file.Get_Size(), -1);
+    EXPECT_EQ(file.Seek(0, FILE_SEEK_BEGIN), -1);
+    for (int round = 0; round < 2; ++round) {
+        ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_READ));
+        char text[8] = {};
+        EXPECT_EQ(file.Read(text, 5), 5);
+        EXPECT_EQ(file.Tell(), 5);
+        EXPECT_EQ(file.Read(text, 8), 1);
+        EXPECT_EQ(file.Read(text, 8), 0);
+        EXPECT_EQ(file.Get_Size(), 6);
+        file.Close();
+    }
+    EXPECT_TRUE(file.Open(Directory / "ART\\FIRE.VRO", FILE_OPEN_GENERIC_READ));
+    EXPECT_EQ(std::string_view(file.Get_Name()), Directory / "ART\\FIRE.VRO");
+    EXPECT_TRUE(
+        Reported.Has_Log("FileSize: FileClass::Open - Name: " + Directory.Get_Path() + "/ART\\FIRE.VRO Size: 6"));
+}
+
+TEST_F(FileOnDisk, WritesAndAppends)
+{
+    const std::string path = Directory.Write("f", "old");
+    FileClass file(path);
+    ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_WRITE));
+    EXPECT_EQ(Read_Text_File(path), "");
+    EXPECT_EQ(file.Write("abc", 3), 3);
+    file.Close();
+    ASSERT_TRUE(file.Open(FILE_OPEN_WRITE_APPEND));
+    EXPECT_EQ(file.Tell(), 3);
+    EXPECT_EQ(file.Write("d", 1), 1);
+    file.Close();
+    EXPECT_EQ(Read_Text_File(path), "abcd");
+}
+
+TEST_F(FileOnDisk, AnOpenObjectStaysAsItWas)
+{
+    FileClass file(Directory.Write("a", "first"));
+    Directory.Write("b", "second");
+    ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_READ));
+    EXPECT_FALSE(file.Open(Directory / "b", FILE_OPEN_GENERIC_READ));
+    EXPECT_TRUE(Reported.Has_Assert(
+        "OpenDiskFileHandle == MKPlatform::INVALID_FILE && OpenInMegaFileHandle == INVALID_SUBFILE_HANDLE"));
+    EXPECT_EQ(std::string_view(file.Get_Name()), Directory / "a");
+    EXPECT_EQ(Read_All(file), "first");
+}
+
+TEST_F(FileOnDisk, ViolatedPreconditionsAreReported)
+{
+    char byte = 0;
+    FileClass empty;
+    EXPECT_FALSE(empty.Open(FILE_OPEN_GENERIC_READ));
+    EXPECT_TRUE(Reported.Has_Assert("FileName.empty() == false"));
+    FileClass file(Directory.Write("f", "x"));
+    EXPECT_FALSE(file.Open(FILE_OPEN_INVALID));
+    EXPECT_TRUE(Reported.Has_Assert("open_access > MKPlatform::FILE_OPEN_INVALID"));
+    EXPECT_FALSE(file.Open(FILE_OPEN_TOTAL));
+    EXPECT_TRUE(Reported.Has_Assert("open_access < MKPlatform::FILE_OPEN_TOTAL"));
+    EXPECT_EQ(file.Read(&byte, 1), 0);
+    EXPECT_TRUE(Reported.Has_Assert("OpenFileAccess == MKPlatform::FILE_OPEN_GENERIC_READ"));
+    EXPECT_EQ(file.Write(&byte, 1), -1);
+    EXPECT_TRUE(Reported.Has_Assert("OpenDiskFileHandle != MKPlatform::INVALID_FILE"));
+
+    ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_READ));
+    EXPECT_EQ(file.Read(nullptr, 1), 0);
+    EXPECT_TRUE(Reported.Has_Assert("buffer != NULL"));
+    EXPECT_EQ(file.Write(&byte, 1), -1);
+    EXPECT_TRUE(Reported.Has_Assert("OpenFileAccess == MKPlatform::FILE_OPEN_GENERIC_WRITE || OpenFileAccess == "
+                                    "MKPlatform::FILE_OPEN_WRITE_APPEND"));
+}
+
+TEST_F(FileOnDisk, AFailedWriteOpenLogsTheReasonAndTheDirectory)
+{
+    FileClass file(Directory / "none/file");
+    EXPECT_FALSE(file.Open(FILE_OPEN_GENERIC_WRITE));
+    EXPECT_TRUE(Reported.Has_Log(
+        "FileClass::Open -  Failed to open file for write. File: " + (Directory / "none/file") + " , error code 2 - "));
+    EXPECT_TRUE(Reported.Has_Log("    Current directory - " + Get_Current_Directory()));
+    Reported.Clear();
+
+    const std::string locked = Directory.Write("locked", "kept");
+    chmod(locked.c_str(), 0444);
+    EXPECT_FALSE(file.Open(locked, FILE_OPEN_WRITE_APPEND));
+    EXPECT_TRUE(Reported.Has_Log("File: " + locked + " , error code 13 - "));
+    EXPECT_EQ(Read_Text_File(locked), "kept");
+}
+
+TEST_F(FileOnDisk, AFullDiskFailsTheWriteAndNamesTheFile)
+{
+    FileClass file("/dev/full");
+    if (!file.Open(FILE_OPEN_GENERIC_WRITE)) GTEST_SKIP() << "no /dev/full here";
+    EXPECT_EQ(file.Write("data", 4), -1);
+    EXPECT_TRUE(Reported.Has_Log("Only 0 of 4 bytes could be written to /dev/full"));
+}
+
+TEST_F(FileOnDisk, TheLockIsHeldOnlyInsideOfTheOperations)
+{
+    FileClass file(Directory.Write("f", "x"));
+    EXPECT_EQ(FileClass::Get_Lock_Depth(), 0);
+    ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_READ));
+    EXPECT_EQ(FileClass::Get_Lock_Depth(), 0);
+}
+
+TEST_F(FileOnDisk, DiskOnlyDataNamesAreLookedForUnderTheRootsFirst)
+{
+    Directory.Write("mod/Data/Roots.lst", "from mod");
+    Directory.Write("base/Data/Roots.lst", "from base");
+    Directory.Write("base/Data/Base.lst", "only in base");
+    Directory.Write("here/Data/Roots.lst", "plain");
+    Directory.Write("here/Data/Base.lst", "plain base");
+    const CurrentDirectory here(Directory / "here");
+    FileClass::Set_Data_Roots({MK::String(Directory / "mod"), MK::String(Directory / "base")});
+    const struct
+    {
+        const char *what, *name, *text;
+    } cases[] = {
+        {"first root wins", "Data\\Roots.lst", "from mod"},
+        {"slashes and case", "data/ROOTS.lst", "from mod"},
+        {"leading dot and separator", ".\\Data\\Roots.lst", "from mod"},
+        {"leading separator", "/Data/Roots.lst", "from mod"},
+        {"the next root", "Data\\Base.lst", "only in base"},
+        {"not under Data", "..\\here\\Data\\Roots.lst", "plain"},
+    };
+    const auto read = [](const char *name) {
+        FileClass file;
+        return file.Open(name, FILE_OPEN_GENERIC_READ) ? Read_All(file) : "not opened";
+    };
+    EXPECT_EQ(read("Data\\Roots.lst"), "plain"); // not in the set yet
+    FileClass::Add_Disk_Only_File("Some\\Where\\roots.LST");
+    FileClass::Add_Disk_Only_File("Base.lst");
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.what);
+        EXPECT_EQ(read(c.name), c.text);
+    }
+    FileClass file("Data\\Roots.lst");
+    ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_READ));
+    EXPECT_EQ(std::string_view(file.Get_Name()), (Directory / "mod") + "\\Data\\Roots.lst");
+    file.Close();
+    FileClass::Set_Data_Roots({});
+    EXPECT_EQ(read("Data\\Roots.lst"), "plain");
+}
+
+TEST_F(FileOnDisk, TheCacheStandsInFrontOfTheDisk)
+{
+    const CurrentDirectory here(Directory.Get_Path());
+    Directory.Write("Art/fire.vro", "on disk");
+    FileCacheClass::Add(".\\Art\\Fire.vro", Bytes_Of("in the cache"));
+    FileClass file("art/fire.VRO");
+    ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_READ));
+    EXPECT_EQ(file.Get_Size(), 12);
+    FileCacheClass::Clear(); // an open file keeps its bytes
+    EXPECT_EQ(Read_All(file), "in the cache");
+    EXPECT_EQ(file.Seek(-5, FILE_SEEK_END), 7);
+    EXPECT_EQ(file.Seek(100, FILE_SEEK_CURRENT), 12);
+    EXPECT_EQ(file.Seek(-100, FILE_SEEK_CURRENT), 0);
+    EXPECT_EQ(file.Write("x", 1), -1);
+    file.Close();
+    ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_READ));
+    EXPECT_EQ(Read_All(file), "on disk");
+}
+
+TEST_F(FileOnDisk, TheCacheIsForReadingAndCanBeSwitchedOff)
+{
+    const std::string path = Directory.Write("f", "disk");
+    FileCacheClass::Add(path, Bytes_Of("cache"));
+    FileClass file(path);
+    ASSERT_TRUE(file.Open(FILE_OPEN_WRITE_APPEND));
+    EXPECT_EQ(file.Write("!", 1), 1);
+    file.Close();
+    FileCacheClass::Set_Enabled(false);
+    ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_READ));
+    FileCacheClass::Set_Enabled(true);
+    EXPECT_EQ(Read_All(file), "disk!");
+}
+
+TEST_F(FileOnDisk, AVerifiedCacheTellsWhereItDiffersFromTheFile)
+{
+    const std::string path = Directory.Write("f", "0123456789");
+    FileCacheClass::Set_Verifying(true);
+    FileCacheClass::Add(path, Bytes_Of("0123"));
+    char text[16];
+    {
+        FileClass file(path);
+        ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_READ));
+        EXPECT_EQ(file.Read(text, 2), 2);
+        EXPECT_EQ(Reported.Count_Logs("FileCache->Read"), 0);
+        EXPECT_EQ(file.Read(text, 6), 2);
+        EXPECT_TRUE(Reported.Has_Log("PARTIAL READ - FileCache->Read Requested 6 bytes, cache read 2, file read 6"));
+    }
+    FileCacheClass::Add(path, Bytes_Of("0123456789abcdef"));
+    FileClass file(path);
+    ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_READ));
+    EXPECT_EQ(file.Read(text, 16), 16);
+    EXPECT_TRUE(Reported.Has_Log("Warning! FileCache->Read mismatch! Requested 16 bytes, cache read 16, file read 10"));
+}
+
+TEST_F(FileOnDisk, ChecksumsAreThoseOfZlib)
+{
+    // "123456789" gives CBF43926, the check value that the CRC-32's definition comes with.
+    const std::string path = Directory.Write("f", "123456789");
+    EXPECT_EQ(Get_File_CRC(path, 0), 0xCBF43926u);
+    EXPECT_TRUE(Reported.Has_Log("CRC: CBF43926 - " + path));
+    // The seed continues a checksum: of "1234", then of "56789".
+    const uint32_t head = Get_File_CRC(Directory.Write("head", "1234"), 0);
+    EXPECT_EQ(Get_File_CRC(Directory.Write("tail", "56789"), head), 0xCBF43926u);
+    Reported.Clear();
+    EXPECT_EQ(Get_File_CRC(Directory.Write("empty", ""), 77), 0u);
+    EXPECT_EQ(Reported.Count_Logs("CRC"), 0);
+    EXPECT_EQ(Get_File_CRC(Directory / "none", 0), 0u);
+    EXPECT_TRUE(Reported.Has_Assert("file.Open() == false"));
+}
+
+TEST_F(FileOnDisk, AChecksumGoesOnOverPiecesOfALargeFile)
+{
+    // 16 MiB and one byte: one byte more than is read at a time. The CRC of the whole is that of its two parts.
+    const std::string head = Directory.Write("head", std::string(16 << 20, 'h'));
+    const std::string tail = Directory.Write("tail", "t");
+    const std::string whole = Directory.Write("whole", std::string(16 << 20, 'h') + "t");
+    EXPECT_EQ(Get_File_CRC(whole, 0), Get_File_CRC(tail, Get_File_CRC(head, 0)));
+}
+
+TEST_F(FileOnDisk, ThreadsOpenAndReadSideBySide)
+{
+    const std::string one = Directory.Write("one", std::string(5000, '1'));
+    const std::string two = Directory.Write("two", std::string(5000, '2'));
+    const auto work = [](const std::string &path, char expected, int &faults) {
+        for (int i = 0; i < 200; ++i) {
+            FileClass file(path);
+            if (!file.Open(FILE_OPEN_GENERIC_READ) || Read_All(file) != std::string(5000, expected)) ++faults;
+        }
+    };
+    int faultsOne = 0, faultsTwo = 0;
+    std::thread other([&] { work(one, '1', faultsOne); });
+    work(two, '2', faultsTwo);
+    other.join();
+    EXPECT_EQ(faultsOne + faultsTwo, 0);
+}

@@ -1,0 +1,93 @@
+#include "MKLib/File/RAMFile.h"
+
+#include "common/Reports.h"
+
+#include <cstring>
+#include <gtest/gtest.h>
+
+using namespace MKPlatform;
+
+TEST(RAMFile, WrittenBytesReadBackFromTheStartAfterClosing)
+{
+    RAMFileClass file;
+    ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_WRITE));
+    EXPECT_EQ(file.Write("abcdef", 6), 6);
+    EXPECT_EQ(file.Seek(1, FILE_SEEK_BEGIN), 1);
+    EXPECT_EQ(file.Write("XY", 2), 2);
+    EXPECT_EQ(file.Get_Size(), 6);
+    file.Close();
+    EXPECT_EQ(file.Get_Size(), -1);
+    ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_READ));
+    char text[16] = {};
+    EXPECT_EQ(file.Tell(), 0);
+    EXPECT_EQ(file.Read(text, 16), 6);
+    EXPECT_STREQ(text, "aXYdef");
+    EXPECT_EQ(file.Read(text, 1), 0);
+    file.Close();
+    ASSERT_TRUE(file.Open(FILE_OPEN_WRITE_APPEND));
+    EXPECT_EQ(file.Tell(), 6);
+    file.Close();
+    ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_WRITE));
+    EXPECT_EQ(file.Get_Size(), 0);
+}
+
+TEST(RAMFile, ThePositionStaysInsideOfTheFile)
+{
+    RAMFileClass file("0123456789", 10);
+    ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_READ));
+    const struct
+    {
+        int64_t offset;
+        FileSeekOrigin origin;
+        int64_t position;
+    } moves[] = {
+        {4, FILE_SEEK_BEGIN, 4},           {-1, FILE_SEEK_CURRENT, 3},         {-2, FILE_SEEK_END, 8},
+        {99, FILE_SEEK_BEGIN, 10},         {-99, FILE_SEEK_CURRENT, 0},        {1, FILE_SEEK_END, 10},
+        {INT64_MIN, FILE_SEEK_CURRENT, 0}, {INT64_MAX, FILE_SEEK_CURRENT, 10}, {0, FILE_SEEK_TOTAL, -1},
+        {0, FILE_SEEK_INVALID, -1},
+    };
+    for (const auto &move : moves) EXPECT_EQ(file.Seek(move.offset, move.origin), move.position) << move.offset;
+}
+
+TEST(RAMFile, GrowsInStepsOf262143Bytes)
+{
+    const std::string block(300000, 'x');
+    MKTest::Reports reports;
+    RAMFileClass file;
+    ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_WRITE));
+    EXPECT_EQ(file.Write("x", 1), 1); // 1 is missing: no whole step, and one
+    EXPECT_TRUE(reports.Has_Log("Growing file buffer to 262143 bytes"));
+    EXPECT_EQ(file.Write(block.data(), 262142), 262142);
+    EXPECT_EQ(reports.Count_Logs("Growing"), 1);         // exactly full
+    EXPECT_EQ(file.Write(block.data(), 300000), 300000); // one whole step is missing and some: two
+    EXPECT_TRUE(reports.Has_Log("Growing file buffer to 786429 bytes"));
+    EXPECT_EQ(file.Get_Size(), 562143);
+    EXPECT_EQ(file.Get_Buffer()[562142], 'x');
+    EXPECT_TRUE(reports.Get_Asserts().empty()) << reports.Get_Text();
+}
+
+TEST(RAMFile, ABorrowedBlockIsOnlyRead)
+{
+    const char block[] = "constant";
+    MKTest::Reports reports;
+    RAMFileClass file(block, 8);
+    EXPECT_FALSE(file.Open(FILE_OPEN_GENERIC_WRITE));
+    EXPECT_FALSE(file.Open(FILE_OPEN_WRITE_APPEND));
+    ASSERT_TRUE(file.Open("named", FILE_OPEN_GENERIC_READ));
+    EXPECT_EQ(std::string_view(file.Get_Name()), "named");
+    EXPECT_EQ(file.Write("x", 1), -1);
+    EXPECT_FALSE(file.Open(FILE_OPEN_GENERIC_READ)); // already open
+    EXPECT_EQ(reports.Get_Asserts().size(), 2u) << reports.Get_Text();
+    EXPECT_STREQ(block, "constant");
+}
+
+TEST(RAMFile, AClosedFileReadsAndWritesNothing)
+{
+    MKTest::Reports reports;
+    RAMFileClass file;
+    char byte = 'b';
+    EXPECT_EQ(file.Read(&byte, 1), 0);
+    EXPECT_EQ(file.Write(&byte, 1), -1);
+    EXPECT_EQ(file.Seek(0, FILE_SEEK_BEGIN), -1);
+    EXPECT_EQ(reports.Get_Asserts().size(), 2u) << reports.Get_Text();
+}

@@ -1,0 +1,318 @@
+#include "MKLib/MegaFile/MegaFileManager.h"
+
+#include "MKLib/ChunkFile/ChunkFileWriter.h"
+#include "MKLib/File/FileCache.h"
+#include "common/ArchiveBuilder.h"
+#include "common/Reports.h"
+
+#include <atomic>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <thread>
+
+using namespace MKPlatform;
+using namespace MKTest;
+
+namespace
+{
+
+constexpr auto FROM_DISK = MegaFileClass::MEGAFILE_OPEN_FROM_DISK;
+constexpr auto IN_RAM = MegaFileClass::MEGAFILE_OPEN_AND_LOAD_IN_RAM;
+constexpr auto PUBLIC = MegaFileManagerClass::ACCESS_PUBLIC;
+constexpr auto PRIVATE = MegaFileManagerClass::ACCESS_PRIVATE;
+
+std::string Read_All(FileClass &file)
+{
+    std::string text(static_cast<size_t>(file.Get_Size()) + 1, '?');
+    text.resize(static_cast<size_t>(file.Read(text.data(), static_cast<int64_t>(text.size()))));
+    return text;
+}
+
+std::string Content(std::string_view name, bool preferArchive = false, int handle = -1)
+{
+    FileClass file;
+    return file.Open(name, FILE_OPEN_GENERIC_READ, preferArchive, handle) ? Read_All(file) : "not opened";
+}
+
+/// The manager is in place, and the current directory is a fresh one.
+class Archives : public testing::Test
+{
+protected:
+    Archives() : Here(Directory.Get_Path()) { TheMegaFileManager = &Manager; }
+    ~Archives() override
+    {
+        Manager.Close_All();
+        TheMegaFileManager = nullptr;
+    }
+
+    int Add(const char *name, const ArchiveBuilder &builder, MegaFileClass::MegaFileAccess openType = FROM_DISK,
+            MegaFileManagerClass::AccessType access = PUBLIC)
+    {
+        Directory.Write(name, builder.Build());
+        return Manager.Megafile_Add(name, openType, access);
+    }
+
+    Reports Reported;
+    TempDirectory Directory;
+    CurrentDirectory Here;
+    MegaFileManagerClass Manager;
+};
+
+} // namespace
+
+TEST_F(Archives, DiskComesFirstAndTheArchiveSecond)
+{
+    Add("a.meg", ArchiveBuilder().Add("ART\\FIRE.VRO", "archived").Add("ART\\EMPTY.VRO", ""));
+    EXPECT_EQ(Content("Art\\Fire.vro"), "archived");
+    EXPECT_EQ(Content("art/fire.VRO"), "archived");
+    EXPECT_EQ(Content("Art/Empty.vro"), "");
+    EXPECT_EQ(Content("Art\\None.vro"), "not opened");
+    Directory.Write("Art/Fire.vro", "on disk");
+    EXPECT_EQ(Content("Art\\Fire.vro"), "on disk");
+    EXPECT_EQ(Content("Art\\Fire.vro", true), "archived");
+    Directory.Write("Art/Loose.vro", "loose");
+    EXPECT_EQ(Content("Art\\Loose.vro", true), "not opened"); // a preferring open leaves the disk alone
+}
+
+TEST_F(Archives, ASubFileIsAFileLikeAnyOther)
+{
+    Add("a.meg", ArchiveBuilder().Add("X", "0123456789"));
+    FileClass file("x");
+    ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_READ));
+    char text[16] = {};
+    EXPECT_EQ(file.Get_Size(), 10);
+    EXPECT_EQ(file.Seek(8, FILE_SEEK_BEGIN), 8);
+    EXPECT_EQ(file.Read(text, 16), 2);
+    EXPECT_EQ(file.Read(text, 16), 0);
+    EXPECT_EQ(file.Tell(), 10);
+    EXPECT_EQ(file.Write(text, 1), -1);
+    EXPECT_TRUE(Reported.Has_Assert("OpenInMegaFileHandle == INVALID_SUBFILE_HANDLE"));
+    EXPECT_FALSE(file.Open(FILE_OPEN_GENERIC_READ));
+    file.Close();
+    EXPECT_FALSE(file.Open("y/z", FILE_OPEN_EXCLUSIVE_READ)); // archives serve plain reads alone
+    EXPECT_EQ(Get_File_CRC("X", 0), 0xA684C7C6u);             // crc32 of "0123456789"
+}
+
+TEST_F(Archives, AnEarlierArchiveWinsAndAHandleGoesFirst)
+{
+    Add("a.meg", ArchiveBuilder().Add("X", "a").Add("ONLY_A", "1"));
+    const int second = Add("b.meg", ArchiveBuilder().Add("X", "b"));
+    const int hidden = Add("c.meg", ArchiveBuilder().Add("X", "c").Add("ONLY_C", "3"), FROM_DISK, PRIVATE);
+    EXPECT_EQ(Content("X"), "a");
+    EXPECT_EQ(Content("X", true, second), "b");
+    EXPECT_EQ(Content("X", true, hidden), "c");
+    EXPECT_EQ(Content("ONLY_A", true, second), "1"); // a miss goes on to the others
+    EXPECT_EQ(Content("ONLY_C"), "not opened");
+    EXPECT_EQ(Content("ONLY_C", true, hidden), "3");
+    EXPECT_EQ(Content("X", true, 12345), "a");
+    EXPECT_TRUE(Reported.Has_Assert("entry->MegaFileData.Is_Open() == true"));
+    EXPECT_TRUE(Manager.Megafile_Remove(0));
+    EXPECT_EQ(Content("X"), "b");
+}
+
+TEST_F(Archives, SubFilesOfOneArchiveAreReadInTurns)
+{
+    for (const auto openType : {FROM_DISK, IN_RAM}) {
+        Manager.Close_All();
+        Add("a.meg", ArchiveBuilder().Add("ONE", "abcdef").Add("TWO", "123456"), openType);
+        FileClass one("one"), two("two"), oneAgain("one");
+        ASSERT_TRUE(one.Open(FILE_OPEN_GENERIC_READ));
+        ASSERT_TRUE(two.Open(FILE_OPEN_GENERIC_READ));
+        ASSERT_TRUE(oneAgain.Open(FILE_OPEN_GENERIC_READ));
+        std::string read;
+        char byte = 0;
+        for (int i = 0; i < 6; ++i)
+            for (FileClass *file : {&one, &two, &oneAgain}) {
+                ASSERT_EQ(file->Read(&byte, 1), 1);
+                read += byte;
+            }
+        EXPECT_EQ(read, "a1ab2bc3cd4de5ef6f");
+        EXPECT_EQ(one.Read(&byte, 1) + two.Read(&byte, 1) + oneAgain.Read(&byte, 1), 0);
+        EXPECT_EQ(two.Seek(-2, FILE_SEEK_END), 4);
+        EXPECT_EQ(one.Tell(), 6);
+    }
+}
+
+TEST_F(Archives, OneInMemoryServesAfterItsFileIsGone)
+{
+    Add("ram.meg", ArchiveBuilder().Add("X", "in memory"), IN_RAM);
+    Add("disk.meg", ArchiveBuilder().Add("Y", "first").Add("Z", "second"));
+    FileClass y("y"), z("z");
+    ASSERT_TRUE(y.Open(FILE_OPEN_GENERIC_READ));
+    std::filesystem::remove("ram.meg");
+    std::filesystem::remove("disk.meg");
+    EXPECT_EQ(Content("X"), "in memory");
+    // The open archive still reads, and where a second file object on it can't be had the first one does.
+    ASSERT_TRUE(z.Open(FILE_OPEN_GENERIC_READ));
+    EXPECT_EQ(Read_All(z), "second");
+    EXPECT_EQ(Read_All(y), "first");
+}
+
+TEST_F(Archives, AFileThatOutlivesItsArchiveReadsNothing)
+{
+    const int handle = Add("a.meg", ArchiveBuilder().Add("X", "data"));
+    FileClass file("x");
+    ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_READ));
+    EXPECT_TRUE(Manager.Megafile_Remove(handle));
+    char byte;
+    EXPECT_EQ(file.Read(&byte, 1), 0);
+    EXPECT_EQ(file.Get_Size(), -1);
+    EXPECT_EQ(file.Seek(0, FILE_SEEK_BEGIN), -1);
+    file.Close();
+    EXPECT_EQ(Manager.Subfile_Read(99, &byte, 1), 0);
+    EXPECT_FALSE(Manager.Subfile_Close(99));
+}
+
+TEST_F(Archives, FailedAddsAreLoggedAndContractsReported)
+{
+    EXPECT_EQ(Manager.Megafile_Add("none.meg", FROM_DISK, PUBLIC), INVALID_MEGAFILE_HANDLE);
+    EXPECT_TRUE(Reported.Has_Log("MegaFileLog: Error: MegaFileManagerClass::Add_Megafile() - can't add none.meg"));
+    Manager.Megafile_Add("", FROM_DISK, PUBLIC);
+    Manager.Megafile_Add("x", MegaFileClass::MEGAFILE_OPEN_INVALID, PUBLIC);
+    Manager.Megafile_Add("x", MegaFileClass::MEGAFILE_OPEN_TOTAL, PUBLIC);
+    Manager.Megafile_Add("x", FROM_DISK, static_cast<MegaFileManagerClass::AccessType>(2));
+    Manager.Subfile_Open("");
+    for (const char *text :
+         {"megafile_name.empty() == false", "open_type > MegaFileClass::MEGAFILE_OPEN_INVALID",
+          "open_type < MegaFileClass::MEGAFILE_OPEN_TOTAL",
+          "access_type == ACCESS_PUBLIC || access_type == ACCESS_PRIVATE", "subfile_name.empty() == false"})
+        EXPECT_EQ(Reported.Count_Asserts(text), 1) << text;
+}
+
+TEST_F(Archives, WhatIsLeftOpenIsReportedAtTheEnd)
+{
+    Directory.Write("a.meg", ArchiveBuilder().Add("X", "x").Build());
+    {
+        MegaFileManagerClass manager;
+        manager.Megafile_Add("a.meg", FROM_DISK, PUBLIC);
+        manager.Subfile_Open("x");
+    }
+    EXPECT_TRUE(Reported.Has_Assert("MegaFileList.empty() == true"));
+    EXPECT_TRUE(Reported.Has_Assert("OpenSubFileList.empty() == true"));
+}
+
+TEST_F(Archives, TheListIsDumped)
+{
+    Manager.Megafile_Debug_Dump_List();
+    EXPECT_EQ(Reported.Get_Logs(),
+              (std::vector<std::string>{"MegaFileLog: Current Tracked MegaFile List:", "MegaFileLog: [ LIST EMPTY ]",
+                                        "MegaFileLog: ------------------------------"}));
+    Add("a.meg", ArchiveBuilder().Add("X", "x"));
+    Manager.Megafile_Debug_Dump_List();
+    EXPECT_TRUE(Reported.Has_Log("MegaFileLog: --- a.meg"));
+}
+
+TEST_F(Archives, WithoutListsTheManagerStaysEmpty)
+{
+    EXPECT_FALSE(Manager.Load_Default_Mega_Files(FROM_DISK));
+    Manager.Megafile_Debug_Dump_List();
+    EXPECT_TRUE(Reported.Has_Log("[ LIST EMPTY ]"));
+}
+
+TEST_F(Archives, TheXmlListAddsInOrderWithLanguageFormsFirst)
+{
+    Directory.Write("Data/MegaFiles.xml", "<?xml version=\"1.0\"?><Mega_Files><File>Data\\Art.meg</File><File></File>"
+                                          "<File>Data\\Gone.meg</File><File>Data/Text.meg</File></Mega_Files>");
+    Directory.Write("Data/Art.meg", ArchiveBuilder().Add("X", "art").Build());
+    Directory.Write("Data/Text.meg", ArchiveBuilder().Add("X", "text").Add("T", "plain").Build());
+    Directory.Write("Data/Text_German.meg", ArchiveBuilder().Add("T", "deutsch").Build());
+    EXPECT_FALSE(Manager.Set_Language("Klingon"));
+    ASSERT_TRUE(Manager.Set_Language("german"));
+    ASSERT_TRUE(Manager.Load_Default_Mega_Files(FROM_DISK));
+    EXPECT_EQ(Content("X"), "art");
+    EXPECT_EQ(Content("T"), "deutsch");
+    EXPECT_EQ(Reported.Count_Logs("can't add"), 1);
+    EXPECT_TRUE(Reported.Has_Log("can't add Data\\Gone.meg"));
+    Manager.Megafile_Debug_Dump_List();
+    EXPECT_EQ(Reported.Count_Logs("MegaFileLog: --- "), 2);
+    EXPECT_TRUE(Reported.Has_Log("MegaFileLog: --- Data/Text_German.meg"));
+}
+
+TEST_F(Archives, TheChunkListServesWhereTheXmlListFails)
+{
+    Directory.Write("Data/MegaFiles.xml", "<Mega_Files><File>Data\\A.meg</File>"); // never closed
+    Directory.Write("Data/A.meg", ArchiveBuilder().Add("X", "from a").Build());
+    Directory.Write("Data/B.meg", ArchiveBuilder().Add("X", "from b").Build());
+    FileClass list("Data\\MegaFiles.chk");
+    ChunkFileWriterClass writer(&list, 129, 6, false);
+    writer.Open_Chunk(0);
+    for (const char *name : {"Data\\B.meg", "", "Data\\A.meg"}) {
+        writer.Open_Chunk(1);
+        writer.Write_String(name);
+        writer.Close_Chunk();
+    }
+    writer.Close_Chunk();
+    ASSERT_TRUE(writer.Close());
+    list.Close();
+    ASSERT_TRUE(Manager.Load_Default_Mega_Files(IN_RAM));
+    EXPECT_EQ(Content("X"), "from b");
+    EXPECT_TRUE(Reported.Has_Log("XMLDatabase - Data\\MegaFiles.xml is refused: "));
+}
+
+TEST_F(Archives, ListsAndArchivesAreNotLookedForInsideArchives)
+{
+    Directory.Write("Data/MegaFiles.xml", "<M><F>Data\\Outer.meg</F><F>Data\\Inner.meg</F></M>");
+    const Bytes inner = ArchiveBuilder().Add("DEEP", "deep").Build();
+    const std::string innerText(inner.begin(), inner.end());
+    Directory.Write("Data/Outer.meg",
+                    ArchiveBuilder().Add("DATA\\INNER.MEG", innerText).Add("DATA\\MEGAFILES.CHK", "x").Build());
+    ASSERT_TRUE(Manager.Load_Default_Mega_Files(FROM_DISK));
+    EXPECT_EQ(Content("DEEP"), "not opened");
+    EXPECT_EQ(Content("Data\\MegaFiles.chk", true), "not opened");
+}
+
+TEST_F(Archives, ADirectorysListCountsFromThere)
+{
+    Directory.Write("Mods/One/Data/MegaFiles.xml", "<M><F>Data\\Mod.meg</F></M>");
+    Directory.Write("Mods/One/Data/Mod.meg", ArchiveBuilder().Add("X", "modded").Build());
+    EXPECT_FALSE(Manager.Load_Mega_Files("Mods\\None", FROM_DISK));
+    ASSERT_TRUE(Manager.Load_Mega_Files("Mods\\One", FROM_DISK));
+    EXPECT_EQ(Content("X"), "modded");
+}
+
+TEST_F(Archives, FindMergesDiskAndArchivesOnce)
+{
+    Directory.Write("Art/b.vro", "12");
+    Directory.Write("Art/a.vro", "1");
+    Directory.Write("Art/c.txt", "");
+    Add("a.meg", ArchiveBuilder().Add("ART\\A.VRO", "archived").Add("ART\\D.VRO", "1234").Add("OTHER\\E.VRO", ""));
+    Add("b.meg", ArchiveBuilder().Add("ART\\D.VRO", "later"));
+    Add("c.meg", ArchiveBuilder().Add("ART\\HIDDEN.VRO", ""), FROM_DISK, PRIVATE);
+    FileFindStruct found, other;
+    std::string listing;
+    for (bool more = Manager.Find_First("art/*.vro", &found); more; more = Manager.Find_Next(&found)) {
+        listing += found.FileName + " " + std::to_string(found.FileSize) + "\n";
+        // A search inside of a search.
+        EXPECT_TRUE(Manager.Find_First("other\\*", &other));
+        EXPECT_EQ(other.FileName, "E.VRO");
+        EXPECT_TRUE(Manager.Find_Close(&other));
+    }
+    EXPECT_EQ(listing, "a.vro 1\nb.vro 2\nD.VRO 4\n");
+    EXPECT_TRUE(Manager.Find_Close(&found));
+    EXPECT_TRUE(Reported.Get_Asserts().empty()) << Reported.Get_Text();
+
+    EXPECT_FALSE(Manager.Find_First("art/*.none", &found));
+    EXPECT_FALSE(Manager.Find_First(nullptr, &found));
+    EXPECT_TRUE(Reported.Has_Assert("!file_spec || !find_data"));
+    EXPECT_FALSE(Manager.Find_Next(&found));
+    EXPECT_TRUE(Reported.Has_Assert("find_state == NULL || !find_data"));
+}
+
+TEST_F(Archives, ThreadsShareTheManager)
+{
+    Add("a.meg", ArchiveBuilder().Add("ONE", std::string(3000, '1')).Add("TWO", std::string(3000, '2')));
+    std::atomic<int> faults{0};
+    const auto work = [&faults](const char *name, char expected) {
+        for (int i = 0; i < 200; ++i)
+            if (Content(name) != std::string(3000, expected)) ++faults;
+    };
+    // Adds take the manager's lock and then open a file, reads come through a file to the manager.
+    std::thread adder([this] {
+        for (int i = 0; i < 50; ++i) Manager.Megafile_Remove(Manager.Megafile_Add("a.meg", FROM_DISK, PRIVATE));
+    });
+    std::thread other([&work] { work("one", '1'); });
+    work("two", '2');
+    other.join();
+    adder.join();
+    EXPECT_EQ(faults, 0);
+}

@@ -1,0 +1,271 @@
+#include "MKLib/Parameters/ParameterFiles.h"
+
+#include "MKLib/File/XMLDatabase.h"
+#include "common/Reports.h"
+
+#include <gmock/gmock.h>
+
+#include <limits>
+#include <thread>
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace
+{
+
+constexpr float NAN_VALUE = std::numeric_limits<float>::quiet_NaN();
+constexpr float INFINITE = std::numeric_limits<float>::infinity();
+
+using FloatCurve = KeyedParameterClass<float, ParameterType::KeyedFloat>;
+
+template <typename Curve> void Fill(Curve &curve, std::initializer_list<std::pair<float, float>> keys)
+{
+    for (const auto &[time, value] : keys) curve.Add_Key(time, value);
+}
+
+float At(const FloatCurve &curve, float time, bool smooth = false)
+{
+    float value = -77.0f;
+    curve.Evaluate(time, smooth, value);
+    return value;
+}
+
+std::vector<float> Times(const FloatCurve &curve)
+{
+    std::vector<float> times;
+    for (const auto &key : curve.Get_Keys()) times.push_back(key.Time);
+    return times;
+}
+
+TEST(Curve, KeepsKeysInOrderOfTimeAndTheFirstOfAnEqualTime)
+{
+    FloatCurve curve("k", "");
+    Fill(curve, {{2.0f, 20.0f}, {0.0f, 1.0f}, {1.0f, 10.0f}, {2.0f, 99.0f}, {-0.0f, 98.0f}});
+    EXPECT_THAT(Times(curve), ElementsAre(0, 1, 2));
+    float time = 0.0f;
+    float value = 0.0f;
+    EXPECT_TRUE(curve.Get_Key(2, time, value));
+    EXPECT_EQ(value, 20.0f);
+    EXPECT_FALSE(curve.Get_Key(3, time, value));
+    EXPECT_FALSE(curve.Get_Key(-1, time, value));
+    curve.Clear_Keys();
+    EXPECT_EQ(curve.Get_Key_Count(), 0);
+}
+
+TEST(Curve, ATimeThatIsNoNumberNeverBreaksTheOrder)
+{
+    FloatCurve curve("k", "");
+    Fill(curve, {{1.0f, 1.0f}, {NAN_VALUE, 5.0f}, {0.5f, 2.0f}});
+    EXPECT_THAT(Times(curve), ElementsAre(0.5f, 1.0f));
+    FloatCurve first("k", "");
+    Fill(first, {{NAN_VALUE, 5.0f}, {1.0f, 1.0f}});
+    EXPECT_EQ(first.Get_Key_Count(), 1);
+    EXPECT_EQ(At(first, 0.0f), 5.0f);
+}
+
+TEST(Curve, EvaluatesBetweenAndOutsideOfItsKeys)
+{
+    FloatCurve curve("k", "");
+    Fill(curve, {{1.0f, 10.0f}, {2.0f, 20.0f}, {4.0f, -20.0f}});
+    const struct
+    {
+        float time, linear, smooth;
+    } rows[] = {
+        {-5.0f, 10.0f, 10.0f},
+        {1.0f, 10.0f, 10.0f},
+        {1.25f, 12.5f, 11.5625f}, // (3 - 0.5) / 16 = 0.15625
+        {1.5f, 15.0f, 15.0f},
+        {2.0f, 20.0f, 20.0f},
+        {3.5f, -10.0f, -13.75f}, // (3 - 1.5) * 0.5625 = 0.84375
+        {4.0f, -20.0f, -20.0f},
+        {9.0f, -20.0f, -20.0f},
+        {INFINITE, -20.0f, -20.0f},
+    };
+    for (const auto &row : rows) {
+        EXPECT_EQ(At(curve, row.time), row.linear) << row.time;
+        EXPECT_EQ(At(curve, row.time, true), row.smooth) << row.time;
+    }
+}
+
+TEST(Curve, StepsBetweenKeysThatAreNearerThanTheShortestSpan)
+{
+    FloatCurve curve("k", "");
+    Fill(curve, {{0.0f, 1.0f}, {0.0001f, 2.0f}, {0.0003f, 4.0f}});
+    EXPECT_EQ(At(curve, 0.00009f), 1.0f);
+    EXPECT_EQ(At(curve, 0.0001f), 2.0f);
+    EXPECT_NEAR(At(curve, 0.0002f), 3.0f, 1e-3f);
+}
+
+TEST(Curve, OneKeyHoldsAtAllTimes)
+{
+    KeyedFloatParameterClass curve("k", "");
+    curve.Add_Key(0.5f, 7.0f);
+    for (const bool spline : {false, true}) {
+        curve.Set_Spline(spline);
+        for (const float time : {-1.0f, 0.5f, 3.0f, NAN_VALUE}) EXPECT_EQ(At(curve, time, true), 7.0f) << time;
+    }
+}
+
+TEST(Curve, AnEmptyOneYieldsTheZeroOfItsType)
+{
+    EXPECT_EQ(At(FloatCurve("k", ""), 1.0f), 0.0f);
+    RGBAClass colour{0.0f, 0.0f, 0.0f, 0.0f};
+    KeyedRGBAParameter("c", "").Evaluate(1.0f, true, colour);
+    EXPECT_EQ(colour, (RGBAClass{1.0f, 1.0f, 1.0f, 1.0f}));
+    Vector4 rectangle(3.0f);
+    KeyedUVParameter("u", "").Evaluate(1.0f, false, rectangle);
+    EXPECT_EQ(rectangle, Vector4(3.0f)) << "left as the caller gave it";
+}
+
+TEST(Curve, BlendsColoursAndRectanglesByComponent)
+{
+    KeyedRGBAParameter colours("c", "");
+    colours.Add_Key(0.0f, {0.0f, 1.0f, 0.5f, 1.0f});
+    colours.Add_Key(2.0f, {1.0f, 0.0f, 0.5f, 0.0f});
+    colours.Set_Spline(true); // stored, without a meaning here
+    RGBAClass colour;
+    colours.Evaluate(0.5f, false, colour);
+    EXPECT_EQ(colour, (RGBAClass{0.25f, 0.75f, 0.5f, 0.75f}));
+    EXPECT_TRUE(colours.Is_Spline());
+
+    KeyedUVParameter rectangles("u", "");
+    rectangles.Add_Key(0.0f, Vector4(0.0f, 0.0f, 1.0f, 1.0f));
+    rectangles.Add_Key(1.0f, Vector4(1.0f, 2.0f, 1.0f, 3.0f));
+    Vector4 rectangle;
+    rectangles.Evaluate(0.5f, true, rectangle);
+    EXPECT_EQ(rectangle, Vector4(0.5f, 1.0f, 1.0f, 2.0f));
+}
+
+TEST(Spline, IsTheNaturalCubicThroughItsPoints)
+{
+    // Through (0,0) (1,1) (2,0) it is 1.5 x - 0.5 x^3 up to 1, and the mirror image after that.
+    CubicInterpolator hill;
+    for (const auto &[x, y] : {std::pair(2.0f, 0.0f), {0.0f, 0.0f}, {1.0f, 1.0f}}) hill.Add_Point(x, y);
+    for (const float x : {0.125f, 0.25f, 0.5f, 0.75f}) {
+        const float expected = 1.5f * x - 0.5f * x * x * x;
+        EXPECT_NEAR(hill.Get_Value(x), expected, 1e-6f) << x;
+        EXPECT_NEAR(hill.Get_Value(2.0f - x), expected, 1e-6f) << x;
+    }
+    float first = 0.0f;
+    float last = 0.0f;
+    EXPECT_TRUE(hill.Get_Range(first, last));
+    EXPECT_EQ(first, 0.0f);
+    EXPECT_EQ(last, 2.0f);
+
+    // Uneven points: the moments solve 6 m1 + 2 m2 = -12 and 2 m1 + 6 m2 = 24, so m1 = -3.75 and m2 = 5.25.
+    CubicInterpolator uneven;
+    for (const auto &[x, y] : {std::pair(0.0f, 0.0f), {1.0f, 1.0f}, {3.0f, -1.0f}, {4.0f, 2.0f}}) uneven.Add_Point(x, y);
+    const struct
+    {
+        float x, y;
+    } rows[] = {{-1.0f, 0.0f}, {0.0f, 0.0f},  {0.5f, 0.734375f}, {1.0f, 1.0f},
+                {2.0f, -0.375f}, {3.0f, -1.0f}, {3.5f, 0.171875f}, {4.0f, 2.0f}, {5.0f, 2.0f}};
+    for (const auto &row : rows) EXPECT_NEAR(uneven.Get_Value(row.x), row.y, 1e-6f) << row.x;
+}
+
+TEST(Spline, FollowsPointsThatComeLater)
+{
+    CubicInterpolator curve;
+    EXPECT_EQ(curve.Get_Value(1.0f), 0.0f);
+    curve.Add_Point(0.0f, 0.0f);
+    curve.Add_Point(2.0f, 2.0f);
+    EXPECT_EQ(curve.Get_Value(1.0f), 1.0f) << "two points make a line";
+    curve.Add_Point(1.0f, 4.0f);
+    EXPECT_EQ(curve.Get_Value(1.0f), 4.0f);
+    curve.Clear();
+    float first = 0.0f;
+    float last = 0.0f;
+    EXPECT_FALSE(curve.Get_Range(first, last));
+}
+
+TEST(Spline, TakesItsPointsFromXML)
+{
+    XMLDatabase database;
+    ASSERT_TRUE(database.Load_Text("<Curve><Point>2 0</Point><Name>hill</Name><Point>0 0</Point><Point> 1 1 </Point></Curve>",
+                                   "test"));
+    CubicInterpolator curve;
+    curve.Add_Point(9.0f, 9.0f);
+    EXPECT_TRUE(curve.Load_XML(database));
+    EXPECT_EQ(curve.Get_Point_Count(), 3);
+    EXPECT_NEAR(curve.Get_Value(0.5f), 0.6875f, 1e-6f);
+    EXPECT_EQ(database.Get_Depth(), 1);
+
+    ASSERT_TRUE(database.Load_Text("<Curve><Point>0 1</Point><Point>1</Point><Point>2 3</Point></Curve>", "test"));
+    EXPECT_FALSE(curve.Load_XML(database));
+    EXPECT_EQ(curve.Get_Point_Count(), 2);
+}
+
+TEST(KeyedFloat, UsesTheSplineOnlyWithMoreThanTwoPoints)
+{
+    KeyedFloatParameterClass curve("k", "");
+    curve.Set_Spline(true);
+    Fill(curve, {{0.0f, 0.0f}, {1.0f, 1.0f}});
+    EXPECT_EQ(At(curve, 0.25f, true), 0.25f) << "linear, whatever smooth says";
+    curve.Add_Key(2.0f, 0.0f);
+    EXPECT_NEAR(At(curve, 0.5f, false), 0.6875f, 1e-6f);
+    EXPECT_EQ(At(curve, 0.5f, true), At(curve, 0.5f, false));
+    curve.Set_Spline(false);
+    EXPECT_EQ(At(curve, 0.5f, false), 0.5f);
+    EXPECT_EQ(At(curve, 0.25f, true), 0.15625f);
+    curve.Set_Spline(true);
+    curve.Clear_Keys();
+    EXPECT_EQ(At(curve, 0.5f, false), 0.0f);
+}
+
+TEST(KeyedFloat, AKeyOfAnEqualTimeReachesTheSplineAlone)
+{
+    KeyedFloatParameterClass curve("k", "");
+    curve.Set_Spline(true);
+    Fill(curve, {{0.0f, 0.0f}, {1.0f, 1.0f}, {1.0f, 5.0f}, {2.0f, 0.0f}});
+    EXPECT_EQ(curve.Get_Key_Count(), 3);
+    MKTest::Reports reports;
+    const float value = At(curve, 0.5f);
+    EXPECT_TRUE(Is_Valid(value));
+    EXPECT_THAT(reports.Get_Asserts(), ElementsAre("false"));
+    EXPECT_EQ(reports.Count_Logs("Bad input"), 1);
+    At(curve, 0.75f);
+    EXPECT_EQ(reports.Count_Logs("Bad input"), 1) << "reported by the solution, not by each reading";
+}
+
+TEST(KeyedFloat, CopiesItsSpline)
+{
+    KeyedFloatParameterClass curve("k", "");
+    curve.Set_Spline(true);
+    Fill(curve, {{0.0f, 0.0f}, {1.0f, 1.0f}, {2.0f, 0.0f}});
+    KeyedFloatParameterClass copy("k", "");
+    Fill(copy, {{0.0f, 8.0f}, {5.0f, 8.0f}, {6.0f, 8.0f}});
+    copy.Copy_From(curve);
+    EXPECT_NEAR(At(copy, 1.5f), 0.6875f, 1e-6f);
+    curve.Clear_Keys();
+    EXPECT_NEAR(At(copy, 1.5f), 0.6875f, 1e-6f);
+}
+
+TEST(KeyedFloat, WhatAFileHoldsNeverBreaksASpline)
+{
+    KeyedFloatParameterClass curve("k", "");
+    curve.Set_Spline(true);
+    MKTest::Reports reports;
+    for (int i = 0; i < 40; ++i) {
+        curve.Add_Key(i % 3 == 0 ? NAN_VALUE : i % 5 == 0 ? -INFINITE : static_cast<float>(-i), static_cast<float>(i));
+        for (const float time : {-INFINITE, -3.5f, 0.0f, NAN_VALUE}) At(curve, time);
+    }
+    // Equal times were told; what counts is that sorting and searching stayed in bounds.
+    EXPECT_TRUE(reports.Has_Log("Bad input"));
+}
+
+TEST(KeyedFloat, ThreadsMayBeTheFirstToEvaluate)
+{
+    for (int round = 0; round < 50; ++round) {
+        KeyedFloatParameterClass curve("k", "");
+        curve.Set_Spline(true);
+        Fill(curve, {{2.0f, 0.0f}, {1.0f, 1.0f}, {0.0f, 0.0f}});
+        std::vector<float> seen(3);
+        std::vector<std::thread> threads;
+        for (float &value : seen) threads.emplace_back([&] { value = At(curve, 0.5f); });
+        for (std::thread &thread : threads) thread.join();
+        EXPECT_THAT(seen, testing::Each(testing::FloatNear(0.6875f, 1e-6f)));
+    }
+}
+
+} // namespace

@@ -1,0 +1,134 @@
+#include "MKLib/Random.h"
+
+#include "common/Reports.h"
+
+#include <gmock/gmock.h>
+
+#include <vector>
+
+namespace
+{
+
+// Seeds whose first step has the output 0, 0x7FFE and 0x7FFF: the step solved backwards, modulo 2^32.
+constexpr uint32_t SEED_OF_0 = 0x0eee9c05;
+constexpr uint32_t SEED_OF_7FFE = 0x09937405;
+constexpr uint32_t SEED_OF_7FFF = 0xf1410805;
+
+RandomGeneratorClass Seeded(uint32_t seed)
+{
+    RandomGeneratorClass generator;
+    generator.Seed(seed);
+    return generator;
+}
+
+// From state 1 the outputs are 0x7196, 0x6FE9, 0x7873, 0x036E, 0x31BB.
+const struct
+{
+    const char *what;
+    uint32_t seed;
+    int low, high;
+    std::vector<int> draws;
+    uint32_t stateAfter;
+} IntDraws[] = {
+    {"one output, no mask", 1, 0, 0x7ffe, {0x7196}, 0x41c65a4c},
+    {"a full mask never repeats a step", 1, 0, 255, {0x96, 0xe9, 0x73, 0x6e}, 0x9c0db805},
+    {"equal bounds take no step", 1, 5, 5, {5, 5}, 1},
+    {"a mask of 7 over 5 drops the 6", 1, 0, 5, {1, 3}, 0xd9e1ccfe},
+    {"bounds in the other order", 1, 7, 3, {4, 6, 6}, 0x38c6ec00},
+    {"the output above the greatest value is drawn again", SEED_OF_7FFF, 0, 0x7ffe, {0x3195}, 0xc0c657df},
+    {"a pair of negative bounds", 1, -6, -2, {-5, -3}, 0xd9e1ccfe},
+};
+
+TEST(Random, DrawsIntegersAsSeeded)
+{
+    for (const auto &row : IntDraws) {
+        SCOPED_TRACE(row.what);
+        MKTest::Reports reports;
+        RandomClass random(row.seed);
+        std::vector<int> draws;
+        for (size_t i = 0; i < row.draws.size(); ++i) draws.push_back(random.Get_Int(row.low, row.high));
+        EXPECT_EQ(draws, row.draws);
+        EXPECT_EQ(random.Get_State(), row.stateAfter);
+        EXPECT_EQ(reports.Get_Text(), "");
+    }
+}
+
+TEST(Random, CutsARangeThatIsTooWide)
+{
+    MKTest::Reports reports;
+    RandomClass random(1);
+    EXPECT_EQ(random.Get_Int(100, 100 + 0x7fff), 100 + 0x7196);
+    // As unsigned values -1 is the greater bound, so the draw starts at 2.
+    random.Seed(1);
+    EXPECT_EQ(random.Get_Int(-1, 2), 2 + 0x7196);
+    EXPECT_EQ(reports.Count_Asserts("range >= (int)RandomMax"), 2);
+}
+
+TEST(Random, RoundsFloatsOnce)
+{
+    // 0x7196 of 0x7FFE, in exact fractions and then rounded to a float. In float arithmetic the rows marked so differ.
+    const struct
+    {
+        float low, high, expected;
+    } rows[] = {
+        {0.0f, 1.0f, 0x1.c65f1ap-1f},
+        {-1.0f, 1.0f, 0x1.8cbe32p-1f}, // differs
+        {0.1f, 0.7f, 0x1.43d2a8p-1f},
+        {-10000.0f, 10000.0f, 0x1.e44e2ep+12f}, // differs
+    };
+    for (const auto &row : rows) EXPECT_EQ(Seeded(1).Get_Float(row.low, row.high), row.expected) << row.low;
+}
+
+TEST(Random, ReachesTheEndsOfAFloatRangeUnlessTheyAreExcluded)
+{
+    EXPECT_EQ(Seeded(SEED_OF_0).Get_Float(0.0f, 1.0f, false, true), 0.0f);
+    EXPECT_EQ(Seeded(SEED_OF_7FFE).Get_Float(0.0f, 1.0f, true, false), 1.0f);
+    EXPECT_EQ(Seeded(SEED_OF_0).Get_Float(0.0f, 32766.0f, true, false), 1.0f);
+    EXPECT_EQ(Seeded(SEED_OF_7FFE).Get_Float(0.0f, 32766.0f, false, true), 32765.0f);
+}
+
+TEST(Random, SwapsFloatBoundsInTheWrongOrder)
+{
+    MKTest::Reports reports;
+    EXPECT_EQ(Seeded(SEED_OF_0).Get_Float(8.0f, 2.0f), 2.0f);
+    EXPECT_TRUE(reports.Has_Assert("low <= high"));
+}
+
+TEST(Random, TheSecureGeneratorDrawsWordsAndTakesNoSeed)
+{
+    MKTest::Reports reports;
+    SecureRandomClass secure;
+    bool isAboveOrdinary = false;
+    for (int i = 0; i < 200; ++i) {
+        const int draw = secure.Get_Int(0xffff, 1);
+        ASSERT_GE(draw, 1);
+        ASSERT_LE(draw, 0xffff);
+        isAboveOrdinary |= draw > 0x7ffe;
+    }
+    EXPECT_TRUE(isAboveOrdinary); // fails by chance once in 2^200 runs
+    EXPECT_EQ(reports.Get_Text(), "");
+    secure.Seed(1);
+    EXPECT_THAT(reports.Get_Asserts(), testing::ElementsAre("false && \"Cannot seed a secure rng\""));
+}
+
+TEST(Random, AGeneratorAsksItsImplementationHowFarDrawsRun)
+{
+    class Greatest final : public RandomImplementationClass
+    {
+    public:
+        explicit Greatest(bool drawsWords) : DrawsWordsValue(drawsWords) {}
+        int32_t Get_Int(int32_t, int32_t high) override { return high; }
+        bool Draws_Words() const override { return DrawsWordsValue; }
+        void Seed(uint32_t) override {}
+
+    private:
+        bool DrawsWordsValue;
+    };
+    RandomGeneratorClass words(std::make_unique<Greatest>(true));
+    EXPECT_EQ(words.Get_Float(0.0f, 65535.0f), 65535.0f);
+    EXPECT_EQ(words.Get_Float(0.0f, 65535.0f, false, true), 65534.0f);
+    RandomGeneratorClass ordinary(std::make_unique<Greatest>(false));
+    EXPECT_EQ(ordinary.Get_Float(0.0f, 32766.0f, false, true), 32765.0f);
+}
+
+} // namespace
