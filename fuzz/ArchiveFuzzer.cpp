@@ -1,49 +1,22 @@
 // Opens any bytes as an archive, both ways, and reads all that it claims to hold. The first byte of the input chooses
 // how many of the rest make up a companion header file, in steps of 16 bytes; 0 is none.
 
+#include "MKLib/File/FileCache.h"
 #include "MKLib/MKDebug/Assert.h"
 #include "MKLib/MKDebug/Logger.h"
 #include "MKLib/MegaFile/MegaFile.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
-#include <stdlib.h>
 #include <string>
-#include <unistd.h>
+#include <vector>
 
 namespace
 {
 
-std::string Make_Directory()
-{
-    char pattern[] = "/dev/shm/archive-fuzzer-XXXXXX";
-    if (const char *directory = mkdtemp(pattern)) return directory;
-    char fallback[] = "/tmp/archive-fuzzer-XXXXXX";
-    if (const char *directory = mkdtemp(fallback)) return directory;
-    std::abort();
-}
-
-const std::string &Archive_Path()
-{
-    static const std::string path = Make_Directory() + "/a.meg";
-    return path;
-}
-
-void Remove_Files()
-{
-    const std::string &path = Archive_Path();
-    unlink(path.c_str());
-    unlink((path + "h").c_str());
-    rmdir(path.substr(0, path.rfind('/')).c_str());
-}
-
-void Write_File(const std::string &path, const uint8_t *data, size_t size)
-{
-    std::FILE *file = std::fopen(path.c_str(), "wb");
-    if (!file || std::fwrite(data, 1, size, file) != size) std::abort();
-    std::fclose(file);
-}
+// Served from the file cache, so that a run costs no trip to a disk.
+constexpr const char *ARCHIVE = "nowhere\\a.meg";
+constexpr const char *COMPANION = "nowhere\\a.megh";
 
 void Require(bool holds)
 {
@@ -77,7 +50,6 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***)
 {
     MKDebug::Logger::Configure_Console(MKDebug::LogLevel::Off);
     MKDebug::Set_Assert_Collector([](const MKDebug::AssertReport &, void *) {}, nullptr);
-    std::atexit(Remove_Files);
     return 0;
 }
 
@@ -85,16 +57,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     if (size == 0) return 0;
     const size_t headerSize = std::min<size_t>(data[0] * 16u, size - 1);
-    const std::string &path = Archive_Path();
-    const std::string companion = path + "h";
-    if (headerSize > 0)
-        Write_File(companion, data + 1, headerSize);
-    else
-        unlink(companion.c_str());
-    Write_File(path, data + 1 + headerSize, size - 1 - headerSize);
+    const uint8_t *archiveBytes = data + 1 + headerSize;
+    FileCacheClass::Remove(COMPANION);
+    if (headerSize > 0) FileCacheClass::Add(COMPANION, std::vector<uint8_t>(data + 1, archiveBytes));
+    FileCacheClass::Add(ARCHIVE, std::vector<uint8_t>(archiveBytes, data + size));
     for (const auto openType : {MegaFileClass::MEGAFILE_OPEN_FROM_DISK, MegaFileClass::MEGAFILE_OPEN_AND_LOAD_IN_RAM}) {
         MegaFileClass archive;
-        if (archive.Open(path, openType)) Read_Everything(archive, static_cast<int64_t>(size));
+        if (archive.Open(ARCHIVE, openType)) Read_Everything(archive, static_cast<int64_t>(size));
     }
     return 0;
 }

@@ -43,14 +43,18 @@ public:
 private:
     std::vector<EnumTable>::iterator Find_Place(std::string_view name)
     {
-        return std::find_if(Tables.begin(), Tables.end(), [name](const EnumTable &table) { return table.Name == name; });
+        return std::find_if(Tables.begin(), Tables.end(),
+                            [name](const EnumTable &table) { return table.Name == name; });
     }
 
     std::shared_mutex Lock;
     std::vector<EnumTable> Tables;
 };
 
-EnumRegistry &Registry() { return SingletonInstance<EnumRegistry>::Get(); }
+EnumRegistry &Registry()
+{
+    return SingletonInstance<EnumRegistry>::Get();
+}
 
 } // namespace
 

@@ -4,8 +4,8 @@
 #include <span>
 #include <string_view>
 
-/// Tables of named enums, so that data files hold names where the code holds numbers. A library registers its tables when
-/// it starts; any thread may look up.
+/// Tables of named enums, so that data files hold names where the code holds numbers. A library registers its tables
+/// when it starts; any thread may look up.
 class EnumConverterClass
 {
 public:

@@ -6,9 +6,9 @@
 #include <cstdint>
 #include <utility>
 
-/// Open-addressed table keyed by the address of a Key, for small sets: the first `InlineCount` slots stand in the object
-/// itself. A null key marks a free slot, and so is no key. At most capacity - capacity / SpareDivisor slots are in use,
-/// so that every probe ends. No lock.
+/// Open-addressed table keyed by the address of a Key, for small sets: the first `InlineCount` slots stand in the
+/// object itself. A null key marks a free slot, and so is no key. At most capacity - capacity / SpareDivisor slots are
+/// in use, so that every probe ends. No lock.
 template <typename Key, typename Value, uint32_t InlineCount = 4, uint32_t SpareDivisor = 3>
 class FastPtrHashMap : public MK::NoCopy
 {
@@ -55,7 +55,8 @@ public:
     bool Is_On_Heap() const { return HeapTable != nullptr; }
 
     /// Calls visit(key, value) for each pair, in slot order. The visitor must not change the table.
-    template <typename Visitor> void For_Each(Visitor &&visit) const
+    template <typename Visitor>
+    void For_Each(Visitor &&visit) const
     {
         const Pair *table = HeapTable ? HeapTable : InlineTable;
         for (uint32_t slot = 0; slot < Capacity; ++slot)

@@ -42,7 +42,8 @@ private:
 };
 
 /// A pool of T. The lock is taken only when it is in force.
-template <typename T, size_t PoolSize, typename Lock = FastThreadLockClass> class MemoryPoolClass : public MK::NoCopy
+template <typename T, size_t PoolSize, typename Lock = FastThreadLockClass>
+class MemoryPoolClass : public MK::NoCopy
 {
     static_assert(alignof(T) <= alignof(std::max_align_t));
 
@@ -50,7 +51,8 @@ public:
     explicit MemoryPoolClass(bool lockInForce = true) : PoolLock(lockInForce), Pool(sizeof(T), alignof(T), PoolSize) {}
 
     /// Null when there is no memory.
-    template <typename... Arguments> T *New(Arguments &&...arguments)
+    template <typename... Arguments>
+    T *New(Arguments &&...arguments)
     {
         void *memory = nullptr;
         {

@@ -4,7 +4,8 @@
 #include "MKLib/NoCopy.h"
 
 /// Lists whose members may sit in many lists at once. A member knows its node in each list, so removal and insertion
-/// beside it walk nothing. A list owns neither its members nor a reference to them; it must be empty when it ends. No lock.
+/// beside it walk nothing. A list owns neither its members nor a reference to them; it must be empty when it ends. No
+/// lock.
 
 class GenericMultiLinkedList;
 class MultiLinkedListMember;
@@ -49,8 +50,8 @@ protected:
     friend class GenericMultiLinkedListConstIterator;
     friend class MultiLinkedListMember;
 
-    // `onlyOnce` looks first: a member that is in this list already is refused, and nothing changes. Without it the caller
-    // vouches that the member isn't; a second node for one member is never made, and asserts.
+    // `onlyOnce` looks first: a member that is in this list already is refused, and nothing changes. Without it the
+    // caller vouches that the member isn't; a second node for one member is never made, and asserts.
     bool Add_Head(MultiLinkedListMember *member, bool onlyOnce);
     bool Add_Tail(MultiLinkedListMember *member, bool onlyOnce);
     /// False as well when `reference` isn't in this list.
@@ -106,7 +107,8 @@ private:
 };
 
 /// A list of T, which derives from MultiLinkedListMember.
-template <typename T> class MultiLinkedListClass : public GenericMultiLinkedList
+template <typename T>
+class MultiLinkedListClass : public GenericMultiLinkedList
 {
 public:
     bool Add_Head(T *member, bool onlyOnce = true) { return GenericMultiLinkedList::Add_Head(member, onlyOnce); }
@@ -123,21 +125,21 @@ public:
     T *operator[](int index) const { return static_cast<T *>(Get_Member(index)); }
 };
 
-template <typename T> class MultiLinkedListIterator : public GenericMultiLinkedListIterator
+template <typename T>
+class MultiLinkedListIterator : public GenericMultiLinkedListIterator
 {
 public:
     explicit MultiLinkedListIterator(MultiLinkedListClass<T> &list) : GenericMultiLinkedListIterator(list) {}
     T *Get_Current() const { return static_cast<T *>(GenericMultiLinkedListIterator::Get_Current()); }
 };
 
-template <typename T> class MultiLinkedListConstIterator : public GenericMultiLinkedListConstIterator
+template <typename T>
+class MultiLinkedListConstIterator : public GenericMultiLinkedListConstIterator
 {
 public:
-    explicit MultiLinkedListConstIterator(const MultiLinkedListClass<T> &list) : GenericMultiLinkedListConstIterator(list)
+    explicit MultiLinkedListConstIterator(const MultiLinkedListClass<T> &list)
+        : GenericMultiLinkedListConstIterator(list)
     {
     }
-    const T *Get_Current() const
-    {
-        return static_cast<const T *>(GenericMultiLinkedListConstIterator::Get_Current());
-    }
+    const T *Get_Current() const { return static_cast<const T *>(GenericMultiLinkedListConstIterator::Get_Current()); }
 };

@@ -13,8 +13,10 @@ namespace
 constexpr uint32_t MULTIPLIER = 0x41c64e6d;
 constexpr uint32_t INCREMENT = 0xbdf;
 
-/// The shared arithmetic of a draw: the least mask over the range, and again while the masked output is above the range.
-template <typename Step> int32_t Draw(int32_t low, int32_t high, uint32_t greatestRange, Step &&step)
+/// The shared arithmetic of a draw: the least mask over the range, and again while the masked output is above the
+/// range.
+template <typename Step>
+int32_t Draw(int32_t low, int32_t high, uint32_t greatestRange, Step &&step)
 {
     auto lower = static_cast<uint32_t>(low);
     auto higher = static_cast<uint32_t>(high);
@@ -45,7 +47,9 @@ struct SecureRandomClass::Device
     std::random_device Random;
 };
 
-SecureRandomClass::SecureRandomClass() : Source(std::make_unique<Device>()) {}
+SecureRandomClass::SecureRandomClass() : Source(std::make_unique<Device>())
+{
+}
 
 SecureRandomClass::~SecureRandomClass() = default;
 
@@ -59,7 +63,9 @@ void SecureRandomClass::Seed(uint32_t)
     MK_ASSERT(false, "false && \"Cannot seed a secure rng\"");
 }
 
-RandomGeneratorClass::RandomGeneratorClass() : RandomGeneratorClass(std::make_unique<RandomClass>()) {}
+RandomGeneratorClass::RandomGeneratorClass() : RandomGeneratorClass(std::make_unique<RandomClass>())
+{
+}
 
 RandomGeneratorClass::RandomGeneratorClass(std::unique_ptr<RandomImplementationClass> implementation)
     : Implementation(std::move(implementation))

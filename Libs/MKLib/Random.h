@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <memory>
 
-/// Random numbers of the engine. Effects must look the same each time they play with the same seed, on every machine, so
-/// the arithmetic of the ordinary generator is fixed, and so is the number of steps that a draw takes. No lock: a
+/// Random numbers of the engine. Effects must look the same each time they play with the same seed, on every machine,
+/// so the arithmetic of the ordinary generator is fixed, and so is the number of steps that a draw takes. No lock: a
 /// generator belongs to one thread at a time.
 
 /// The greatest value and the greatest range of an ordinary draw.

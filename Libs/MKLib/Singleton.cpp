@@ -54,4 +54,7 @@ void SingletonManager::Unregister()
     if (index >= 0) registry.Singletons.Remove(index);
 }
 
-void SingletonManager::Sleep_Shortly() { std::this_thread::sleep_for(std::chrono::microseconds(50)); }
+void SingletonManager::Sleep_Shortly()
+{
+    std::this_thread::sleep_for(std::chrono::microseconds(50));
+}

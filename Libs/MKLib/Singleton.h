@@ -5,8 +5,9 @@
 
 #include <atomic>
 
-/// Process-wide objects that are made on first use, and one registry of those that are alive. The registry has a lock of
-/// its own; creation may be raced by any number of threads, one of which constructs. An object ends when it is told to.
+/// Process-wide objects that are made on first use, and one registry of those that are alive. The registry has a lock
+/// of its own; creation may be raced by any number of threads, one of which constructs. An object ends when it is told
+/// to.
 class SingletonManager : public MK::NoCopy
 {
 public:
@@ -27,7 +28,8 @@ protected:
     static void Sleep_Shortly();
 };
 
-template <typename T> class SingletonInstance final : public SingletonManager
+template <typename T>
+class SingletonInstance final : public SingletonManager
 {
 public:
     static T &Get()
@@ -54,9 +56,11 @@ private:
     static SingletonInstance Manager;
 };
 
-template <typename T> constinit SingletonInstance<T> SingletonInstance<T>::Manager;
+template <typename T>
+constinit SingletonInstance<T> SingletonInstance<T>::Manager;
 
-template <typename T> T *SingletonInstance<T>::Create()
+template <typename T>
+T *SingletonInstance<T>::Create()
 {
     if (CreationFlag.fetch_add(1, std::memory_order_acq_rel) == 0) {
         Manager.Register();
@@ -68,7 +72,8 @@ template <typename T> T *SingletonInstance<T>::Create()
     return mPtr.load(std::memory_order_acquire);
 }
 
-template <typename T> void SingletonInstance<T>::Destroy_Object()
+template <typename T>
+void SingletonInstance<T>::Destroy_Object()
 {
     T *const object = mPtr.load(std::memory_order_acquire);
     if (!MK_VERIFY(object != nullptr, "mPtr != NULL")) return;

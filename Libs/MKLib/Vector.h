@@ -17,9 +17,10 @@ enum VectorStorage : int
     VECTOR_STORAGE_PLAIN = 1    ///< a heap block that moves with its elements; for plain data only, never constructed
 };
 
-/// Growable array. The capacity shares its word with a flag of the owner's, which no size operation touches. No lock: the
-/// owner provides it.
-template <typename T, int Storage = VECTOR_STORAGE_OBJECTS> class DynamicVectorClass : public MK::NoCopy
+/// Growable array. The capacity shares its word with a flag of the owner's, which no size operation touches. No lock:
+/// the owner provides it.
+template <typename T, int Storage = VECTOR_STORAGE_OBJECTS>
+class DynamicVectorClass : public MK::NoCopy
 {
     static_assert(Storage == VECTOR_STORAGE_OBJECTS || Storage == VECTOR_STORAGE_PLAIN);
     static_assert(Storage == VECTOR_STORAGE_OBJECTS || std::is_trivially_copyable_v<T>, "moved as bytes");

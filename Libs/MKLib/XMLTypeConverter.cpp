@@ -18,7 +18,8 @@ std::string_view Trimmed(std::string_view text)
 }
 
 /// Takes the next number off the front of `text`; a blank or the end must follow it.
-template <typename T> bool Take(std::string_view &text, T &value)
+template <typename T>
+bool Take(std::string_view &text, T &value)
 {
     const size_t first = text.find_first_not_of(BLANKS);
     if (first == std::string_view::npos) return false;
@@ -31,14 +32,16 @@ template <typename T> bool Take(std::string_view &text, T &value)
     return text.empty() || BLANKS.find(text.front()) != std::string_view::npos;
 }
 
-template <typename T, size_t Count> bool Take_All(std::string_view text, T (&values)[Count])
+template <typename T, size_t Count>
+bool Take_All(std::string_view text, T (&values)[Count])
 {
     for (T &value : values)
         if (!Take(text, value)) return false;
     return Trimmed(text).empty();
 }
 
-template <typename T> bool Convert_Number(std::string_view text, T &value)
+template <typename T>
+bool Convert_Number(std::string_view text, T &value)
 {
     T values[1];
     if (!Take_All(text, values)) return false;
@@ -46,7 +49,8 @@ template <typename T> bool Convert_Number(std::string_view text, T &value)
     return true;
 }
 
-template <typename Vector> bool Convert_Vector(std::string_view text, Vector &value)
+template <typename Vector>
+bool Convert_Vector(std::string_view text, Vector &value)
 {
     typename Vector::value_type values[Vector::length()];
     if (!Take_All(text, values)) return false;
@@ -65,14 +69,38 @@ bool XMLTypeConverter::Convert(std::string_view text, bool &value)
     return true;
 }
 
-bool XMLTypeConverter::Convert(std::string_view text, int32_t &value) { return Convert_Number(text, value); }
-bool XMLTypeConverter::Convert(std::string_view text, uint32_t &value) { return Convert_Number(text, value); }
-bool XMLTypeConverter::Convert(std::string_view text, float &value) { return Convert_Number(text, value); }
-bool XMLTypeConverter::Convert(std::string_view text, Vector2 &value) { return Convert_Vector(text, value); }
-bool XMLTypeConverter::Convert(std::string_view text, Vector3 &value) { return Convert_Vector(text, value); }
-bool XMLTypeConverter::Convert(std::string_view text, Vector4 &value) { return Convert_Vector(text, value); }
-bool XMLTypeConverter::Convert(std::string_view text, Vector2i &value) { return Convert_Vector(text, value); }
-bool XMLTypeConverter::Convert(std::string_view text, Vector4i &value) { return Convert_Vector(text, value); }
+bool XMLTypeConverter::Convert(std::string_view text, int32_t &value)
+{
+    return Convert_Number(text, value);
+}
+bool XMLTypeConverter::Convert(std::string_view text, uint32_t &value)
+{
+    return Convert_Number(text, value);
+}
+bool XMLTypeConverter::Convert(std::string_view text, float &value)
+{
+    return Convert_Number(text, value);
+}
+bool XMLTypeConverter::Convert(std::string_view text, Vector2 &value)
+{
+    return Convert_Vector(text, value);
+}
+bool XMLTypeConverter::Convert(std::string_view text, Vector3 &value)
+{
+    return Convert_Vector(text, value);
+}
+bool XMLTypeConverter::Convert(std::string_view text, Vector4 &value)
+{
+    return Convert_Vector(text, value);
+}
+bool XMLTypeConverter::Convert(std::string_view text, Vector2i &value)
+{
+    return Convert_Vector(text, value);
+}
+bool XMLTypeConverter::Convert(std::string_view text, Vector4i &value)
+{
+    return Convert_Vector(text, value);
+}
 
 bool XMLTypeConverter::Convert(std::string_view text, RGBAClass &value)
 {

@@ -20,7 +20,7 @@ public:
     static bool Convert(std::string_view text, Vector4 &value);
     static bool Convert(std::string_view text, Vector2i &value);
     static bool Convert(std::string_view text, Vector4i &value);
-    static bool Convert(std::string_view text, RGBAClass &value); ///< red, green, blue and, 1 unless given, alpha
+    static bool Convert(std::string_view text, RGBAClass &value);  ///< red, green, blue and, 1 unless given, alpha
     static bool Convert(std::string_view text, MK::String &value); ///< as it stands, blanks included
     /// A name of an enum that EnumConverterClass knows.
     static bool Convert_Enum(std::string_view text, std::string_view enumName, int32_t &value);

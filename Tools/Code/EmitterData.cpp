@@ -41,7 +41,7 @@ bool Fail(const char *text, const std::string &path)
 } // namespace
 
 EmitterData::EmitterData(vrMKParticleEmitter *source, std::string path)
-    : emitterName(source->Get_Name()), emitter(source), emitterPath(std::move(path))
+    : emitterName(std::string_view(source->Get_Name())), emitter(source), emitterPath(std::move(path))
 {
 }
 

@@ -31,10 +31,16 @@ class Event
 public:
     using Handler = Delegate<Args...>;
 
-    void Subscribe(const Handler &handler) { Handlers.push_back(handler); }
-    /// Removes the latest subscription of the handler; nothing when there is none.
-    void Unsubscribe(const Handler &handler)
+    template <auto Method, typename T>
+    void Subscribe(T *object)
     {
+        Handlers.push_back(Handler::template To<Method>(object));
+    }
+    /// Removes the latest subscription of the operation; nothing when there is none.
+    template <auto Method, typename T>
+    void Unsubscribe(T *object)
+    {
+        const Handler handler = Handler::template To<Method>(object);
         for (auto position = Handlers.end(); position != Handlers.begin();) {
             if (!(*--position == handler)) continue;
             Handlers.erase(position);

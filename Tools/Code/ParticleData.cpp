@@ -56,8 +56,8 @@ private:
 bool ParticleData::replicate_to_siblings = true;
 
 ParticleData::ParticleData(ParticleGrid &grid, vrMKParticle *source, EmitterData &owner)
-    : particleName(source->Get_Name()), visualizer(source->Get_Visualizer()), emitterData(&owner), particle(source),
-      particleList(&grid)
+    : particleName(std::string_view(source->Get_Name())), visualizer(source->Get_Visualizer()), emitterData(&owner),
+      particle(source), particleList(&grid)
 {
     if (!visualizer) return;
     if (visualizer->Get_Plugin_Class() == vrMKPPlugin::kvrMKPHeatAndSaturationVisualizer) {

@@ -17,7 +17,7 @@ struct HeadlessPlacement
 };
 
 /// The main window as a plain object. The first half is what the core sees; the second is what a user does, each as the
-/// widget would: what is disabled answers false and reports nothing.
+/// widget would: what is disabled answers false and reports nothing, and so does a closed window.
 class HeadlessMainForm final : public MainForm
 {
 public:

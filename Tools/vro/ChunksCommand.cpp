@@ -123,7 +123,6 @@ int Run_Chunks(const std::string &file, bool asJson)
                     mode & ChunkFile::MODE_VALIDATED ? ", validated" : "", mode & ChunkFile::MODE_SWAPPED ? ", swapped" : "");
     TreePrinter(reader, asJson).Print_Level(ChunkPlace::File);
     if (asJson) std::printf("] }\n");
-    if (std::fflush(stdout) != 0) return Fail("standard output", "the result can't be written");
     return reader.Is_Damaged() ? Fail(file, "the chunk tree is damaged; what was read up to there is printed") : EXIT_WELL;
 }
 

@@ -5,8 +5,11 @@
 #include "Code/NoPreview.h"
 #include "Code/ParticleData.h"
 #include "Code/ParticleProperties.h"
+#include "Code/VisualizerParameters.h"
 #include "Headless/HeadlessApplication.h"
 #include "Headless/HeadlessForms.h"
+
+#include "vrGraphics/effect/vrMKParticle.h"
 
 #include "MKLib/ChunkFile/ChunkFileReader.h"
 #include "MKLib/File/File.h"
@@ -21,11 +24,6 @@ namespace vro
 
 namespace
 {
-
-const std::vector<std::string> TABLE_COLUMNS = {
-    "Modified",           "EmitterName",  "ParticleName",           "GlobalLOD",
-    "MinimumDynamicLOD",  "DynamicLODNearDistance", "DynamicLODFarDistance",  "UsesHeatVisualizer",
-    "HeatDistanceCutoff", "HeatDistortionScale",    "SaturationScale", "SceneLightingAdjustments"};
 
 const char *Answer_Name(DialogResult answer)
 {
@@ -42,6 +40,22 @@ const char *Answer_Name(DialogResult answer)
 bool Is_Refusal(const ShownMessageBox &box)
 {
     return box.Icon == MessageBoxIcon::Error || box.Answer == DialogResult::No || box.Answer == DialogResult::Cancel;
+}
+
+bool Has_Heat(const ParticleData &row) { return row.Get_UsesHeatVisualizer(); }
+
+bool Has_Scene_Lighting(const ParticleData &row)
+{
+    vrMKPVisualizer *visualizer = row.Get_Particle()->Get_Visualizer();
+    return visualizer && Find_Bool_Parameter(*visualizer, "Scene Lighting Adj.");
+}
+
+/// A write to a row that lacks the value does nothing, and isn't replayed on the other rows either.
+bool (*Editable_Rows(const std::string &property))(const ParticleData &)
+{
+    if (property.starts_with("Heat") || property.starts_with("Saturation")) return Has_Heat;
+    if (property == "SceneLightingAdjustments") return Has_Scene_Lighting;
+    return [](const ParticleData &) { return true; };
 }
 
 /// One run of the tool on the headless layer.
@@ -64,7 +78,7 @@ public:
         if (Options.ConvertToHeat && !Convert_To_Heat())
             return Fail(Options.Directory, "no selected row is a billboard that can be converted to heat");
         const int code = Save();
-        std::fputs(Form.Get_Particle_Grid_View().Format(TABLE_COLUMNS).c_str(), stdout);
+        std::fputs(Form.Get_Particle_Grid_View().Format().c_str(), stdout);
         return code;
     }
 
@@ -111,22 +125,24 @@ private:
     }
 
     /// The edit starts on the first selected row whose cell a user could edit, and the tool replays it on the others.
-    void Make_Current(bool (*editable)(const ParticleData &row))
+    bool Make_Current(bool (*editable)(const ParticleData &row))
     {
         for (const int index : Form.Get_Particle_Grid_View().Get_Selection()) {
             if (!editable(*Row(index))) continue;
             Form.Get_Particle_Data_Source().Set_Position(index);
-            return;
+            return true;
         }
+        return false;
     }
 
     int Assign(const std::string &property, const std::string &value)
     {
         if (Form.Get_Particle_Grid_View().Get_Selection().empty()) return Fail(property, "there is no row to edit");
-        const bool isHeat = property.starts_with("Heat") || property.starts_with("Saturation");
-        Make_Current(isHeat ? [](const ParticleData &row) { return row.Get_UsesHeatVisualizer(); }
-                            : [](const ParticleData &) { return true; });
-        if (Form.Edit_Current(property, value)) return EXIT_WELL;
+        const bool isEditable = Make_Current(Editable_Rows(property));
+        if (Form.Edit_Current(property, value)) {
+            if (!isEditable) Fail(property, "no selected row has this value, so nothing was set");
+            return EXIT_WELL;
+        }
         Fail(property, "\"" + value + "\" is not a value of this property");
         return EXIT_BAD_USAGE;
     }
@@ -140,8 +156,7 @@ private:
     int Save()
     {
         if (!Options.Save && !Options.SaveAll) return EXIT_WELL;
-        std::set<std::string> pending;
-        for (const auto &[name, emitter] : *Core.Get_Modified_Emitters()) pending.insert(emitter->Get_Path());
+        std::set<std::string> pending = Modified_Files();
         App.Clear_Message_Boxes();
         if (Options.SaveAll)
             Form.Click_Save_All();
@@ -149,10 +164,21 @@ private:
             Form.Click_Save();
         const auto &boxes = App.Get_Message_Boxes();
         int code = std::any_of(boxes.begin(), boxes.end(), Is_Refusal) ? EXIT_BAD_DATA : EXIT_WELL;
-        for (const auto &[name, emitter] : *Core.Get_Modified_Emitters()) pending.erase(emitter->Get_Path());
+        for (const std::string &path : Modified_Files()) {
+            pending.erase(path);
+            Fail(path, "not saved");
+        }
         for (const std::string &path : pending)
             if (!Verify(path)) code = Fail(path, "the saved file can't be read back; is the disk full?");
         return code;
+    }
+
+    std::set<std::string> Modified_Files()
+    {
+        std::set<std::string> files;
+        for (int index = 0; index < Form.Get_Particle_Data_Source().Get_Count(); ++index)
+            if (Row(index)->Get_Modified()) files.insert(Row(index)->Get_EmitterData().Get_Path());
+        return files;
     }
 
     /// The tool doesn't hear of bytes that miss the disk when a file is finished, so what was saved is walked once.
@@ -183,7 +209,7 @@ int Run_Edit(const EditOptions &options)
         return EditSession(options).Run();
     } catch (const std::exception &error) {
         std::printf("Exception: %s  [OK]\n", error.what());
-        return EXIT_BAD_DATA;
+        return Fail(options.Directory, error.what());
     }
 }
 

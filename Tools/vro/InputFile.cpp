@@ -6,17 +6,21 @@
 #include "MKPlatform/Files.h"
 
 #include <cerrno>
+#include <filesystem>
 
 namespace vro
 {
 
+namespace fs = std::filesystem;
+
 std::unique_ptr<InputFile> InputFile::Open(const std::string &path, std::string &error)
 {
     auto input = std::make_unique<InputFile>();
-    if (path == "-") {
+    std::error_code ignored;
+    if (path == "-" || fs::is_fifo(path, ignored)) { // the engine's file object goes to and fro, which a pipe can't
         if (!Read_Input(path, input->Content, error)) return nullptr;
         input->File = std::make_unique<RAMFileClass>(input->Content.data(), static_cast<int64_t>(input->Content.size()));
-        input->File->Open("standard input", MKPlatform::FILE_OPEN_GENERIC_READ);
+        input->File->Open(path == "-" ? "standard input" : path, MKPlatform::FILE_OPEN_GENERIC_READ);
         return input;
     }
     if (MKPlatform::Directory_Exists(path)) {

@@ -9,8 +9,9 @@ namespace vro
 namespace
 {
 
-/// No effect nests deeper than this by far; a text that does is refused before it costs memory.
+/// No effect comes near these: a text that does is refused before it costs memory, or time with each further key.
 constexpr int MAXIMUM_DEPTH = 32;
+constexpr size_t MAXIMUM_KEYS = 64;
 
 [[noreturn]] void Expected(const char *what, const Json &value, const std::string &pointer)
 {
@@ -28,36 +29,99 @@ template <typename T> T Read_Integer(const Json &value, const std::string &point
     return value.get<T>();
 }
 
+/// Follows the parser, and so knows the place where a text goes wrong.
+class PlaceWatch
+{
+public:
+    void See(Json::parse_event_t event, const Json &parsed)
+    {
+        switch (event) {
+        case Json::parse_event_t::object_start:
+        case Json::parse_event_t::array_start:
+            Count_Item();
+            if (Levels.size() >= MAXIMUM_DEPTH) Refuse("the structure is deeper than an effect can be");
+            Levels.push_back({event == Json::parse_event_t::array_start, 0, {}, {}});
+            break;
+        case Json::parse_event_t::object_end:
+        case Json::parse_event_t::array_end: Levels.pop_back(); break;
+        case Json::parse_event_t::key: See_Key(parsed.get<std::string>()); break;
+        case Json::parse_event_t::value: Count_Item(); break;
+        }
+    }
+
+    [[noreturn]] void Refuse(const std::string &reason) const { throw JsonError(Pointer(), reason); }
+
+private:
+    struct Level
+    {
+        bool IsArray;
+        size_t Count; ///< of an array's items, with the one that is being read
+        std::string Key;
+        std::set<std::string> Keys;
+    };
+
+    void Count_Item()
+    {
+        if (!Levels.empty() && Levels.back().IsArray) ++Levels.back().Count;
+    }
+
+    void See_Key(const std::string &key)
+    {
+        Level &level = Levels.back();
+        level.Key = key;
+        if (!level.Keys.insert(key).second) Refuse("this key is given twice");
+        if (level.Keys.size() > MAXIMUM_KEYS) Refuse("the object has more keys than any of an effect");
+    }
+
+    std::string Pointer() const
+    {
+        std::string pointer;
+        for (const Level &level : Levels) {
+            if (level.IsArray && level.Count > 0)
+                pointer = Item_Pointer(pointer, level.Count - 1);
+            else if (!level.IsArray && !level.Keys.empty())
+                pointer = Member_Pointer(pointer, level.Key);
+        }
+        return pointer;
+    }
+
+    std::vector<Level> Levels;
+};
+
 } // namespace
 
 Json Parse_Json(const std::string &text)
 {
-    std::vector<std::set<std::string>> keys;
-    const auto watch = [&keys](int depth, Json::parse_event_t event, Json &parsed) {
-        switch (event) {
-        case Json::parse_event_t::object_start:
-        case Json::parse_event_t::array_start:
-            if (depth > MAXIMUM_DEPTH) throw JsonError("", "the structure is deeper than an effect can be");
-            if (event == Json::parse_event_t::object_start) keys.emplace_back();
-            break;
-        case Json::parse_event_t::object_end: keys.pop_back(); break;
-        case Json::parse_event_t::key:
-            if (!keys.back().insert(parsed.get<std::string>()).second)
-                throw JsonError("", "the key \"" + parsed.get<std::string>() + "\" is given twice in one object");
-            break;
-        default: break;
-        }
+    PlaceWatch watch;
+    const auto see = [&watch](int, Json::parse_event_t event, Json &parsed) {
+        watch.See(event, parsed);
         return true;
     };
     try {
-        return Json::parse(text, watch);
-    } catch (const Json::parse_error &error) {
+        return Json::parse(text, see);
+    } catch (const Json::exception &error) {
         // nlohmann's text starts with its own error number, which tells a user nothing.
         std::string reason = error.what();
         if (const size_t start = reason.find("] "); start != std::string::npos) reason.erase(0, start + 2);
-        throw JsonError("", reason);
+        watch.Refuse(reason);
     }
 }
+
+std::string Member_Pointer(const std::string &pointer, const std::string &key)
+{
+    std::string result = pointer + '/';
+    for (const char letter : key) {
+        if (letter == '~')
+            result += "~0";
+        else if (letter == '/')
+            result += "~1";
+        else
+            result += letter;
+    }
+    return result;
+}
+
+std::string Item_Pointer(const std::string &pointer, size_t index) { return pointer + '/' + std::to_string(index); }
 
 ObjectReader::ObjectReader(const Json &value, std::string pointer) : Object(value), ObjectPointer(std::move(pointer))
 {
@@ -122,7 +186,5 @@ const Json &Read_Array(const Json &value, const std::string &pointer)
     if (!value.is_array()) Expected("an array", value, pointer);
     return value;
 }
-
-std::string Item_Pointer(const std::string &pointer, size_t index) { return pointer + "/" + std::to_string(index); }
 
 } // namespace vro

@@ -21,8 +21,12 @@ public:
     }
 };
 
-/// A JSON document; a fault of the text, a key given twice or a structure deeper than any effect throws JsonError.
+/// A JSON document; a fault of the text, a key given twice, or more depth or keys than an effect can have throw JsonError.
 Json Parse_Json(const std::string &text);
+
+/// The JSON pointers of an object's member and of an array's item.
+std::string Member_Pointer(const std::string &pointer, const std::string &key);
+std::string Item_Pointer(const std::string &pointer, size_t index);
 
 /// One object, of which every key that was never asked for is an error.
 class ObjectReader
@@ -32,7 +36,7 @@ public:
 
     /// The member, or null when it is left out.
     const Json *Find(const char *key);
-    std::string Pointer(const char *key) const { return ObjectPointer + "/" + key; }
+    std::string Pointer(const char *key) const { return Member_Pointer(ObjectPointer, key); }
     const std::string &Pointer() const { return ObjectPointer; }
     void Refuse_Other_Keys() const;
 
@@ -51,6 +55,5 @@ float Read_Float(const Json &value, const std::string &pointer);
 std::vector<float> Read_Floats(const Json &value, size_t count, const std::string &pointer);
 const std::string &Read_Text(const Json &value, const std::string &pointer);
 const Json &Read_Array(const Json &value, const std::string &pointer);
-std::string Item_Pointer(const std::string &pointer, size_t index);
 
 } // namespace vro

@@ -18,9 +18,9 @@ std::string Float_Text(double value)
     const auto narrow = static_cast<float>(value);
     auto end = std::to_chars(buffer, std::end(buffer), narrow).ptr;
     std::string text(buffer, end);
-    // Readers go by way of a double; where its rounding would land on the neighbour, every digit of the double is given.
+    // Readers go by way of a double; where its rounding would land on the neighbour, nine digits are far enough from it.
     if (static_cast<float>(std::strtod(text.c_str(), nullptr)) != narrow) {
-        end = std::to_chars(buffer, std::end(buffer), static_cast<double>(narrow)).ptr;
+        end = std::to_chars(buffer, std::end(buffer), narrow, std::chars_format::general, 9).ptr;
         text.assign(buffer, end);
     }
     if (text.find_first_of(".e") == std::string::npos) text += ".0";

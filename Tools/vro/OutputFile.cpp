@@ -48,17 +48,23 @@ bool Read_All(int handle, std::string &content, std::string &error)
     }
 }
 
-/// The file that a write to `path` would reach: a link is followed, so that it stays a link.
-fs::path Final_Target(const std::string &path)
+/// The file that a write to `path` would reach: a link is followed, so that it stays a link, also one to a file that
+/// isn't there yet. False for a link that leads nowhere.
+bool Follow_Links(fs::path &path)
 {
-    std::error_code error;
-    const fs::path resolved = fs::canonical(path, error);
-    return error ? fs::path(path) : resolved;
+    constexpr int MOST_LINKS = 40;
+    std::error_code ignored;
+    for (int count = 0; fs::is_symlink(path, ignored); ++count) {
+        if (count == MOST_LINKS) return false;
+        path = path.parent_path() / fs::read_symlink(path, ignored);
+    }
+    return true;
 }
 
 bool Replace_File(const fs::path &target, std::string_view content, std::string &error)
 {
-    std::string temporary = target.string() + ".XXXXXX";
+    // The name doesn't grow with the target's, which may be as long as a name can be.
+    std::string temporary = (target.parent_path() / ".vro.XXXXXX").string();
     const int handle = ::mkostemp(temporary.data(), O_CLOEXEC);
     if (handle < 0) return Fail(error, errno);
 
@@ -83,7 +89,8 @@ bool Write_Output(const std::string &path, std::string_view content, std::string
         std::fflush(stdout);
         return Write_All(STDOUT_FILENO, content, error);
     }
-    const fs::path target = Final_Target(path);
+    fs::path target = path;
+    if (!Follow_Links(target)) return Fail(error, ELOOP);
     std::error_code ignored;
     if (fs::is_directory(target, ignored)) return Fail(error, EISDIR);
     if (MKPlatform::File_Is_Read_Only(target.string())) {

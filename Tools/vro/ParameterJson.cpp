@@ -17,6 +17,9 @@ namespace vro
 namespace
 {
 
+/// Bytes, as the string writer counts them in 16 bits.
+constexpr size_t LONGEST_TEXT = 65535;
+
 Json Floats(std::initializer_list<float> numbers)
 {
     Json array = Json::array();
@@ -213,11 +216,15 @@ Json TextPlaces::To_Json(std::string_view bytes, const std::string &pointer)
 
 std::string TextPlaces::To_Bytes(const Json &value, const std::string &pointer) const
 {
-    const std::string &text = Read_Text(value, pointer);
-    if (!Windows1252.contains(pointer)) return text;
-    Used.insert(pointer);
-    std::string bytes;
-    if (!Utf8_To_Windows_1252(text, bytes)) throw JsonError(pointer, "the text has a character that isn't in Windows-1252");
+    std::string bytes = Read_Text(value, pointer);
+    if (Windows1252.contains(pointer)) {
+        Used.insert(pointer);
+        if (!Utf8_To_Windows_1252(Read_Text(value, pointer), bytes))
+            throw JsonError(pointer, "the text has a character that isn't in Windows-1252");
+    }
+    if (bytes.size() > LONGEST_TEXT)
+        throw JsonError(pointer, "the text has " + std::to_string(bytes.size()) + " bytes, and a file holds at most " +
+                                     std::to_string(LONGEST_TEXT));
     return bytes;
 }
 

@@ -123,7 +123,9 @@ int main(int argc, char **argv)
     }
     MKDebug::Logger::Configure_Console(line.Verbose ? MKDebug::LogLevel::Info : MKDebug::LogLevel::Warning);
     try {
-        return line.Chosen();
+        const int code = line.Chosen();
+        const bool printed = std::fflush(stdout) == 0 && !std::ferror(stdout);
+        return printed ? code : Fail("standard output", "the result can't be written");
     } catch (const std::exception &error) {
         return Fail("unexpected failure", error.what());
     }

@@ -39,7 +39,8 @@ TEST(EnumConverter, ASecondRegistrationReplacesTheFirst)
     EXPECT_FALSE(EnumConverterClass::Is_Registered("Replaced"));
 }
 
-template <typename T> void Expect_Refused(std::initializer_list<const char *> texts)
+template <typename T>
+void Expect_Refused(std::initializer_list<const char *> texts)
 {
     for (const char *text : texts) {
         T value{};

@@ -73,7 +73,7 @@ TEST(RefCount, AClassMayReturnItsObjectsElsewhere)
     };
     MKTest::Reports reports;
     Pooled object;
-    SmartPtr<Pooled>{&object} = nullptr;
+    SmartPtr<Pooled>{ &object} = nullptr;
     EXPECT_TRUE(object.Returned);
     EXPECT_EQ(object.Get_Ref_Count(), -1);
     EXPECT_EQ(reports.Get_Text(), "");
@@ -239,7 +239,9 @@ TEST(NameTable, TheEmptyTextIsTheEmptyHandle)
 
 TEST(NameTable, KeepsBytesThatAreNoText)
 {
-    const std::string bytes("a\0\xff" "b", 4);
+    const std::string bytes("a\0\xff"
+                            "b",
+                            4);
     const NameTableRef name(bytes);
     EXPECT_EQ(std::string_view(name.Get_String()), bytes);
     EXPECT_FALSE(name == NameTableRef("a"));

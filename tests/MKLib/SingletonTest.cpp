@@ -15,7 +15,8 @@ namespace
 std::string Endings;
 std::atomic<int> Made{0};
 
-template <char NAME> struct Service
+template <char NAME>
+struct Service
 {
     Service() { ++Made; }
     ~Service() { Endings += NAME; }

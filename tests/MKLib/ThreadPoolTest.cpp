@@ -34,8 +34,7 @@ TEST_P(ThreadPoolTest, CoversTheRangeOnceAndWaits)
         for (int i = first; i < last; ++i) ++visits[static_cast<size_t>(i)];
     });
     EXPECT_EQ(wrongRanges, 0);
-    for (int i = 0; i < 1000; ++i)
-        ASSERT_EQ(visits[static_cast<size_t>(i)], i >= 3 && i < 998 ? 1 : 0) << i;
+    for (int i = 0; i < 1000; ++i) ASSERT_EQ(visits[static_cast<size_t>(i)], i >= 3 && i < 998 ? 1 : 0) << i;
     ThreadPool::Parallel_For(5, 5, 1, [&](int, int) { ++wrongRanges; });
     EXPECT_EQ(wrongRanges, 0);
 }
@@ -56,6 +55,23 @@ TEST_P(ThreadPoolTest, UsesMoreThanOneThreadAndNoMoreThanAsked)
     EXPECT_LE(threads.size(), static_cast<size_t>(GetParam()));
     EXPECT_EQ(threads.count(std::this_thread::get_id()), 1u);
     EXPECT_EQ(ThreadPool::Get_Thread_Count(), GetParam());
+}
+
+TEST_P(ThreadPoolTest, RunsInTheFloatingPointModeOfTheCaller)
+{
+    Init_Floating_Point_Mode();
+    std::fesetround(FE_DOWNWARD);
+    std::atomic<int> otherModes{0};
+    ThreadPool::Parallel_For(0, 64, 1, [&](int, int) {
+        std::this_thread::sleep_for(std::chrono::microseconds(200));
+        if (std::fegetround() != FE_DOWNWARD) ++otherModes;
+    });
+    std::fesetround(FE_TONEAREST);
+    EXPECT_EQ(otherModes, 0);
+    ThreadPool::Parallel_For(0, 64, 1, [&](int, int) {
+        if (std::fegetround() != FE_TONEAREST) ++otherModes;
+    });
+    EXPECT_EQ(otherModes, 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(Threads, ThreadPoolTest, testing::Values(1, 2, 4));

@@ -199,10 +199,14 @@ bool ChunkFileWriterClass::Implementation::Close_Micro_Chunk()
         InChunkBuffer[Stack[StackIndex - 1]].SizeWord += 3 + MicroSize;
         return true;
     }
-    const uint8_t record[] = {TYPE_MICROCHUNK, MicroId, static_cast<uint8_t>(MicroSize)};
-    const uint32_t skipped = Is_Validated() ? 0 : 1;
-    if (!Admit_Payload(sizeof(record) - skipped + MicroSize)) return false;
-    return Append_Payload(record + skipped, sizeof(record) - skipped) && Append_Payload(MicroData, MicroSize);
+    uint8_t record[3 + MICRO_CHUNK_LIMIT];
+    uint32_t size = 0;
+    if (Is_Validated()) record[size++] = TYPE_MICROCHUNK;
+    record[size++] = MicroId;
+    record[size++] = static_cast<uint8_t>(MicroSize);
+    std::memcpy(record + size, MicroData, MicroSize);
+    size += MicroSize;
+    return Admit_Payload(size) && Append_Payload(record, size);
 }
 
 bool ChunkFileWriterClass::Implementation::Close()

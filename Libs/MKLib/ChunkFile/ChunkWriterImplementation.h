@@ -11,6 +11,8 @@
 namespace ChunkFile
 {
 
+constexpr uint32_t MICRO_CHUNK_LIMIT = 255;
+
 enum FinalizeType
 {
     FINALIZE_NONE = 0,
@@ -53,8 +55,7 @@ struct ChunkFileWriterClass::Implementation
     bool Write_Stream_Bytes(const uint8_t *data, uint32_t size, uint32_t &counter);
     bool Flush_Data(FinalizeType finalize);
     bool Flush_Chunk_Table(FinalizeType finalize);
-    bool Admit_Payload(uint64_t size);
-    bool Append_Payload(const void *data, uint32_t size);
+    bool Admit_Slowly(uint64_t size);
 
     // ChunkWriterValues.cpp
     bool Write_Value(uint8_t tag, const void *fixed, uint32_t fixedSize, const void *data = nullptr,
@@ -73,6 +74,24 @@ struct ChunkFileWriterClass::Implementation
     bool Is_XML() const { return CompressionMode == COMPRESSION_XML; }
     bool Is_Zlib() const { return CompressionMode == COMPRESSION_ZLIB; }
     bool Is_Validated() const { return (Header.Mode & MODE_VALIDATED) != 0; }
+
+    /// Whether `size` bytes may go where the writer stands.
+    bool Admit_Payload(uint64_t size)
+    {
+        return (InMicroChunk && MicroSize + size <= MICRO_CHUNK_LIMIT) || Admit_Slowly(size);
+    }
+
+    /// Bytes that `Admit_Payload` let pass.
+    bool Append_Payload(const void *data, uint32_t size)
+    {
+        if (InMicroChunk) {
+            if (size > 0) std::memcpy(MicroData + MicroSize, data, size);
+            MicroSize += size;
+            return true;
+        }
+        InChunkBuffer[Stack[StackIndex - 1]].SizeWord += size;
+        return Append_Data(data, size);
+    }
 
     template <typename T>
     T Stored(T value) const
@@ -104,7 +123,7 @@ struct ChunkFileWriterClass::Implementation
 
     uint8_t MicroId = 0;
     uint32_t MicroSize = 0;
-    uint8_t MicroData[255];
+    uint8_t MicroData[MICRO_CHUNK_LIMIT];
 
     uint32_t XMLDepth = 0;
     std::string XMLText;

@@ -12,24 +12,22 @@ namespace ChunkFile
 namespace
 {
 
-constexpr uint32_t MICRO_CHUNK_LIMIT = 255;
 constexpr uint32_t LEAF_LIMIT = 0x7fffffff;
 
 constexpr int ZlibFlushes[] = {Z_NO_FLUSH, Z_FULL_FLUSH, Z_FINISH}; // by FinalizeType
 
 } // namespace
 
-/// Whether `size` bytes may go where the writer stands; the reason is logged when they may not.
-bool ChunkFileWriterClass::Implementation::Admit_Payload(uint64_t size)
+/// The reason is logged when they may not.
+bool ChunkFileWriterClass::Implementation::Admit_Slowly(uint64_t size)
 {
     if (!MK_VERIFY(Initialized, "Initialized")) return false;
-    if (InMicroChunk && MicroSize + size > MICRO_CHUNK_LIMIT) {
+    if (InMicroChunk) {
         MK_ASSERT(false, "CurrentMicroChunk.Get_Size() + size > 255");
         MK_LOG(ChunkFileLog, LogLevel::Error, "ChunkFileWriter::Write_Bytes - Microchunk %i is too long in %s\n",
                MicroId, File_Name());
         return false;
     }
-    if (InMicroChunk) return true;
     if (StackIndex == 0) {
         MK_LOG(ChunkFileLog, LogLevel::Error, "ChunkFileWriter - A value stands outside of every chunk in %s\n",
                File_Name());
@@ -46,19 +44,6 @@ bool ChunkFileWriterClass::Implementation::Admit_Payload(uint64_t size)
         return false;
     }
     return true;
-}
-
-/// Bytes that `Admit_Payload` let pass.
-bool ChunkFileWriterClass::Implementation::Append_Payload(const void *data, uint32_t size)
-{
-    if (InMicroChunk) {
-        if (size > 0) std::memcpy(MicroData + MicroSize, data, size);
-        MicroSize += size;
-        return true;
-    }
-    const bool written = Append_Data(data, size);
-    if (StackIndex > 0) InChunkBuffer[Stack[StackIndex - 1]].SizeWord += size;
-    return written;
 }
 
 bool ChunkFileWriterClass::Implementation::Append_Data(const void *data, uint32_t size)

@@ -76,7 +76,7 @@ bool ChunkFileWriterClass::Implementation::Write_Value(uint8_t tag, const void *
     if (!Admit_Payload(uint64_t{tagSize} + fixedSize + dataSize)) return false;
     bool written = tagSize == 0 || Append_Payload(&tag, tagSize);
     written = Append_Payload(fixed, fixedSize) && written;
-    return Append_Payload(data, dataSize) && written;
+    return (dataSize == 0 || Append_Payload(data, dataSize)) && written;
 }
 
 template <typename T, size_t COUNT>

@@ -2,4 +2,7 @@
 
 #include <cfenv>
 
-void Init_Floating_Point_Mode() { std::fesetenv(FE_DFL_ENV); }
+void Init_Floating_Point_Mode()
+{
+    std::fesetenv(FE_DFL_ENV);
+}

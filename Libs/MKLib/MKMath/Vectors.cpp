@@ -9,9 +9,15 @@ bool Is_Valid(float value)
     return (std::bit_cast<uint32_t>(value) & EXPONENT) != EXPONENT;
 }
 
-bool Is_Valid(const Vector2 &value) { return Is_Valid(value.x) && Is_Valid(value.y); }
+bool Is_Valid(const Vector2 &value)
+{
+    return Is_Valid(value.x) && Is_Valid(value.y);
+}
 
-bool Is_Valid(const Vector3 &value) { return Is_Valid(value.x) && Is_Valid(value.y) && Is_Valid(value.z); }
+bool Is_Valid(const Vector3 &value)
+{
+    return Is_Valid(value.x) && Is_Valid(value.y) && Is_Valid(value.z);
+}
 
 bool Is_Valid(const Vector4 &value)
 {

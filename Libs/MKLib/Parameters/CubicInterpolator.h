@@ -15,16 +15,18 @@ public:
     virtual float Get_Value(float x) const = 0;
     /// The x of the first and the last point, in the order in which they were sorted last. False without points.
     virtual bool Get_Range(float &first, float &last) const = 0;
-    /// Takes the points from the element under the cursor, in place of those that were: a child `Point` each, whose text
-    /// is "x y". Other children are passed over. A point that can't be read is left out, and the result is then false.
+    /// Takes the points from the element under the cursor, in place of those that were: a child `Point` each, whose
+    /// text is "x y". Other children are passed over. A point that can't be read is left out, and the result is then
+    /// false.
     virtual bool Load_XML(XMLDatabase &database) = 0;
     virtual void Clear() = 0;
 };
 
 /// Natural cubic spline: the second derivative is 0 at both ends; outside of the points the end values hold.
-/// https://en.wikipedia.org/wiki/Spline_(mathematics) gives the tridiagonal system. Points of an equal x are reported once
-/// a solution, as "Bad input" and the assertion "false", and count as joined by a flat piece of no length. Any number of
-/// threads may read at once, the first of which solves; adding and clearing belong to one thread with no reader beside it.
+/// https://en.wikipedia.org/wiki/Spline_(mathematics) gives the tridiagonal system. Points of an equal x are reported
+/// once a solution, as "Bad input" and the assertion "false", and count as joined by a flat piece of no length. Any
+/// number of threads may read at once, the first of which solves; adding and clearing belong to one thread with no
+/// reader beside it.
 class CubicInterpolator final : public Interpolator
 {
 public:

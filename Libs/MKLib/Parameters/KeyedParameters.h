@@ -6,7 +6,8 @@
 #include <vector>
 
 /// A curve over time: keys in ascending time, kept as one flat array so that an evaluation is one binary search.
-template <typename T, ParameterType Type> class KeyedParameterClass : public ParameterClass
+template <typename T, ParameterType Type>
+class KeyedParameterClass : public ParameterClass
 {
 public:
     struct KeyStruct
@@ -35,7 +36,8 @@ public:
     /// False for an index out of range.
     virtual bool Get_Key(int index, float &time, T &value) const;
     /// The curve at `time`: linear between keys, or eased with 3u^2 - 2u^3 when `smooth`; the end keys hold outside.
-    /// Without keys `value` becomes the type's zero (opaque white for a colour; a rectangle stays as the caller gave it).
+    /// Without keys `value` becomes the type's zero (opaque white for a colour; a rectangle stays as the caller gave
+    /// it).
     virtual void Evaluate(float time, bool smooth, T &value) const;
 
     int Get_Key_Count() const { return static_cast<int>(Keys.size()); }

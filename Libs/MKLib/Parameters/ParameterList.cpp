@@ -2,6 +2,7 @@
 
 #include "MKLib/ChunkFile/ChunkFileReader.h"
 #include "MKLib/ChunkFile/ChunkFileWriter.h"
+#include "MKLib/LoadReport.h"
 #include "MKLib/Parameters/EnumParameter.h"
 #include "MKLib/Parameters/KeyedParameters.h"
 #include "MKLib/Parameters/ParameterValues.h"
@@ -12,6 +13,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string>
 
 namespace
 {
@@ -58,10 +60,18 @@ private:
     bool AreAscending = true;
 };
 
-bool Load_Value(ChunkFileReaderClass &reader, ParameterClass *parameter, bool isPlain)
+bool Load_Value(ChunkFileReaderClass &reader, int32_t id, ParameterClass *parameter, bool isPlain)
 {
-    if (!parameter) return true;
-    return isPlain ? parameter->Load_Plain(reader) : parameter->Load_Chunked(reader);
+    const bool loaded = !parameter || (isPlain ? parameter->Load_Plain(reader) : parameter->Load_Chunked(reader));
+    if (!LoadReport::Is_Wanted()) return loaded;
+    if (!parameter)
+        LoadReport::Add("unknown parameter " + std::to_string(id), "dropped");
+    else if (!loaded)
+        LoadReport::Add(std::string("unreadable value of \"") + parameter->Get_Name() + "\"", "keeps its value");
+    else if (parameter->Is_Save_Excluded())
+        LoadReport::Add(std::string("retired parameter \"") + parameter->Get_Name() + "\"",
+                        "folded into today's parameters, and not saved");
+    return loaded;
 }
 
 bool Save_Parameter(ChunkFileWriterClass &writer, const ParameterClass &parameter)
@@ -247,11 +257,15 @@ bool ParameterListClass::Load(ChunkFile::ChunkFileReaderClass *reader)
         const uint32_t chunk = reader->Cur_Chunk_ID();
         switch (chunk) {
         case CHUNK_PARAM_ID: loaded &= reader->Read_Int32(id); break;
-        case CHUNK_PARAM_PLAIN_VALUE: loaded &= Load_Value(*reader, finder.Find(id), true); break;
-        case CHUNK_PARAM_CHUNKED_VALUE: loaded &= Load_Value(*reader, finder.Find(id), false); break;
+        case CHUNK_PARAM_PLAIN_VALUE: loaded &= Load_Value(*reader, id, finder.Find(id), true); break;
+        case CHUNK_PARAM_CHUNKED_VALUE: loaded &= Load_Value(*reader, id, finder.Find(id), false); break;
         }
         loaded &= reader->Close_Chunk();
-        if (chunk > CHUNK_PARAM_CHUNKED_VALUE) return false;
+        if (chunk <= CHUNK_PARAM_CHUNKED_VALUE) continue;
+        if (LoadReport::Is_Wanted())
+            LoadReport::Add("unknown chunk " + std::to_string(chunk) + " among parameters",
+                            "ends them: what follows in them is dropped");
+        return false;
     }
     return loaded;
 }

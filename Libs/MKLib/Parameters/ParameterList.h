@@ -29,8 +29,8 @@ public:
     /// Makes room ahead, so that a long list doesn't grow step by step.
     void Reserve(int count);
 
-    // Each makes a parameter, gives it its id and appends it; the list owns it, the pointer is for the plugin's own use.
-    // Texts and labels must be static.
+    // Each makes a parameter, gives it its id and appends it; the list owns it, the pointer is for the plugin's own
+    // use. Texts and labels must be static.
     BoolParameter *Add_Bool(int32_t id, const char *name, bool value, const char *description);
     IntParameter *Add_Int(int32_t id, const char *name, int32_t value, const char *description);
     RangedIntParameter *Add_Int(int32_t id, const char *name, int32_t value, int32_t minimum, int32_t maximum,
@@ -75,7 +75,8 @@ public:
     void Dump_Table(FileClass &file) const;
 
 private:
-    template <typename T> T *Append(int32_t id, T *parameter);
+    template <typename T>
+    T *Append(int32_t id, T *parameter);
 
     std::vector<SmartPtr<ParameterClass>> Parameters;
 };

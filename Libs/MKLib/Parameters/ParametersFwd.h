@@ -32,9 +32,12 @@ enum class ParameterType : int
 
 class ParameterClass;
 class ParameterListClass;
-template <typename T, ParameterType Type> class SimpleParameterClass;
-template <typename T, ParameterType Type> class RangedParameterClass;
-template <typename T, ParameterType Type> class KeyedParameterClass;
+template <typename T, ParameterType Type>
+class SimpleParameterClass;
+template <typename T, ParameterType Type>
+class RangedParameterClass;
+template <typename T, ParameterType Type>
+class KeyedParameterClass;
 class KeyedFloatParameterClass;
 class StringParameterClass;
 class TextureNameParameterClass;

@@ -22,14 +22,14 @@ enum ShapeTypeEnum : uint32_t
 struct ShapeStruct
 {
     uint32_t ShapeType = SHAPE_POINT;
-    Vector3 Center{0.0f};                       ///< shape 0
-    Vector3 Direction{0.0f, 0.0f, 10.0f};       ///< shape 1
-    float A = 0.0f, B = 10.0f;                  ///< shape 1: least and greatest distance along the direction
-    float C = 0.0f, D = 10.0f;                  ///< shape 2: inner and outer radius
+    Vector3 Center{0.0f};                          ///< shape 0
+    Vector3 Direction{0.0f, 0.0f, 10.0f};          ///< shape 1
+    float A = 0.0f, B = 10.0f;                     ///< shape 1: least and greatest distance along the direction
+    float C = 0.0f, D = 10.0f;                     ///< shape 2: inner and outer radius
     Vector3 BoxMinimum{-10.0f}, BoxMaximum{10.0f}; ///< shape 3
-    /// 0, 1: shape 4, low and high limit of the cap as fractions of a quarter turn; 2, 3: shape 4, inner and outer radius;
-    /// 4: shape 5, radius; 5, 6: shape 5, least and greatest height; 7, 8: shape 6, ring and tube radius;
-    /// 9, 10: shape 7, least and greatest speed.
+    /// 0, 1: shape 4, low and high limit of the cap as fractions of a quarter turn; 2, 3: shape 4, inner and outer
+    /// radius; 4: shape 5, radius; 5, 6: shape 5, least and greatest height; 7, 8: shape 6, ring and tube radius; 9,
+    /// 10: shape 7, least and greatest speed.
     float E[11] = {0.0f, 0.5f, 0.0f, 10.0f, 10.0f, -10.0f, 10.0f, 10.0f, 5.0f, 0.0f, 10.0f};
 };
 

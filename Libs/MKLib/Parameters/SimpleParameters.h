@@ -3,7 +3,8 @@
 #include "MKLib/Parameters/Parameter.h"
 
 /// A value of a plain type, with no check of any kind.
-template <typename T, ParameterType Type> class SimpleParameterClass : public ParameterClass
+template <typename T, ParameterType Type>
+class SimpleParameterClass : public ParameterClass
 {
 public:
     SimpleParameterClass(const char *name, const char *description, const T &value)
@@ -27,7 +28,8 @@ protected:
 };
 
 /// A simple value with a range. The range informs the user interface only: setting, copying and loading never clamp.
-template <typename T, ParameterType Type> class RangedParameterClass final : public SimpleParameterClass<T, Type>
+template <typename T, ParameterType Type>
+class RangedParameterClass final : public SimpleParameterClass<T, Type>
 {
 public:
     RangedParameterClass(const char *name, const char *description, T value, T minimum, T maximum)

@@ -10,55 +10,6 @@ using namespace ChunkFile;
 namespace
 {
 
-/// Every type once in a leaf, and some in a microchunk.
-void Write_All_Types(ChunkFileWriterClass &writer)
-{
-    const float nine[9] = {1, 2, 3, 4, 5, 6, 7, 8, 9};
-    writer.Open_Chunk("Types", 1);
-    writer.Open_Chunk("Leaf", 2);
-    writer.Write_Int8(-1);
-    writer.Write_Int16(-2);
-    writer.Write_Int32(-3);
-    writer.Write_Int64(-4);
-    writer.Write_Float(0.5f);
-    writer.Write_String("ember");
-    writer.Write_Wstring(u"ember");
-    writer.Write_Bool(true);
-    writer.Write_Vector2({1, 2});
-    writer.Write_Vector3({1, 2, 3});
-    writer.Write_Vector4({1, 2, 3, 4});
-    writer.Write_Quaternion(QuaternionClass(1, 2, 3, 4));
-    writer.Write_RGBA({});
-    writer.Write_Bit_Stream(reinterpret_cast<const uint8_t *>("\xa5\xa5"), 16, 0);
-    writer.Write_Pointer(77);
-    writer.Write_Matrix3D({});
-    writer.Write_Vector2i({1, 2});
-    writer.Write_Vector3i({1, 2, 3});
-    writer.Write_Vector4i({1, 2, 3, 4});
-    writer.Write_Flags(0x83);
-    writer.Write_Facing({0, 0, 1});
-    writer.Write_Time(99);
-    writer.Write_Matrix3(nine);
-    writer.Write_Raw_Bytes("raw", 3);
-    writer.Open_Micro_Chunk("Empty", 1);
-    writer.Close_Micro_Chunk();
-    writer.Open_Micro_Chunk("Full", 2);
-    writer.Write_String("spark");
-    writer.Write_Flags(0x01);
-    writer.Write_Raw_Bytes("raw", 3);
-    writer.Close_Micro_Chunk();
-    writer.Write_UInt8(5);
-    writer.Close_Chunk();
-    writer.Open_Chunk("Empty", 3);
-    writer.Close_Chunk();
-    writer.Close_Chunk();
-    writer.Open_Chunk("Last", 4);
-    writer.Open_Micro_Chunk("End", 9);
-    writer.Write_Int32(1);
-    writer.Close_Micro_Chunk();
-    writer.Close_Chunk();
-}
-
 Bytes Copied(const Bytes &source, uint32_t mode, bool &copied)
 {
     return Written(mode, [&](ChunkFileWriterClass &writer) {

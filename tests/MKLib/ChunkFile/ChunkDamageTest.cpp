@@ -187,8 +187,8 @@ TEST(ChunkDamage, WalksAnInflateBombInFixedMemory)
     EXPECT_LT(LargestAllocation, 70000u);
 }
 
-// Each section of this file claims the whole rest of the file as its data, so that skipping them all would read the file
-// once for each of its 28-byte sections.
+// Each section of this file claims the whole rest of the file as its data, so that skipping them all would read the
+// file once for each of its 28-byte sections.
 TEST(ChunkDamage, RefusesSectionsWhoseStreamsOverlap)
 {
     Reports reports;
@@ -220,4 +220,16 @@ TEST(ChunkDamage, TellsABrokenStream)
     EXPECT_TRUE(reader->Is_Damaged());
     EXPECT_TRUE(reports.Has_Assert("ret == Z_STREAM_ERROR || ret == Z_DATA_ERROR"));
     EXPECT_TRUE(reports.Has_Log("ChunkFile: ChunkFileReader::Decompress - Stream error incorrect data check in "));
+}
+
+TEST(ChunkDamage, TellsAStreamThatItsHeaderCutsShort)
+{
+    Reports reports;
+    Bytes file = Written(129, Write_Sample_Tree);
+    MemoryReader whole(file);
+    file[16] = static_cast<uint8_t>(file[16] - 4); // the data size, which leaves out the checksum now
+    MemoryReader cut(file);
+    EXPECT_EQ(Walk(*cut), Walk(*whole));
+    EXPECT_TRUE(cut->Is_Damaged());
+    EXPECT_TRUE(reports.Has_Log("ends before its data does"));
 }

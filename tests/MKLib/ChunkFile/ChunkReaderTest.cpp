@@ -83,8 +83,7 @@ TEST(ChunkReader, ReadsVersion20WhereOffsetsCountFromTheHeadersEnd)
 
     // Sectioned: one section holds every top-level chunk.
     const Bytes chunks = ByteList().Word(5).Word(1).Word(6).Word(1).Get();
-    MemoryReader sectioned(
-        ByteList().Add(Header_Bytes(MODE_SECTIONED, 0, 2, 2, 16, 0)).Raw({7, 8}).Add(chunks).Get());
+    MemoryReader sectioned(ByteList().Add(Header_Bytes(MODE_SECTIONED, 0, 2, 2, 16, 0)).Raw({7, 8}).Add(chunks).Get());
     for (const uint8_t expected : {7, 8}) {
         uint8_t value = 0;
         ASSERT_TRUE(sectioned->Open_Chunk());
@@ -182,6 +181,10 @@ TEST(ChunkReader, StopsAtTheEndOfItsScope)
     EXPECT_EQ(word, 5u);
     EXPECT_TRUE(reader->Read_UInt8(byte));
     EXPECT_EQ(byte, 10) << "a failed read takes nothing";
+    char bytes[100];
+    uint32_t read = 9;
+    EXPECT_FALSE(reader->Read_Bytes(bytes, sizeof(bytes), &read)) << "more than the file has";
+    EXPECT_EQ(read, 0u);
     EXPECT_EQ(reader->Cur_Chunk_Remaining(), 4u);
     EXPECT_TRUE(reader->Close_Micro_Chunk());
     ASSERT_TRUE(reader->Open_Micro_Chunk());
@@ -194,8 +197,8 @@ TEST(ChunkReader, StopsAtTheEndOfItsScope)
 TEST(ChunkReader, TellsAMicrochunkThatRunsPastItsChunk)
 {
     Reports reports;
-    MemoryReader reader(Plain_File(
-        ByteList().Word(1).Word(6).Raw({1, 200, 1, 0, 0, 0}).Word(2).Word(1).Raw({9}).Get()));
+    MemoryReader reader(
+        Plain_File(ByteList().Word(1).Word(6).Raw({1, 200, 1, 0, 0, 0}).Word(2).Word(1).Raw({9}).Get()));
     uint32_t value = 0;
     ASSERT_TRUE(reader->Open_Chunk());
     ASSERT_TRUE(reader->Open_Micro_Chunk());

@@ -39,7 +39,7 @@ struct ValueRow
     const char *what;
     bool (*write)(Writer &);
     bool (*reads)(Reader &);
-    bool fromXML = true;       ///< the XML form gives it back
+    bool fromXML = true;      ///< the XML form gives it back
     bool inMicroChunk = true; ///< short enough for one
 };
 
@@ -99,18 +99,33 @@ const ValueRow ValueRows[] = {
          bool value = true;
          return r.Read_Bool(value) && !value;
      }},
-    {"Vector2", [](Writer &w) { return w.Write_Vector2({0.25f, -8.0f}); },
-     [](Reader &r) { return Reads<Vector2>(r, &Reader::Read_Vector2, {0.25f, -8.0f}); }},
+    {"Vector2",
+     [](Writer &w) {
+         return w.Write_Vector2({0.25f, -8.0f});
+     },
+     [](Reader &r) {
+         return Reads<Vector2>(r, &Reader::Read_Vector2, {0.25f, -8.0f});
+     }},
     {"Vector3", [](Writer &w) { return w.Write_Vector3(Position); },
      [](Reader &r) { return Reads<Vector3>(r, &Reader::Read_Vector3, Position); }},
-    {"Vector4", [](Writer &w) { return w.Write_Vector4({1, 2, 3, 4}); },
-     [](Reader &r) { return Reads<Vector4>(r, &Reader::Read_Vector4, {1, 2, 3, 4}); }},
+    {"Vector4",
+     [](Writer &w) {
+         return w.Write_Vector4({1, 2, 3, 4});
+     },
+     [](Reader &r) {
+         return Reads<Vector4>(r, &Reader::Read_Vector4, {1, 2, 3, 4});
+     }},
     {"Quaternion", [](Writer &w) { return w.Write_Quaternion(QuaternionClass(0.5f, 1.0f, 2.0f, 3.0f)); },
      [](Reader &r) {
          return Reads<QuaternionClass>(r, &Reader::Read_Quaternion, QuaternionClass(0.5f, 1.0f, 2.0f, 3.0f));
      }},
-    {"RGBA", [](Writer &w) { return w.Write_RGBA({0.5f, 0.25f, 1.0f, 0.0f}); },
-     [](Reader &r) { return Reads<RGBAClass>(r, &Reader::Read_RGBA, {0.5f, 0.25f, 1.0f, 0.0f}); }},
+    {"RGBA",
+     [](Writer &w) {
+         return w.Write_RGBA({0.5f, 0.25f, 1.0f, 0.0f});
+     },
+     [](Reader &r) {
+         return Reads<RGBAClass>(r, &Reader::Read_RGBA, {0.5f, 0.25f, 1.0f, 0.0f});
+     }},
     {"BitStream", [](Writer &w) { return w.Write_Bit_Stream(reinterpret_cast<const uint8_t *>("\xa5\x01"), 9, 77); },
      [](Reader &r) {
          std::vector<uint8_t> bits;
@@ -123,12 +138,27 @@ const ValueRow ValueRows[] = {
      [](Reader &r) { return Reads<uint32_t>(r, &Reader::Read_Pointer, 0x00ab12cd); }},
     {"Matrix3D", [](Writer &w) { return w.Write_Matrix3D(Some_Matrix()); },
      [](Reader &r) { return Reads<Mat3DClass>(r, &Reader::Read_Matrix3D, Some_Matrix()); }},
-    {"Vector2i", [](Writer &w) { return w.Write_Vector2i({-1, 2}); },
-     [](Reader &r) { return Reads<Vector2i>(r, &Reader::Read_Vector2i, {-1, 2}); }},
-    {"Vector3i", [](Writer &w) { return w.Write_Vector3i({-1, 2, INT32_MAX}); },
-     [](Reader &r) { return Reads<Vector3i>(r, &Reader::Read_Vector3i, {-1, 2, INT32_MAX}); }},
-    {"Vector4i", [](Writer &w) { return w.Write_Vector4i({-1, 2, INT32_MAX, 0}); },
-     [](Reader &r) { return Reads<Vector4i>(r, &Reader::Read_Vector4i, {-1, 2, INT32_MAX, 0}); }},
+    {"Vector2i",
+     [](Writer &w) {
+         return w.Write_Vector2i({-1, 2});
+     },
+     [](Reader &r) {
+         return Reads<Vector2i>(r, &Reader::Read_Vector2i, {-1, 2});
+     }},
+    {"Vector3i",
+     [](Writer &w) {
+         return w.Write_Vector3i({-1, 2, INT32_MAX});
+     },
+     [](Reader &r) {
+         return Reads<Vector3i>(r, &Reader::Read_Vector3i, {-1, 2, INT32_MAX});
+     }},
+    {"Vector4i",
+     [](Writer &w) {
+         return w.Write_Vector4i({-1, 2, INT32_MAX, 0});
+     },
+     [](Reader &r) {
+         return Reads<Vector4i>(r, &Reader::Read_Vector4i, {-1, 2, INT32_MAX, 0});
+     }},
     {"Flags", [](Writer &w) { return w.Write_Flags(0x83); },
      [](Reader &r) { return Reads<uint8_t>(r, &Reader::Read_Flags, 0x83); }},
     {"Facing", [](Writer &w) { return w.Write_Facing(Position); },
@@ -149,7 +179,8 @@ const ValueRow ValueRows[] = {
      [](Reader &r) {
          char bytes[3];
          int read = 0;
-         return r.Read_Raw_Bytes(bytes, 3, &read) && read == 3 && std::string(bytes, 3) == std::string("\x00\xff\x10", 3);
+         return r.Read_Raw_Bytes(bytes, 3, &read) && read == 3 &&
+                std::string(bytes, 3) == std::string("\x00\xff\x10", 3);
      }},
 };
 
@@ -214,9 +245,8 @@ TEST(ChunkRoundTrip, GivesTheSameBytesForTheSameCalls)
 
 TEST(ChunkRoundTrip, ReadsTheSameTreeFromEveryMode)
 {
-    const std::string expected =
-        " (1 (10 m0=1000 m1=1001 m2=1002 m3=campfire) (11) (12 (13 m9=0.500000)))"
-        " (2 (10 m0=2000 m1=2001 m2=2002 m3=campfire) (11) (12 (13 m9=0.500000)))";
+    const std::string expected = " (1 (10 m0=1000 m1=1001 m2=1002 m3=campfire) (11) (12 (13 m9=0.500000)))"
+                                 " (2 (10 m0=2000 m1=2001 m2=2002 m3=campfire) (11) (12 (13 m9=0.500000)))";
     for (const ModeRow &mode : All_Modes()) {
         MemoryReader reader(Written(mode.mode, Write_Sample_Tree));
         EXPECT_EQ(Walk(*reader), expected) << mode.what;

@@ -82,6 +82,9 @@ uint32_t Plain_CRC(const Bytes &bytes, uint32_t start = 0);
 /// A small tree with sub-chunks, microchunks, strings and numbers, the same in every mode.
 void Write_Sample_Tree(ChunkFileWriterClass &writer);
 
+/// Every type once in a leaf, and some in a microchunk.
+void Write_All_Types(ChunkFileWriterClass &writer);
+
 /// Walks everything the way loaders do, and tells what it saw; ends at the first failure of a level.
 std::string Walk(ChunkFileReaderClass &reader);
 

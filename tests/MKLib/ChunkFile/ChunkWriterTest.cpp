@@ -27,7 +27,7 @@ TEST(ChunkWriter, RefusesThe256thByteOfAMicrochunk)
     const struct
     {
         uint32_t mode;
-        uint32_t fits; ///< bytes of a raw value
+        uint32_t fits;                                                                   ///< bytes of a raw value
     } rows[] = {{COMPRESSION_NONE, 255}, {MODE_VALIDATED, 250}, {COMPRESSION_XML, 250}}; // a tag and a count in front
     const Bytes data(256, 1);
     for (const auto &row : rows) {

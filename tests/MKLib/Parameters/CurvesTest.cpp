@@ -19,7 +19,8 @@ constexpr float INFINITE = std::numeric_limits<float>::infinity();
 
 using FloatCurve = KeyedParameterClass<float, ParameterType::KeyedFloat>;
 
-template <typename Curve> void Fill(Curve &curve, std::initializer_list<std::pair<float, float>> keys)
+template <typename Curve>
+void Fill(Curve &curve, std::initializer_list<std::pair<float, float>> keys)
 {
     for (const auto &[time, value] : keys) curve.Add_Key(time, value);
 }
@@ -72,15 +73,9 @@ TEST(Curve, EvaluatesBetweenAndOutsideOfItsKeys)
     {
         float time, linear, smooth;
     } rows[] = {
-        {-5.0f, 10.0f, 10.0f},
-        {1.0f, 10.0f, 10.0f},
-        {1.25f, 12.5f, 11.5625f}, // (3 - 0.5) / 16 = 0.15625
-        {1.5f, 15.0f, 15.0f},
-        {2.0f, 20.0f, 20.0f},
-        {3.5f, -10.0f, -13.75f}, // (3 - 1.5) * 0.5625 = 0.84375
-        {4.0f, -20.0f, -20.0f},
-        {9.0f, -20.0f, -20.0f},
-        {INFINITE, -20.0f, -20.0f},
+        {-5.0f, 10.0f, 10.0f},  {1.0f, 10.0f, 10.0f},   {1.25f, 12.5f, 11.5625f}, // (3 - 0.5) / 16 = 0.15625
+        {1.5f, 15.0f, 15.0f},   {2.0f, 20.0f, 20.0f},   {3.5f, -10.0f, -13.75f},  // (3 - 1.5) * 0.5625 = 0.84375
+        {4.0f, -20.0f, -20.0f}, {9.0f, -20.0f, -20.0f}, {INFINITE, -20.0f, -20.0f},
     };
     for (const auto &row : rows) {
         EXPECT_EQ(At(curve, row.time), row.linear) << row.time;
@@ -155,12 +150,13 @@ TEST(Spline, IsTheNaturalCubicThroughItsPoints)
 
     // Uneven points: the moments solve 6 m1 + 2 m2 = -12 and 2 m1 + 6 m2 = 24, so m1 = -3.75 and m2 = 5.25.
     CubicInterpolator uneven;
-    for (const auto &[x, y] : {std::pair(0.0f, 0.0f), {1.0f, 1.0f}, {3.0f, -1.0f}, {4.0f, 2.0f}}) uneven.Add_Point(x, y);
+    for (const auto &[x, y] : {std::pair(0.0f, 0.0f), {1.0f, 1.0f}, {3.0f, -1.0f}, {4.0f, 2.0f}})
+        uneven.Add_Point(x, y);
     const struct
     {
         float x, y;
-    } rows[] = {{-1.0f, 0.0f}, {0.0f, 0.0f},  {0.5f, 0.734375f}, {1.0f, 1.0f},
-                {2.0f, -0.375f}, {3.0f, -1.0f}, {3.5f, 0.171875f}, {4.0f, 2.0f}, {5.0f, 2.0f}};
+    } rows[] = {{-1.0f, 0.0f}, {0.0f, 0.0f},      {0.5f, 0.734375f}, {1.0f, 1.0f}, {2.0f, -0.375f},
+                {3.0f, -1.0f}, {3.5f, 0.171875f}, {4.0f, 2.0f},      {5.0f, 2.0f}};
     for (const auto &row : rows) EXPECT_NEAR(uneven.Get_Value(row.x), row.y, 1e-6f) << row.x;
 }
 
@@ -182,8 +178,8 @@ TEST(Spline, FollowsPointsThatComeLater)
 TEST(Spline, TakesItsPointsFromXML)
 {
     XMLDatabase database;
-    ASSERT_TRUE(database.Load_Text("<Curve><Point>2 0</Point><Name>hill</Name><Point>0 0</Point><Point> 1 1 </Point></Curve>",
-                                   "test"));
+    ASSERT_TRUE(database.Load_Text(
+        "<Curve><Point>2 0</Point><Name>hill</Name><Point>0 0</Point><Point> 1 1 </Point></Curve>", "test"));
     CubicInterpolator curve;
     curve.Add_Point(9.0f, 9.0f);
     EXPECT_TRUE(curve.Load_XML(database));

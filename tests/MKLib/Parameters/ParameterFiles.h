@@ -28,12 +28,18 @@ struct ModeRow
 };
 
 constexpr ModeRow EveryMode[] = {
-    {"binary", 0},       {"zlib", 1},       {"XML", 2},          {"sectioned", 0x10},
-    {"validated", 0x20}, {"swapped", 0x40}, {"zlib and sectioned, validated, swapped", 0x71},
+    {"binary", 0},
+    {"zlib", 1},
+    {"XML", 2},
+    {"sectioned", 0x10},
+    {"validated", 0x20},
+    {"swapped", 0x40},
+    {"zlib and sectioned, validated, swapped", 0x71},
 };
 
 /// The file that has one chunk, whose content `write` makes through a writer.
-template <typename Write> Bytes Chunk_File(uint32_t mode, Write &&write)
+template <typename Write>
+Bytes Chunk_File(uint32_t mode, Write &&write)
 {
     RAMFileClass file;
     {
@@ -48,7 +54,8 @@ template <typename Write> Bytes Chunk_File(uint32_t mode, Write &&write)
 }
 
 /// Calls `read` with a reader inside the one chunk of such a file; false when there is no chunk.
-template <typename Read> bool Read_Chunk_File(const Bytes &bytes, Read &&read)
+template <typename Read>
+bool Read_Chunk_File(const Bytes &bytes, Read &&read)
 {
     RAMFileClass file(bytes.data(), static_cast<int64_t>(bytes.size()));
     file.Open(MKPlatform::FILE_OPEN_GENERIC_READ);
@@ -72,7 +79,8 @@ inline bool Load_List(ParameterListClass &list, const Bytes &bytes)
 }
 
 /// Writes one pair of a list: the id, and a value in chunk `form` (1 plain, 2 as sub-chunks).
-template <typename Write> void Write_Pair(ChunkFileWriterClass &writer, int32_t id, uint32_t form, Write &&write)
+template <typename Write>
+void Write_Pair(ChunkFileWriterClass &writer, int32_t id, uint32_t form, Write &&write)
 {
     writer.Open_Chunk(0);
     writer.Write_Int32(id);

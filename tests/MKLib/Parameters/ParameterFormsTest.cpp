@@ -29,7 +29,8 @@ bool Load(ParameterClass &parameter, const Bytes &file, Form form)
 }
 
 /// The one micro-chunk of a simple value, in its chunk.
-template <typename Write> Bytes Simple_Value(Write &&write)
+template <typename Write>
+Bytes Simple_Value(Write &&write)
 {
     return Chunk_File(0, [&](ChunkFileWriterClass &writer) {
         writer.Open_Chunk(0);

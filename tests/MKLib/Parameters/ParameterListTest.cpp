@@ -107,7 +107,8 @@ struct EveryKind
         EXPECT_EQ(Mask->Get_Value(), expected.Mask->Get_Value());
     }
 
-    template <typename Curve> static void Expect_Same_Curve(const Curve &curve, const Curve &expected)
+    template <typename Curve>
+    static void Expect_Same_Curve(const Curve &curve, const Curve &expected)
     {
         EXPECT_EQ(curve.Is_Spline(), expected.Is_Spline()) << curve.Get_Name();
         ASSERT_EQ(curve.Get_Key_Count(), expected.Get_Key_Count()) << curve.Get_Name();
@@ -145,16 +146,16 @@ TEST(ParameterList, SavesAsTheFormatSays)
     list.Add_Enum(0x102, "Enum", LABELS, 2, "");
     const Bytes file = Save_List(list, 0);
     const Bytes expected = {
-        77, 0, 0, 0, 4, 0, 0, 0x80,    // the owner's chunk, with four sub-chunks
-        0,  0, 0, 0, 4, 0, 0, 0,       // the id
-        7,  0, 0, 0,                   //
-        2,  0, 0, 0, 1, 0, 0, 0x80,    // a value as sub-chunks
-        0,  0, 0, 0, 6, 0, 0, 0,       // its variables
-        0,  4, 0, 0, 0xc0, 0x3f,       // micro-chunk 0 of 4 bytes, 1.5
-        0,  0, 0, 0, 4, 0, 0, 0,       // the next id
-        2,  1, 0, 0,                   //
-        1,  0, 0, 0, 4, 0, 0, 0,       // a plain value
-        2,  0, 0, 0,                   // the index
+        77, 0, 0, 0, 4,    0,    0, 0x80, // the owner's chunk, with four sub-chunks
+        0,  0, 0, 0, 4,    0,    0, 0,    // the id
+        7,  0, 0, 0,                      //
+        2,  0, 0, 0, 1,    0,    0, 0x80, // a value as sub-chunks
+        0,  0, 0, 0, 6,    0,    0, 0,    // its variables
+        0,  4, 0, 0, 0xc0, 0x3f,          // micro-chunk 0 of 4 bytes, 1.5
+        0,  0, 0, 0, 4,    0,    0, 0,    // the next id
+        2,  1, 0, 0,                      //
+        1,  0, 0, 0, 4,    0,    0, 0,    // a plain value
+        2,  0, 0, 0,                      // the index
     };
     ASSERT_GE(file.size(), 36u);
     EXPECT_EQ(Bytes(file.begin() + 36, file.end()), expected);

@@ -14,10 +14,10 @@ namespace
 
 TEST(Parameters, HaveTheNamesOfTheirKinds)
 {
-    const char *const names[] = {"Boolean",       "RGBA",          "Vector3",       "Integer",      "Float",
-                                 "String",        "Keyed Boolean", "Keyed RGBA",    "Keyed Vector3", "Keyed Integer",
-                                 "Keyed Float",   "Texture Name",  "Shader Name",   "UV and dUV",   "Keyed UV and dUV",
-                                 "Shape",         "Enumeration",   "UV List"};
+    const char *const names[] = {"Boolean",     "RGBA",          "Vector3",     "Integer",       "Float",
+                                 "String",      "Keyed Boolean", "Keyed RGBA",  "Keyed Vector3", "Keyed Integer",
+                                 "Keyed Float", "Texture Name",  "Shader Name", "UV and dUV",    "Keyed UV and dUV",
+                                 "Shape",       "Enumeration",   "UV List"};
     for (int kind = 0; kind < 18; ++kind)
         EXPECT_STREQ(Get_Parameter_Type_Name(static_cast<ParameterType>(kind)), names[kind]) << kind;
     EXPECT_STREQ(Get_Parameter_Type_Name(static_cast<ParameterType>(19)), "Mask");

@@ -195,6 +195,19 @@ TEST(PluginTable, MarksThirteenKindsAsObsoleteWhateverTheNamesSay)
     EXPECT_EQ(named, all);
 }
 
+TEST(PluginTable, LeavesNothingOutOfFilesButTheRetiredRate)
+{
+    const std::set<int> enhanced = {34, 35, 39, 43, 50, 115};
+    for (const int id : All_Plugin_IDs()) {
+        const SmartPtr<vrMKPPlugin> plugin = Make_Plugin(id);
+        std::set<int> excluded;
+        for (const int parameter : Parameter_IDs(*plugin))
+            if (plugin->Get_Parameters().Find_Parameter_By_ID(parameter)->Is_Save_Excluded())
+                excluded.insert(parameter);
+        EXPECT_EQ(excluded, enhanced.contains(id) ? (std::set{100, 101, 102}) : std::set<int>()) << Plugin_Label(id);
+    }
+}
+
 TEST(PluginTable, DeclaresTheChannelsThatAFamilyShares)
 {
     for (const int id : Plugin_IDs_Of(vrMKPPlugin::SPAWNER_PLUGIN)) {

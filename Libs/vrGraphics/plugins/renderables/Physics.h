@@ -24,6 +24,7 @@ class vrMKPSimpleProjectileRenderablePhysics final : public vrMKPRenderablePhysi
 {
 public:
     vrMKPSimpleProjectileRenderablePhysics();
+    bool Is_Shared_Physics() const override { return true; }
     size_t Get_Object_Size() const override { return sizeof(*this); }
 };
 
@@ -32,6 +33,7 @@ class vrMKPSpiralAndSeekProjectileRenderablePhysics final : public vrMKPRenderab
 {
 public:
     vrMKPSpiralAndSeekProjectileRenderablePhysics();
+    bool Is_Shared_Physics() const override { return true; }
     size_t Get_Object_Size() const override { return sizeof(*this); }
 };
 

@@ -1,0 +1,148 @@
+#include "FlareTrim/DemoSession.h"
+
+#include "Code/ParticleData.h"
+#include "Code/ParticleProperties.h"
+#include "Headless/HeadlessApplication.h"
+#include "Headless/HeadlessForms.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+const std::vector<std::string> COLUMNS = {"Modified",
+                                          "EmitterName",
+                                          "ParticleName",
+                                          "GlobalLOD",
+                                          "MinimumDynamicLOD",
+                                          "DynamicLODNearDistance",
+                                          "DynamicLODFarDistance",
+                                          "SupportsHeat",
+                                          "UsesHeatVisualizer",
+                                          "HeatDistanceCutoff",
+                                          "HeatDistortionScale"};
+
+/// How many effects the level-of-detail edit takes in at once.
+constexpr size_t EDITED_EMITTERS = 5;
+
+std::string Row_Name(const ParticleData &row) { return row.Get_EmitterName() + ":" + row.Get_ParticleName(); }
+
+/// Every property of every row, as text.
+std::map<std::string, std::vector<std::string>> Snapshot(HeadlessBindingSource &source)
+{
+    std::map<std::string, std::vector<std::string>> values;
+    for (int index = 0; index < source.Get_Count(); ++index) {
+        auto &row = values[Row_Name(*source.Get_Row(index))];
+        for (const ParticleProperty &property : Get_Particle_Properties())
+            row.push_back(property.Get(*source.Get_Row(index)));
+    }
+    return values;
+}
+
+void Print_Changes(const std::map<std::string, std::vector<std::string>> &before,
+                   const std::map<std::string, std::vector<std::string>> &after)
+{
+    for (const auto &[name, values] : after) {
+        const auto old = before.find(name);
+        if (old == before.end()) continue;
+        for (size_t column = 0; column < values.size(); ++column)
+            if (values[column] != old->second[column])
+                std::printf("  %-28s %-38s %s -> %s\n", name.c_str(), Get_Particle_Properties()[column].Name,
+                            old->second[column].c_str(), values[column].c_str());
+    }
+}
+
+} // namespace
+
+bool DemoSession::Run()
+{
+    form.Activate();
+    if (!Scan()) return false;
+    Show("THE GRID");
+    const auto before = Snapshot(form.Get_Particle_Data_Source());
+    Edit_Level_Of_Detail();
+    Edit_Heat();
+    Convert_Billboard();
+    if (!Save() || !Scan()) return false;
+    std::printf("\nWHAT CHANGED IN THE FILES\n");
+    Print_Changes(before, Snapshot(form.Get_Particle_Data_Source()));
+    return form.Close();
+}
+
+bool DemoSession::Scan()
+{
+    std::printf("Scanning %s\n", form.Get_Current_Path().c_str());
+    application.Set_Progress_Observer([](const HeadlessProgressDialog &dialog) {
+        std::printf("\r%s %d of %d", dialog.Get_Title().c_str(), std::min(dialog.Get_Steps() + 1, dialog.Get_Step_Count()),
+                    dialog.Get_Step_Count());
+        std::fflush(stdout);
+    });
+    form.Click_Scan();
+    std::printf("\n");
+    if (form.Are_Settings_Controls_Enabled()) return true;
+    std::printf("The scan failed; the log names the file and the reason.\n");
+    return false;
+}
+
+void DemoSession::Show(const char *heading)
+{
+    std::printf("\n%s\n%s\n", heading, form.Get_Particle_Grid_View().Format(COLUMNS).c_str());
+}
+
+void DemoSession::Edit_Level_Of_Detail()
+{
+    auto &source = form.Get_Particle_Data_Source();
+    std::set<std::string> emitters;
+    std::vector<int> rows;
+    for (int index = 0; index < source.Get_Count(); ++index) {
+        const std::string emitter = source.Get_Row(index)->Get_EmitterName();
+        if (emitters.size() == EDITED_EMITTERS && !emitters.contains(emitter)) break;
+        emitters.insert(emitter);
+        rows.push_back(index);
+    }
+    form.Get_Particle_Grid_View().Select_Rows(rows);
+    std::printf("Lowering the far detail of %zu layers of %zu effects at once\n", rows.size(), emitters.size());
+    form.Edit_Current("MinimumDynamicLODPerThousandth", "350");
+    form.Edit_Current("DynamicLODFarDistance", "1200");
+}
+
+void DemoSession::Edit_Heat()
+{
+    auto &source = form.Get_Particle_Data_Source();
+    for (int index = 0; index < source.Get_Count(); ++index) {
+        if (!source.Get_Row(index)->Get_UsesHeatVisualizer()) continue;
+        form.Get_Particle_Grid_View().Select_Rows({index});
+        std::printf("Softening the heat of %s\n", Row_Name(*source.Get_Row(index)).c_str());
+        form.Edit_Current("HeatDistortionScalePerThousandth", "250");
+        return;
+    }
+}
+
+void DemoSession::Convert_Billboard()
+{
+    auto &source = form.Get_Particle_Data_Source();
+    for (int index = 0; index < source.Get_Count(); ++index) {
+        const auto row = source.Get_Row(index);
+        if (!row->Get_SupportsHeat() || row->Get_UsesHeatVisualizer()) continue;
+        form.Get_Particle_Grid_View().Select_Rows({index});
+        std::printf("Converting %s to heat\n", Row_Name(*row).c_str());
+        form.Click_Convert_To_Heat();
+        return;
+    }
+}
+
+bool DemoSession::Save()
+{
+    Show("MODIFIED, NOT SAVED YET");
+    application.Clear_Message_Boxes();
+    form.Click_Save_All();
+    for (const ShownMessageBox &box : application.Get_Message_Boxes())
+        std::printf("%s: %s\n", box.Caption.c_str(), box.Text.c_str());
+    std::printf("Saved\n");
+    return application.Get_Message_Boxes().empty();
+}

@@ -1,0 +1,200 @@
+#include "Code/EmitterData.h"
+#include "Code/ParticleData.h"
+#include "Tools/Code/ToolFixture.h"
+#include "vrGraphics/effect/vrMKPModel.h"
+#include "vrGraphics/effect/vrMKParticleEmitter.h"
+
+#include "MKLib/ChunkFile/ChunkFileWriter.h"
+#include "MKLib/File/File.h"
+
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using namespace ToolTest;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace
+{
+
+std::vector<std::string> Row_Names(Tool &tool)
+{
+    std::vector<std::string> names;
+    for (int row = 0; row < tool.Row_Count(); ++row)
+        names.push_back(tool.Row(row).Get_EmitterName() + "/" + tool.Row(row).Get_ParticleName());
+    return names;
+}
+
+TEST(EmitterScan, ListsALayerARowInTheOrderOfTheFiles)
+{
+    Tool tool;
+    tool.Add_Emitter("smoke.vro", {Plain_Layer("column")});
+    tool.Add_Emitter("fire.vro", {Plain_Layer("flames"), Plain_Layer("embers")});
+    tool.directory.Make_Directory("work/Art/Models/sub");
+    tool.Add_Emitter("sub/hidden.vro", {Plain_Layer("hidden")});
+    tool.directory.Write("work/Art/Models/readme.txt", "no effect");
+    tool.Scan();
+    EXPECT_THAT(Row_Names(tool), ElementsAre("fire/flames", "fire/embers", "smoke/column"));
+    EXPECT_EQ(tool.core.Get_Emitter_List()->size(), 2u);
+    EXPECT_EQ(tool.core.Get_Emitter_List()->at(0)->Get_Path(), tool.Model_Path("fire.vro"));
+    EXPECT_EQ(tool.core.Get_Emitter_List()->at(0)->Get_Particles().size(), 2u);
+    EXPECT_TRUE(tool.form->Are_Settings_Controls_Enabled());
+    EXPECT_EQ(tool.form->Get_Resize_Count(), 1);
+    EXPECT_TRUE(tool.Modified_Names().empty());
+}
+
+TEST(EmitterScan, ShowsItsProgress)
+{
+    Tool tool;
+    for (const char *name : {"a.vro", "b.vro"}) tool.Add_Emitter(name, {Plain_Layer()});
+    std::vector<std::string> seen;
+    tool.application.Set_Progress_Observer([&seen](const HeadlessProgressDialog &dialog) {
+        seen.push_back(dialog.Get_Title() + std::to_string(dialog.Get_Steps()) + "/" +
+                       std::to_string(dialog.Get_Step_Count()));
+    });
+    tool.Scan();
+    EXPECT_THAT(seen, ElementsAre("Scanning VRO Files...0/2", "Scanning VRO Files...0/2", "Scanning VRO Files...1/2"));
+}
+
+TEST(EmitterScan, AnEmptyDirectoryIsAnEmptyGrid)
+{
+    Tool tool;
+    std::vector<int> steps;
+    tool.application.Set_Progress_Observer(
+        [&steps](const HeadlessProgressDialog &dialog) { steps.push_back(dialog.Get_Step_Count()); });
+    EXPECT_TRUE(tool.core.Scan_Emitter_Files());
+    EXPECT_EQ(tool.Row_Count(), 0);
+    EXPECT_THAT(steps, ElementsAre(0));
+    EXPECT_EQ(tool.form->Get_Particle_Data_Source().Get_Position(), -1);
+}
+
+TEST(EmitterScan, WhatIsNoEmitterIsSkippedWithoutAWord)
+{
+    Tool tool;
+    Write_Model(tool.Model_Path("tank.vro"));
+    tool.directory.Write("work/Art/Models/empty.vro", "");
+    tool.directory.Write("work/Art/Models/text.vro", "not a chunk file");
+    EXPECT_TRUE(tool.core.Scan_Emitter_Files());
+    EXPECT_EQ(tool.Row_Count(), 0);
+    EXPECT_TRUE(tool.core.Get_Emitter_List()->empty());
+    EXPECT_TRUE(tool.application.Get_Message_Boxes().empty());
+}
+
+TEST(EmitterScan, AnEmitterWithoutGroupsHasNoRow)
+{
+    Tool tool;
+    SmartPtr<vrMKParticleEmitter> emitter(new vrMKParticleEmitter);
+    const SmartPtr<vrMKPModel> model(new vrMKPModel);
+    emitter->Add_Renderable(model.Get());
+    FileClass file(tool.Model_Path("stone.vro"));
+    ChunkFileWriterClass writer(&file, 129, 6, false);
+    ASSERT_TRUE(emitter->Save(&writer) && writer.Close());
+    file.Close();
+    tool.Scan();
+    EXPECT_EQ(tool.core.Get_Emitter_List()->size(), 1u);
+    EXPECT_EQ(tool.Row_Count(), 0);
+}
+
+TEST(EmitterScan, ADamagedEmitterEndsTheScanUntilTheNextOne)
+{
+    Tool tool;
+    tool.Add_Emitter("a.vro", {Plain_Layer()});
+    tool.Scan();
+    // An emitter's root that promises more than the file has.
+    {
+        FileClass file(tool.Model_Path("b.vro"));
+        ChunkFileWriterClass writer(&file, 128, 0, false);
+        ASSERT_TRUE(Make_Emitter({Plain_Layer()})->Save(&writer) && writer.Close());
+    }
+    const MKTest::Bytes whole = MKTest::Read_Whole_File(tool.Model_Path("b.vro"));
+    MKTest::Write_Whole_File(tool.Model_Path("b.vro"), whole.data(), whole.size() / 2);
+
+    EXPECT_FALSE(tool.core.Scan_Emitter_Files());
+    EXPECT_EQ(tool.Row_Count(), 0);
+    EXPECT_FALSE(tool.form->Are_Settings_Controls_Enabled());
+    EXPECT_EQ(tool.core.Get_Emitter_List()->size(), 1u) << "what was loaded before stays";
+    EXPECT_TRUE(tool.reports.Has_Log("b.vro")) << tool.reports.Get_Text();
+    EXPECT_TRUE(tool.application.Get_Message_Boxes().empty());
+
+    std::filesystem::remove(tool.Model_Path("b.vro"));
+    tool.Scan();
+    EXPECT_EQ(tool.Row_Count(), 1);
+    EXPECT_TRUE(tool.form->Are_Settings_Controls_Enabled());
+    // The handlers stand again, and once.
+    tool.Select({0});
+    ASSERT_TRUE(tool.form->Edit_Current("GlobalLOD", "1"));
+    EXPECT_THAT(tool.Modified_Names(), ElementsAre("a"));
+}
+
+TEST(EmitterScan, AMissingDirectoryNamesItself)
+{
+    Tool tool;
+    tool.core.Get_Settings().WorkingDirectory = tool.directory / "nowhere";
+    try {
+        tool.core.Scan_Emitter_Files();
+        FAIL() << "no exception";
+    } catch (const ScanError &error) {
+        EXPECT_THAT(error.what(), HasSubstr(tool.directory / "nowhere/Art/Models"));
+        EXPECT_THAT(error.what(), HasSubstr("No such file or directory"));
+    }
+}
+
+TEST(EmitterScan, AQuestionGuardsUnsavedChanges)
+{
+    Tool tool;
+    tool.Add_Emitter("fire.vro", {Plain_Layer()});
+    tool.Scan();
+    ASSERT_TRUE(tool.form->Edit_Current("MinimumDynamicLOD", "0.25"));
+    EXPECT_FALSE(tool.core.Scan_Emitter_Files());
+    ASSERT_EQ(tool.application.Get_Message_Boxes().size(), 1u);
+    const ShownMessageBox &box = tool.application.Get_Message_Boxes()[0];
+    EXPECT_EQ(box.Text, "You have made modifications, scanning will revert changes. Continue anyway?");
+    EXPECT_EQ(box.Caption, "Flare Trim");
+    EXPECT_EQ(box.Buttons, MessageBoxButtons::YesNo);
+    EXPECT_EQ(box.Icon, MessageBoxIcon::Question);
+    EXPECT_EQ(tool.Row(0).Get_MinimumDynamicLOD(), 0.25f);
+    EXPECT_THAT(tool.Modified_Names(), ElementsAre("fire"));
+
+    tool.application.Set_Message_Box_Policy(HeadlessApplication::Accept());
+    EXPECT_TRUE(tool.core.Scan_Emitter_Files());
+    EXPECT_NE(tool.Row(0).Get_MinimumDynamicLOD(), 0.25f);
+    EXPECT_TRUE(tool.Modified_Names().empty());
+    EXPECT_TRUE(tool.form->Is_Save_All_Button_Enabled()) << "a scan doesn't touch the button";
+    EXPECT_TRUE(tool.form->Click_Save_All());
+    EXPECT_FALSE(tool.form->Is_Save_All_Button_Enabled());
+}
+
+TEST(EmitterScan, AnotherScanReadsTheFilesAnew)
+{
+    Tool tool;
+    tool.Add_Emitter("fire.vro", {Plain_Layer("old")});
+    tool.Scan();
+    tool.Add_Emitter("fire.vro", {Plain_Layer("new")});
+    tool.Scan();
+    EXPECT_THAT(Row_Names(tool), ElementsAre("fire/new"));
+}
+
+TEST(EmitterScan, RowsOutliveTheListThatTheyCameFrom)
+{
+    Tool tool;
+    tool.Add_Emitter("fire.vro", {Plain_Layer()});
+    tool.Scan();
+    const std::shared_ptr<ParticleData> row = tool.form->Get_Particle_Data_Source().Get_Current();
+    tool.Scan();
+    EXPECT_EQ(row->Get_EmitterName(), "fire");
+    EXPECT_NE(row.get(), &tool.Row(0));
+}
+
+TEST(EmitterScan, NamesAreUTF8ThroughAndThrough)
+{
+    Tool tool;
+    tool.Add_Emitter("größe 炎.vro", {Plain_Layer("lueur é")});
+    tool.Scan();
+    ASSERT_THAT(Row_Names(tool), ElementsAre("größe 炎/lueur é"));
+    ASSERT_TRUE(tool.form->Edit_Current("GlobalLOD", "1"));
+    tool.form->Click_Save();
+    EXPECT_EQ(Read_Level(tool.Model_Path("größe 炎.vro")), 1);
+}
+
+} // namespace

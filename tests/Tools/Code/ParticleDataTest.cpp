@@ -1,0 +1,247 @@
+#include "Code/ParticleData.h"
+
+#include "Code/ParticleProperties.h"
+#include "Tools/Code/ToolFixture.h"
+
+#include <functional>
+#include <gtest/gtest.h>
+#include <limits>
+
+using namespace ToolTest;
+
+namespace
+{
+
+/// A tool with one scanned emitter: row 0 is heat, row 1 a heat billboard of the old kind, row 2 has no heat.
+class ParticleDataTest : public testing::Test
+{
+protected:
+    ParticleDataTest()
+    {
+        tool.Add_Emitter("fire.vro", {Heat_Layer(), Old_Heat_Layer(), Plain_Layer()});
+        tool.Scan();
+        tool.Select({0});
+    }
+
+    std::string Text(int row, const char *property) { return Find_Particle_Property(property)->Get(tool.Row(row)); }
+
+    Tool tool;
+};
+
+TEST_F(ParticleDataTest, PropertiesStandInTheOrderOfTheColumns)
+{
+    const char *const names[] = {"Modified",
+                                 "EmitterName",
+                                 "ParticleName",
+                                 "GlobalLOD",
+                                 "MinimumDynamicLOD",
+                                 "MinimumDynamicLODPerThousandth",
+                                 "DynamicLODNearDistance",
+                                 "DynamicLODNearDistancePerThousandth",
+                                 "DynamicLODFarDistance",
+                                 "DynamicLODFarDistancePerThousandth",
+                                 "SupportsHeat",
+                                 "UsesHeatVisualizer",
+                                 "DoesNotUseHeatVisualizer",
+                                 "HeatDistanceCutoff",
+                                 "HeatDistanceCutoffPerThousandth",
+                                 "HeatDistortionScale",
+                                 "HeatDistortionScalePerThousandth",
+                                 "SaturationScale",
+                                 "SaturationScalePerThousandth",
+                                 "SceneLightingAdjustments"};
+    ASSERT_EQ(Get_Particle_Properties().size(), std::size(names));
+    for (size_t i = 0; i < std::size(names); ++i) EXPECT_STREQ(Get_Particle_Properties()[i].Name, names[i]);
+}
+
+TEST_F(ParticleDataTest, ASliderWritesAndReadsByTheTable)
+{
+    const struct
+    {
+        const char *slider;
+        int input;
+        const char *value;
+        double stored;
+        int output;
+    } rows[] = {
+        // 0.7 and 0.3 as f32 lie below and above their decimals, so that one of them loses a step.
+        {"MinimumDynamicLODPerThousandth", 700, "MinimumDynamicLOD", 0.7f, 699},
+        {"MinimumDynamicLODPerThousandth", 300, "MinimumDynamicLOD", 0.3f, 300},
+        {"MinimumDynamicLODPerThousandth", 1000, "MinimumDynamicLOD", 1.0, 1000},
+        {"DynamicLODNearDistancePerThousandth", 1000, "DynamicLODNearDistance", 10000.0, 1000},
+        {"DynamicLODNearDistancePerThousandth", -7, "DynamicLODNearDistance", -70.0, -7},
+        // 3000000000 wraps around to -1294967296, which is an f32.
+        {"DynamicLODFarDistancePerThousandth", 300000000, "DynamicLODFarDistance", -1294967296.0, -129496729},
+        {"HeatDistanceCutoffPerThousandth", 1000, "HeatDistanceCutoff", 10000.0, 999},
+        {"HeatDistanceCutoffPerThousandth", 0, "HeatDistanceCutoff", 0.009999999776482582, 0},
+        // 500 * 0.002f = 1.0000000475 rounds to 1; 1 * 0.002f * 500 = 1.0000000475 truncates to 1.
+        {"HeatDistortionScalePerThousandth", 500, "HeatDistortionScale", 1.0, 500},
+        {"HeatDistortionScalePerThousandth", 1, "HeatDistortionScale", 0.002f, 1},
+        {"SaturationScalePerThousandth", 500, "SaturationScale", 9.499490261077881e-08, 500},
+        {"SaturationScalePerThousandth", 1, "SaturationScale", -1.996000051498413, 0},
+        {"SaturationScalePerThousandth", 1000, "SaturationScale", 2.000000238418579, 1000},
+    };
+    for (const auto &row : rows) {
+        ASSERT_TRUE(Find_Particle_Property(row.slider)->Set(tool.Row(0), std::to_string(row.input)));
+        EXPECT_EQ(static_cast<double>(std::stof(Text(0, row.value))), row.stored) << row.slider << row.input;
+        EXPECT_EQ(Text(0, row.slider), std::to_string(row.output)) << row.slider << row.input;
+    }
+}
+
+TEST_F(ParticleDataTest, WholeNumbersAreTruncatedTowardZero)
+{
+    ParticleData &row = tool.Row(0);
+    row.Set_DynamicLODNearDistance(-19.9f);
+    EXPECT_EQ(row.Get_DynamicLODNearDistancePerThousandth(), -1);
+    row.Set_DynamicLODFarDistance(19.9f);
+    EXPECT_EQ(row.Get_DynamicLODFarDistancePerThousandth(), 1);
+    row.Set_MinimumDynamicLOD(-0.0019f);
+    EXPECT_EQ(row.Get_MinimumDynamicLODPerThousandth(), -1);
+}
+
+TEST_F(ParticleDataTest, WhatNoWholeNumberHoldsReadsAsTheLeast)
+{
+    ParticleData &row = tool.Row(0);
+    for (const float value : {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(), -3e38f})
+    {
+        row.Set_DynamicLODNearDistance(value);
+        EXPECT_EQ(row.Get_DynamicLODNearDistancePerThousandth(), std::numeric_limits<int32_t>::min()) << value;
+    }
+}
+
+TEST_F(ParticleDataTest, HeatIsToldByVisualizerAndShader)
+{
+    tool.Add_Emitter("shaders.vro",
+                     {{"case", kvrMKPShapeSpawner, kvrMKPBillboardVisualizer, "ParticleBillboardHeat.FX"},
+                      {"mks", kvrMKPShapeSpawner, kvrMKPBillboardVisualizer, "particlebillboardheat.mks"},
+                      {"aligned", kvrMKPShapeSpawner, kvrMKPXYZAlignedVisualizer, OLD_HEAT_SHADER},
+                      {"none", kvrMKPShapeSpawner, NO_PLUGIN, ""}});
+    tool.Scan();
+    const struct
+    {
+        const char *layer;
+        bool supports, uses;
+    } rows[] = {{"haze", true, true},  {"shimmer", true, false},  {"flames", false, false}, {"case", true, false},
+                {"mks", false, false}, {"aligned", false, false}, {"none", false, false}};
+    for (size_t i = 0; i < std::size(rows); ++i) {
+        const ParticleData &row = tool.Row(static_cast<int>(i));
+        EXPECT_EQ(row.Get_ParticleName(), rows[i].layer);
+        EXPECT_EQ(row.Get_SupportsHeat(), rows[i].supports) << rows[i].layer;
+        EXPECT_EQ(row.Get_UsesHeatVisualizer(), rows[i].uses) << rows[i].layer;
+        EXPECT_EQ(row.Get_DoesNotUseHeatVisualizer(), !rows[i].uses) << rows[i].layer;
+    }
+}
+
+TEST_F(ParticleDataTest, ARowWithoutHeatTakesNoHeatAndReplicatesNone)
+{
+    tool.Select({0, 2});
+    const float cutoff = tool.Row(0).Get_HeatDistanceCutoff();
+    for (const char *name : {"HeatDistanceCutoff", "HeatDistanceCutoffPerThousandth", "HeatDistortionScale",
+                             "HeatDistortionScalePerThousandth", "SaturationScale", "SaturationScalePerThousandth"})
+        ASSERT_TRUE(Find_Particle_Property(name)->Set(tool.Row(2), "2"));
+    EXPECT_EQ(tool.Row(2).Get_HeatDistanceCutoff(), 0.01f);
+    EXPECT_EQ(Text(2, "HeatDistortionScale") + Text(2, "SaturationScale"), "00");
+    EXPECT_EQ(Text(2, "HeatDistanceCutoffPerThousandth") + Text(2, "HeatDistortionScalePerThousandth") +
+                  Text(2, "SaturationScalePerThousandth"),
+              "000");
+    EXPECT_EQ(tool.Row(0).Get_HeatDistanceCutoff(), cutoff);
+    EXPECT_EQ(Text(0, "HeatDistortionScale") + Text(0, "SaturationScale"), "11");
+}
+
+TEST_F(ParticleDataTest, ALayerWithoutASpawnerShowsLevelThreeAndStillReplicates)
+{
+    tool.Add_Emitter("bare.vro", {{"bare", NO_PLUGIN, NO_PLUGIN, ""}, Plain_Layer()});
+    tool.Scan();
+    ASSERT_EQ(tool.Row(0).Get_ParticleName(), "bare");
+    tool.Select({0, 1});
+    EXPECT_EQ(tool.Row(0).Get_GlobalLOD(), GlobalLevelOfDetail::High);
+    tool.Row(0).Set_GlobalLOD(GlobalLevelOfDetail::Medium);
+    tool.Row(0).Set_MinimumDynamicLOD(0.25f);
+    EXPECT_EQ(tool.Row(0).Get_GlobalLOD(), GlobalLevelOfDetail::High);
+    EXPECT_EQ(tool.Row(0).Get_MinimumDynamicLOD(), 0.0f);
+    EXPECT_EQ(tool.Row(1).Get_GlobalLOD(), GlobalLevelOfDetail::Medium);
+    EXPECT_EQ(tool.Row(1).Get_MinimumDynamicLOD(), 0.25f);
+}
+
+TEST_F(ParticleDataTest, ALevelPassesUnchangedWhateverItIs)
+{
+    tool.Row(2).Set_GlobalLOD(static_cast<GlobalLevelOfDetail>(-5));
+    EXPECT_EQ(static_cast<int>(tool.Row(2).Get_GlobalLOD()), -5);
+    EXPECT_EQ(Text(2, "GlobalLOD"), "-5");
+}
+
+TEST_F(ParticleDataTest, LightingNeedsItsSwitch)
+{
+    tool.Add_Emitter("bare.vro", {{"bare", kvrMKPShapeSpawner, NO_PLUGIN, ""}, Plain_Layer()});
+    tool.Scan();
+    tool.Select({0, 1});
+    tool.Row(1).Set_SceneLightingAdjustments(true);
+    tool.Row(0).Set_SceneLightingAdjustments(false);
+    EXPECT_TRUE(tool.Row(0).Get_SceneLightingAdjustments());
+    EXPECT_TRUE(tool.Row(1).Get_SceneLightingAdjustments()) << "a row that did nothing replicates nothing";
+    tool.Row(1).Set_SceneLightingAdjustments(false);
+    EXPECT_FALSE(tool.Row(1).Get_SceneLightingAdjustments());
+}
+
+TEST_F(ParticleDataTest, AnEditReachesEverySelectedRowAsItWasMade)
+{
+    tool.Add_Emitter("smoke.vro", {Plain_Layer("a"), Plain_Layer("b")});
+    tool.Scan();
+    tool.Select({1, 2, 4});
+    // 333 on the slider of one row is 333 on that of the others, and not a copy of the value.
+    tool.Row(2).Set_MinimumDynamicLODPerThousandth(333);
+    tool.Row(2).Set_DynamicLODFarDistance(123.0f);
+    for (const int row : {1, 2, 4}) {
+        EXPECT_EQ(tool.Row(row).Get_MinimumDynamicLOD(), 0.333f) << row;
+        EXPECT_EQ(tool.Row(row).Get_DynamicLODFarDistance(), 123.0f) << row;
+    }
+    for (const int row : {0, 3}) {
+        EXPECT_NE(tool.Row(row).Get_MinimumDynamicLOD(), 0.333f) << row;
+        EXPECT_NE(tool.Row(row).Get_DynamicLODFarDistance(), 123.0f) << row;
+    }
+}
+
+TEST_F(ParticleDataTest, ARowOutsideOfTheSelectionReplicatesToIt)
+{
+    tool.Select({0});
+    tool.Row(2).Set_GlobalLOD(GlobalLevelOfDetail::Low);
+    EXPECT_EQ(tool.Row(0).Get_GlobalLOD(), GlobalLevelOfDetail::Low);
+    EXPECT_EQ(tool.Row(2).Get_GlobalLOD(), GlobalLevelOfDetail::Low);
+    EXPECT_NE(tool.Row(1).Get_GlobalLOD(), GlobalLevelOfDetail::Low);
+}
+
+TEST(ParticleProperties, TextsOfTheWrongKindAreRefused)
+{
+    Tool tool;
+    tool.Add_Emitter("fire.vro", {Plain_Layer()});
+    tool.Scan();
+    const struct
+    {
+        const char *property;
+        const char *text;
+        bool taken;
+    } rows[] = {
+        {"GlobalLOD", "Medium", true},
+        {"GlobalLOD", "2", true},
+        {"GlobalLOD", "medium", false},
+        {"MinimumDynamicLOD", "0.5", true},
+        {"MinimumDynamicLOD", "1e-3", true},
+        {"MinimumDynamicLOD", "nan", false},
+        {"MinimumDynamicLOD", "inf", false},
+        {"MinimumDynamicLOD", "1e99", false},
+        {"MinimumDynamicLOD", "0.5 ", false},
+        {"MinimumDynamicLOD", "", false},
+        {"DynamicLODNearDistancePerThousandth", "-3", true},
+        {"DynamicLODNearDistancePerThousandth", "1.5", false},
+        {"DynamicLODNearDistancePerThousandth", "99999999999", false},
+        {"SceneLightingAdjustments", "false", true},
+        {"SceneLightingAdjustments", "0", false},
+    };
+    for (const auto &row : rows) {
+        EXPECT_EQ(tool.form->Edit_Current(row.property, row.text), row.taken) << row.property << " " << row.text;
+    }
+    EXPECT_FALSE(tool.form->Edit_Current("SupportsHeat", "true")) << "only read";
+    EXPECT_FALSE(tool.form->Edit_Current("NoSuchProperty", "1"));
+}
+
+} // namespace

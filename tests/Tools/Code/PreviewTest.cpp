@@ -1,0 +1,249 @@
+#include "Code/EmitterData.h"
+#include "Code/ParticleData.h"
+#include "Tools/Code/RecordingPreview.h"
+#include "Tools/Code/ToolFixture.h"
+#include "vrGraphics/effect/vrMKPContext.h"
+#include "vrGraphics/plugins/spawners/vrMKPSpawner.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using namespace ToolTest;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace
+{
+
+std::unique_ptr<PreviewDriver> Record(PreviewRecord &record)
+{
+    return std::make_unique<RecordingPreview>(record);
+}
+
+/// Rows 0 and 1 belong to "fire", row 2 to "smoke". The preview has a device.
+class Preview : public testing::Test
+{
+protected:
+    Preview()
+    {
+        tool.Add_Emitter("fire.vro", {Old_Heat_Layer("a"), Plain_Layer("b")});
+        tool.Add_Emitter("smoke.vro", {Plain_Layer("c")});
+        tool.Scan();
+        record.Take();
+    }
+    HeadlessSceneViewForm &View() { return *tool.application.Get_View_Form(); }
+
+    PreviewRecord record;
+    Tool tool{Record(record)};
+};
+
+TEST(PreviewStart, BringsDeviceSceneAndTimerUp)
+{
+    PreviewRecord record;
+    Tool tool(Record(record));
+    EXPECT_THAT(record.Take(),
+                ElementsAre("init device", "init scene", "reset camera", "heat on", "bloom on", "background "));
+    const HeadlessViewState &state = tool.application.Get_View_Form()->Get_State();
+    EXPECT_TRUE(state.visible && state.renderAxes && state.renderBackground && state.heat && state.bloom);
+    EXPECT_EQ(state.viewModeIndex, 4);
+    EXPECT_EQ(state.cameraDistance, 550);
+    tool.application.Fire_Timers();
+    EXPECT_THAT(record.Take(), ElementsAre("update by 0", "render axes background"));
+
+    ASSERT_EQ(record.paths.size(), 2u);
+    EXPECT_EQ(record.paths[0].Effects.front(), "..\\Art\\Shaders\\PC\\DX9\\");
+    const std::string work = tool.directory / "work";
+    EXPECT_THAT(record.paths[1].Effects, ElementsAre(work + "\\Run\\DATA\\Art\\Shaders\\DX9\\",
+                                                     work + "\\Run\\DATA\\Art\\Shaders\\DX9\\Common\\",
+                                                     work + "\\Run\\DATA\\Art\\Shaders\\DX9\\Engine\\",
+                                                     work + "\\Run\\DATA\\Art\\Shaders\\DX9\\Terrain\\",
+                                                     work + "\\Run\\DATA\\Art\\Shaders\\DX9\\Particle\\",
+                                                     work + "\\Run\\DATA\\Art\\Shaders\\DX9\\ShadowMap\\"));
+    EXPECT_EQ(record.paths[1].Textures.back(), work + "\\Art\\Textures\\Heat\\");
+    EXPECT_EQ(record.paths[1].PostFxs, work + "\\Art\\PostFxs\\");
+}
+
+TEST(PreviewStart, WithoutADeviceTheWindowStaysHiddenAndTheEditorModeIsOn)
+{
+    PreviewRecord record;
+    record.hasDevice = false;
+    Tool tool(Record(record));
+    EXPECT_THAT(record.Take(), ElementsAre("init device"));
+    EXPECT_FALSE(tool.application.Get_View_Form()->Get_State().visible);
+    tool.application.Fire_Timers();
+    EXPECT_THAT(record.Take(), IsEmpty());
+    EXPECT_TRUE(vrMKPContext::InEditor);
+    EXPECT_TRUE(tool.form->Close());
+    EXPECT_THAT(record.Take(), ElementsAre("free scene", "destroy"));
+}
+
+TEST_F(Preview, ASelectionShowsItsEmitterOnce)
+{
+    tool.form->Set_Preview(true);
+    record.Take();
+    tool.Select({2});
+    EXPECT_THAT(record.Take(), ElementsAre("add smoke"));
+    tool.Select({1});
+    EXPECT_THAT(record.Take(), ElementsAre("remove smoke", "add fire"));
+    tool.Select({0});
+    EXPECT_THAT(record.Take(), IsEmpty()) << "a row of the same emitter resets nothing";
+    tool.application.Fire_Timers();
+    EXPECT_THAT(record.Take(), ElementsAre("update by 0", "render axes background"));
+    EXPECT_EQ(View().Get_State().particlesSimulated, 70);
+    EXPECT_EQ(View().Get_State().particlesRendered, 30);
+}
+
+TEST_F(Preview, WithTheToggleOffASelectionWaitsForIt)
+{
+    tool.Select({2});
+    EXPECT_THAT(record.Take(), IsEmpty());
+    tool.form->Set_Preview(true);
+    EXPECT_THAT(record.Take(), ElementsAre("add smoke", "background "));
+    tool.form->Set_Preview(false);
+    EXPECT_FALSE(View().Get_State().visible);
+    tool.application.Fire_Timers();
+    EXPECT_THAT(record.Take(), IsEmpty());
+}
+
+TEST_F(Preview, AnEmitterThatDiedOutBeginsAgain)
+{
+    tool.form->Set_Preview(true);
+    tool.Select({2});
+    tool.application.Fire_Timers();
+    record.Take();
+    record.alive = false;
+    tool.application.Fire_Timers();
+    tool.application.Fire_Timers();
+    EXPECT_THAT(record.Take(), ElementsAre("update", "remove smoke", "add smoke", "render axes background",
+                                           "update by 0", "remove smoke", "add smoke", "render axes background"));
+}
+
+TEST_F(Preview, MinimisingPausesAndRestoringGoesOnWithoutAJump)
+{
+    tool.form->Set_Preview(true);
+    tool.Select({2});
+    tool.application.Fire_Timers();
+    record.Take();
+    tool.form->Change_Window_State(FormWindowState::Minimized);
+    EXPECT_FALSE(View().Get_State().visible);
+    tool.application.Fire_Timers();
+    EXPECT_THAT(record.Take(), IsEmpty());
+    tool.form->Change_Window_State(FormWindowState::Normal);
+    tool.application.Fire_Timers();
+    EXPECT_THAT(record.Take(), ElementsAre("background ", "update by 0", "render axes background"));
+}
+
+TEST_F(Preview, TheViewWindowsCloseBoxOnlyHidesIt)
+{
+    tool.form->Set_Preview(true);
+    EXPECT_FALSE(View().Close());
+    EXPECT_FALSE(View().Get_State().visible);
+    EXPECT_FALSE(tool.form->Get_Preview());
+}
+
+TEST_F(Preview, AConversionRestartsTheEmitter)
+{
+    tool.form->Set_Preview(true);
+    tool.Select({2});
+    tool.Select({0});
+    record.Take();
+    ASSERT_TRUE(tool.form->Click_Convert_To_Heat());
+    EXPECT_THAT(record.Take(), ElementsAre("remove fire", "add fire"));
+    tool.application.Fire_Timers();
+    EXPECT_THAT(record.Take(), ElementsAre("update by 0", "render axes background"));
+}
+
+TEST_F(Preview, ShutdownTakesTheEmitterOutAheadOfSceneAndDevice)
+{
+    tool.form->Set_Preview(true);
+    tool.Select({2});
+    record.Take();
+    EXPECT_TRUE(tool.form->Close());
+    EXPECT_THAT(record.Take(), ElementsAre("remove smoke with hint", "free scene", "shutdown device", "destroy"));
+    EXPECT_EQ(tool.application.Get_View_Form(), nullptr);
+    tool.application.Fire_Timers();
+    EXPECT_THAT(record.Take(), IsEmpty());
+}
+
+TEST_F(Preview, ARescanKeepsTheOldEmitterInTheScene)
+{
+    tool.form->Set_Preview(true);
+    tool.Select({2});
+    const EmitterData *shown = tool.core.Get_Preview_Emitter();
+    record.Take();
+    tool.Scan();
+    EXPECT_EQ(tool.core.Get_Preview_Emitter(), shown);
+    EXPECT_EQ(tool.core.Get_Current_Emitter(), shown);
+    record.Take();
+    tool.Select({2});
+    EXPECT_THAT(record.Take(), ElementsAre("remove smoke", "add smoke")) << "the new set's emitter is another one";
+}
+
+TEST_F(Preview, TogglesFlipTheSettingAndTheView)
+{
+    tool.core.Render_Axes_Click(nullptr, EventArgs());
+    tool.core.Render_Background_Click(nullptr, EventArgs());
+    tool.core.Heat_Click(nullptr, EventArgs());
+    tool.core.Bloom_Click(nullptr, EventArgs());
+    EXPECT_THAT(record.Take(), ElementsAre("heat off", "bloom off"));
+    const HeadlessViewState &state = View().Get_State();
+    EXPECT_FALSE(state.renderAxes || state.renderBackground || state.heat || state.bloom);
+    EXPECT_FALSE(tool.core.Get_Settings().RenderAxes || tool.core.Get_Settings().EnableBloom);
+    tool.core.Bloom_Click(nullptr, EventArgs());
+    EXPECT_TRUE(tool.core.Get_Settings().EnableBloom);
+}
+
+TEST_F(Preview, AViewModeIsAQuarterOfFullDetail)
+{
+    for (const int mode : {0, 1, 4}) {
+        View().Select_View_Mode(mode);
+        EXPECT_EQ(vrMKPSpawner::Get_Global_LOD(), mode);
+        EXPECT_EQ(tool.core.Get_Settings().ViewMode, mode);
+    }
+}
+
+TEST_F(Preview, ABackgroundIsKeptByItsFileName)
+{
+    tool.application.Set_Picked_File("C:\\art\\sky.tga");
+    tool.core.Set_Background_Click(nullptr, EventArgs());
+    EXPECT_THAT(record.Take(), ElementsAre("background sky.tga"));
+    EXPECT_EQ(tool.core.Get_Settings().BackgroundImageName, "sky.tga");
+    EXPECT_EQ(View().Get_View_Panel().invalidateCount, 1);
+}
+
+TEST_F(Preview, ButtonsAndWheelDriveTheCamera)
+{
+    View().Get_View_Panel().origin = {100, 100};
+    View().Get_View_Panel().size = {200, 100};
+    // The panel's centre, and then its upper right corner.
+    tool.application.Set_Mouse({200, 150}, MOUSE_LEFT);
+    tool.core.View_Panel_Mouse_Down(nullptr, {});
+    tool.application.Set_Mouse({300, 100}, MOUSE_LEFT);
+    tool.core.View_Panel_Mouse_Move(nullptr, {});
+    EXPECT_THAT(record.Take(), ElementsAre("rotate end", "rotate end", "rotate begin", "move 1.000000 1.000000"));
+    EXPECT_TRUE(View().Get_View_Panel().focused);
+
+    tool.application.Set_Mouse({300, 100}, MOUSE_LEFT | MOUSE_RIGHT);
+    tool.core.View_Panel_Mouse_Down(nullptr, {MOUSE_RIGHT, 0, 0, 0});
+    tool.core.View_Panel_Mouse_Up(nullptr, {MOUSE_RIGHT, 0, 0, 0});
+    EXPECT_THAT(record.Take(), ElementsAre("rotate end", "rotate end", "rotate begin", "rotate end"));
+
+    for (const int delta : {120, -120}) tool.core.View_Panel_Mouse_Wheel(nullptr, {MOUSE_NONE, 0, 0, delta});
+    EXPECT_EQ(record.cameraDistance, 550.0f + 4 * 1200.0f) << "either way zooms out";
+    EXPECT_EQ(View().Get_State().cameraDistance, 5350);
+}
+
+TEST_F(Preview, ThePanelsSizeReachesTheDevice)
+{
+    tool.core.View_Panel_Resize(nullptr, {});
+    EXPECT_THAT(record.Take(), ElementsAre("640x480"));
+    View().Set_Window_State(FormWindowState::Minimized);
+    tool.core.View_Panel_Resize(nullptr, {});
+    tool.core.View_Form_Closed(nullptr, {});
+    View().Set_Window_State(FormWindowState::Normal);
+    tool.core.View_Panel_Resize(nullptr, {});
+    tool.core.View_Panel_Paint(nullptr, {});
+    EXPECT_THAT(record.Take(), IsEmpty());
+}
+
+} // namespace
