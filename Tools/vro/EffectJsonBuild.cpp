@@ -86,7 +86,9 @@ private:
         with("base_random_seed", [&](const Json &value, const std::string &at) {
             renderable.Set_Base_Random_Seed(Read_Int32(value, at));
         });
+        // Left out, it is the one that every renderable has by default; null is none, which a load makes good again.
         renderable.Set_Physics(Slot<vrMKPRenderablePhysics>(object, "physics", vrMKPPlugin::RENDERABLE_PHYSICS_PLUGIN).Get());
+        if (!object.Find("physics")) renderable.Complete_Definition();
         Each<vrMKPRenderableModifier>(object, "modifiers", vrMKPPlugin::RENDERABLE_MODIFIER_PLUGIN,
                                       [&](auto *modifier) { renderable.Add_Modifier(modifier); });
     }

@@ -21,6 +21,8 @@ struct InputStream
     uint32_t Available = 0;   ///< bytes at Window
     int64_t FilePosition = 0; ///< of the next bytes to read from the file
     uint32_t Remaining = 0;   ///< bytes of the stream that are not read from the file yet
+    uint64_t Compressed = 0;  ///< bytes that zlib was given so far
+    uint64_t Inflated = 0;    ///< bytes that zlib made of them
     bool HasEnded = false;    ///< zlib's stream told its end
 
     void Advance(uint32_t size)
@@ -29,6 +31,11 @@ struct InputStream
         Available -= size;
     }
 };
+
+/// A stream that grows beyond both limits is a bomb: whoever keeps what it reads would need memory without bound. Real
+/// files shrink to a tenth; the most repetitive ones to a fortieth.
+constexpr uint64_t BOMB_BYTES = 64u << 20;
+constexpr uint64_t BOMB_RATIO = 64;
 
 /// State of a reader. A leaf is read in its scope: the open microchunk, or the whole of the leaf. Once the file turns
 /// out to be inconsistent, `Fail` empties every scope and stream, so that each later operation ends at once.

@@ -59,6 +59,7 @@ bool ChunkFileReaderClass::Implementation::Refill_Input(InputStream &stream)
     stream.Remaining -= read;
     stream.Buffers->Stream.next_in = stream.Buffers->In;
     stream.Buffers->Stream.avail_in = read;
+    stream.Compressed += read;
     return true;
 }
 
@@ -96,6 +97,13 @@ bool ChunkFileReaderClass::Implementation::Inflate(InputStream &stream)
     }
     stream.Window = stream.Buffers->Out;
     stream.Available = COMPRESSION_BUFFER_SIZE - zlib.avail_out;
+    stream.Inflated += stream.Available;
+    if (stream.Inflated > BOMB_BYTES && stream.Inflated / BOMB_RATIO > stream.Compressed) {
+        MK_LOG(ChunkFileLog, LogLevel::Error, "ChunkFileReader - %s inflates to over %u MiB from %u KiB: refused\n",
+               File_Name(), static_cast<unsigned>(stream.Inflated >> 20), static_cast<unsigned>(stream.Compressed >> 10));
+        Fail();
+        return false;
+    }
     return stream.Available > 0;
 }
 

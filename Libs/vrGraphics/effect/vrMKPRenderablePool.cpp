@@ -3,6 +3,7 @@
 #include "vrGraphics/effect/vrMKPRenderable.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 vrMKPRenderablePool::vrMKPRenderablePool() = default;
@@ -23,12 +24,12 @@ void vrMKPRenderablePool::Give(vrMKPRenderable *renderable)
 SmartPtr<vrMKPRenderable> vrMKPRenderablePool::Take(const vrMKPRenderable &definition)
 {
     const std::lock_guard lock(Lock);
-    const auto found = std::find_if(Renderables.begin(), Renderables.end(), [&](const auto &renderable) {
+    const auto found = std::find_if(Renderables.rbegin(), Renderables.rend(), [&](const auto &renderable) {
         return renderable->Get_Ref_Count() == 1 && renderable->Is_Same_Definition(definition);
     });
-    if (found == Renderables.end()) return nullptr;
+    if (found == Renderables.rend()) return nullptr;
     SmartPtr<vrMKPRenderable> taken = std::move(*found);
-    Renderables.erase(found);
+    Renderables.erase(std::next(found).base());
     return taken;
 }
 

@@ -83,7 +83,8 @@ void vrMKParticle::Add_Modifier(vrMKPModifier *modifier)
 {
     if (!MK_VERIFY(modifier != nullptr, "modifier == NULL")) return;
     Modifiers.emplace_back(modifier);
-    if (!BulletModifier) Find_Bullet_Modifier();
+    if (!BulletModifier && modifier->Get_Plugin_Class() == kvrMKPBulletModifier)
+        BulletModifier = static_cast<vrMKPBulletModifier *>(modifier);
 }
 
 bool vrMKParticle::Remove_Modifier(int index)

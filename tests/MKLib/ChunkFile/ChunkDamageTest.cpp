@@ -172,19 +172,35 @@ TEST(ChunkDamage, AllocatesNoMoreThanThereIs)
     EXPECT_LE(LargestAllocation, 200000u);
 }
 
-TEST(ChunkDamage, WalksAnInflateBombInFixedMemory)
+/// One leaf of that many zero bytes, which zlib shrinks to a thousandth.
+Bytes Zeros(int mebibytes)
 {
-    const Bytes bomb = Written(129, [](ChunkFileWriterClass &writer) {
+    return Written(129, [mebibytes](ChunkFileWriterClass &writer) {
         const Bytes zeros(1 << 20, 0);
         writer.Open_Chunk(1);
-        for (int i = 0; i < 64; ++i) writer.Write_Bytes(zeros.data(), static_cast<uint32_t>(zeros.size()));
+        for (int i = 0; i < mebibytes; ++i) writer.Write_Bytes(zeros.data(), static_cast<uint32_t>(zeros.size()));
         writer.Close_Chunk();
     });
-    ASSERT_LT(bomb.size(), 100000u);
-    MemoryReader reader(bomb);
+}
+
+TEST(ChunkDamage, WalksWhatInflatesFarInFixedMemory)
+{
+    const Bytes file = Zeros(48);
+    ASSERT_LT(file.size(), 100000u);
+    MemoryReader reader(file);
     LargestAllocation = 0;
     EXPECT_TRUE(Skip_All(*reader));
     EXPECT_LT(LargestAllocation, 70000u);
+}
+
+TEST(ChunkDamage, RefusesAnInflateBomb)
+{
+    Reports reports;
+    const Bytes bomb = Zeros(80);
+    MemoryReader reader(bomb);
+    EXPECT_FALSE(Skip_All(*reader));
+    EXPECT_TRUE(reader->Is_Damaged());
+    EXPECT_TRUE(reports.Has_Log("inflates to over 64 MiB"));
 }
 
 // Each section of this file claims the whole rest of the file as its data, so that skipping them all would read the
