@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 using namespace MKTest;
 
 /// Damaged and hostile files: a load ends, keeps within bounds, and what it made can be saved and loaded again.
@@ -107,6 +109,21 @@ TEST(DamagedEmitter, AFileOfNothingButChunkHeadersEndsAtTheLimit)
         EXPECT_LE(loaded->Get_Particle_Renderable_Count(), 32768);
         EXPECT_LT(loaded->Get_Memory_Usage(true), 200u << 20);
     }
+}
+
+TEST(DamagedEmitter, TheSeedsOfTheFuzzerAreEmitters)
+{
+    const Reports quiet;
+    int seeds = 0;
+    for (const auto &entry : std::filesystem::directory_iterator(MK_EMITTER_CORPUS)) {
+        SCOPED_TRACE(entry.path());
+        const Bytes file = Read_Whole_File(entry.path());
+        EXPECT_TRUE(Load_Emitter(file).result);
+        EXPECT_GE(Load_Emitter(file)->Get_Particle_Renderable_Count(), 1);
+        Load_And_Save(file);
+        ++seeds;
+    }
+    EXPECT_GE(seeds, 9);
 }
 
 TEST(DamagedEmitter, AReportKeepsWithinItsLimit)

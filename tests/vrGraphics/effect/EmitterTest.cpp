@@ -68,6 +68,29 @@ TEST(Emitter, ASavedFileSavesToTheSameBytesInEveryForm)
     }
 }
 
+TEST(Emitter, ALayerHasTheBytesThatItsFormatPageShows)
+{
+    const SmartPtr<vrMKParticle> layer(new vrMKParticle);
+    layer->Set_Name("ash");
+    layer->Set_Transformer(static_cast<vrMKPTransformer *>(vrMKPPlugin::Create_Plugin(27)));
+    RAMFileClass file;
+    ChunkFile::ChunkFileWriterClass writer(&file, 0, 6, false);
+    writer.Open_Chunk(0x1540);
+    EXPECT_TRUE(layer->Save(&writer));
+    writer.Close_Chunk();
+    EXPECT_TRUE(writer.Close());
+    constexpr size_t FILE_HEADER = 36;
+    const Bytes bytes(file.Get_Buffer() + FILE_HEADER, file.Get_Buffer() + file.Get_Size());
+    EXPECT_THAT(bytes, testing::ElementsAreArray<int>({
+                           0x40, 0x15, 0, 0, 0x02, 0, 0, 0x80,                       // layer, two sub-chunks
+                           0,    0,    0, 0, 5,    0, 0, 0,    3,  0, 'a', 's', 'h', // name
+                           0x02, 0,    0, 0, 2,    0, 0, 0x80,                       // transformer
+                           0,    0,    0, 0, 4,    0, 0, 0,    27, 0, 0,   0,        // its kind
+                           0x01, 0,    0, 0, 1,    0, 0, 0x80,                       // its data
+                           0,    0,    0, 0, 0,    0, 0, 0,                          // no parameters
+                       }));
+}
+
 TEST(Emitter, TheNameIsThatOfTheFileAndNotTheOneInIt)
 {
     const Bytes file = Build(Emitter({Leaf(0, std::string("old"))}));

@@ -1,0 +1,52 @@
+#include "vro/TextEncoding.h"
+
+#include <gtest/gtest.h>
+
+using namespace vro;
+
+TEST(TextEncoding, KnowsWellFormedUtf8)
+{
+    const struct
+    {
+        const char *what;
+        std::string bytes;
+        bool isValid;
+    } texts[] = {
+        {"nothing", "", true},
+        {"ASCII with a zero byte", std::string("a\0b", 3), true},
+        {"two, three and four bytes", "\xc3\xa9\xe2\x82\xac\xf0\x9f\x94\xa5", true},
+        {"the last code point", "\xf4\x8f\xbf\xbf", true},
+        {"past the last code point", "\xf4\x90\x80\x80", false},
+        {"a stray continuation", "\x80", false},
+        {"a sequence cut short", "\xe2\x82", false},
+        {"a sequence broken by a letter", "\xe2\x82z", false},
+        {"an overlong slash", "\xc0\xaf", false},
+        {"an overlong three bytes", "\xe0\x80\xaf", false},
+        {"an overlong four bytes", "\xf0\x80\x80\xaf", false},
+        {"a surrogate", "\xed\xa0\x80", false},
+        {"a byte that starts nothing", "\xf8\x88\x80\x80\x80", false},
+    };
+    for (const auto &text : texts) EXPECT_EQ(Is_Valid_Utf8(text.bytes), text.isValid) << text.what;
+}
+
+TEST(TextEncoding, EveryByteHasACharacterOfItsOwn)
+{
+    std::string all;
+    for (int byte = 0; byte < 256; ++byte) all += static_cast<char>(byte);
+    const std::string text = Windows_1252_To_Utf8(all);
+    EXPECT_TRUE(Is_Valid_Utf8(text));
+    std::string back;
+    ASSERT_TRUE(Utf8_To_Windows_1252(text, back));
+    EXPECT_EQ(back, all);
+}
+
+TEST(TextEncoding, FollowsThePageAndRefusesTheRest)
+{
+    // Euro sign, typographic quotes, em dash, Y with diaeresis, e acute.
+    EXPECT_EQ(Windows_1252_To_Utf8("\x80\x93\x94\x97\x9f\xe9"),
+              "\xe2\x82\xac\xe2\x80\x9c\xe2\x80\x9d\xe2\x80\x94\xc5\xb8\xc3\xa9");
+    std::string bytes;
+    EXPECT_FALSE(Utf8_To_Windows_1252("\xce\xb1", bytes)); // alpha
+    EXPECT_FALSE(Utf8_To_Windows_1252("\xc2\x80", bytes)); // the control character in whose place the euro sign stands
+    EXPECT_FALSE(Utf8_To_Windows_1252("\xff", bytes));
+}
