@@ -44,16 +44,22 @@ std::map<std::string, std::vector<std::string>> Snapshot(HeadlessBindingSource &
     return values;
 }
 
+/// One line a row that differs. The slider scales and the negated flag follow from the values that are shown.
 void Print_Changes(const std::map<std::string, std::vector<std::string>> &before,
                    const std::map<std::string, std::vector<std::string>> &after)
 {
     for (const auto &[name, values] : after) {
         const auto old = before.find(name);
         if (old == before.end()) continue;
-        for (size_t column = 0; column < values.size(); ++column)
-            if (values[column] != old->second[column])
-                std::printf("  %-28s %-38s %s -> %s\n", name.c_str(), Get_Particle_Properties()[column].Name,
-                            old->second[column].c_str(), values[column].c_str());
+        std::string changes;
+        for (size_t column = 0; column < values.size(); ++column) {
+            const std::string property = Get_Particle_Properties()[column].Name;
+            if (values[column] == old->second[column] || property.ends_with("PerThousandth") ||
+                property.starts_with("DoesNot"))
+                continue;
+            changes += (changes.empty() ? "" : ", ") + property + " " + old->second[column] + " -> " + values[column];
+        }
+        if (!changes.empty()) std::printf("  %-30s %s\n", name.c_str(), changes.c_str());
     }
 }
 
@@ -63,7 +69,7 @@ bool DemoSession::Run()
 {
     form.Activate();
     if (!Scan()) return false;
-    Show("THE GRID");
+    std::printf("\nTHE GRID\n%s\n", form.Get_Particle_Grid_View().Format(COLUMNS).c_str());
     const auto before = Snapshot(form.Get_Particle_Data_Source());
     Edit_Level_Of_Detail();
     Edit_Heat();
@@ -89,11 +95,6 @@ bool DemoSession::Scan()
     return false;
 }
 
-void DemoSession::Show(const char *heading)
-{
-    std::printf("\n%s\n%s\n", heading, form.Get_Particle_Grid_View().Format(COLUMNS).c_str());
-}
-
 void DemoSession::Edit_Level_Of_Detail()
 {
     auto &source = form.Get_Particle_Data_Source();
@@ -107,8 +108,8 @@ void DemoSession::Edit_Level_Of_Detail()
     }
     form.Get_Particle_Grid_View().Select_Rows(rows);
     std::printf("Lowering the far detail of %zu layers of %zu effects at once\n", rows.size(), emitters.size());
-    form.Edit_Current("MinimumDynamicLODPerThousandth", "350");
-    form.Edit_Current("DynamicLODFarDistance", "1200");
+    form.Edit_Current("MinimumDynamicLODPerThousandth", "100");
+    form.Edit_Current("DynamicLODFarDistance", "600");
 }
 
 void DemoSession::Edit_Heat()
@@ -138,11 +139,11 @@ void DemoSession::Convert_Billboard()
 
 bool DemoSession::Save()
 {
-    Show("MODIFIED, NOT SAVED YET");
     application.Clear_Message_Boxes();
     form.Click_Save_All();
     for (const ShownMessageBox &box : application.Get_Message_Boxes())
         std::printf("%s: %s\n", box.Caption.c_str(), box.Text.c_str());
-    std::printf("Saved\n");
-    return application.Get_Message_Boxes().empty();
+    if (!application.Get_Message_Boxes().empty()) return false;
+    std::printf("Saved\n\n");
+    return true;
 }

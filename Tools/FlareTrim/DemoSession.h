@@ -16,7 +16,6 @@ public:
 
 private:
     bool Scan();
-    void Show(const char *heading);
     void Edit_Level_Of_Detail();
     void Edit_Heat();
     void Convert_Billboard();

@@ -159,9 +159,11 @@ TEST(Samples, HaveAnEffectForEachKindThatIsNotRetired)
 TEST(Samples, FillAGridOfAtLeastSixtyRows)
 {
     size_t rows = 0;
-    for (const std::string &effect : Base_Names(MODELS, ".vro"))
-        for (const Json &renderable : Source_Of(effect).at("renderables"))
+    for (const std::string &effect : Base_Names(MODELS, ".vro")) {
+        const Json source = Source_Of(effect);
+        for (const Json &renderable : source.at("renderables"))
             if (renderable.contains("layers")) rows += renderable.at("layers").size();
+    }
     EXPECT_GE(rows, 60u);
     EXPECT_GE(Base_Names(MODELS, ".vro").size(), 18u);
 }

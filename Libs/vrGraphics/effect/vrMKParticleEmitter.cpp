@@ -6,7 +6,6 @@
 #include "vrGraphics/effect/vrMKParticleGroup.h"
 #include "vrGraphics/plugins/ensembles/Bullet.h"
 
-
 MK_DEFINE_RUN_TIME_TYPE(vrMKParticleEmitter, vrParticleInterface)
 
 namespace

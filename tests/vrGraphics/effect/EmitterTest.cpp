@@ -100,7 +100,7 @@ TEST(Emitter, TheNameIsThatOfTheFileAndNotTheOneInIt)
         const char *name;
     } rows[] = {
         {"Art\\Models\\Fire Burst.vro", "Fire Burst"},
-        {"/work/art/models/a.b.vro", "a.b"},
+        {"/game/art/models/a.b.vro", "a.b"},
         {"smoke", "smoke"},
         {"", ""},
     };

@@ -1,0 +1,297 @@
+#include "Tools/vro/VroProgram.h"
+
+#include "vro/JsonText.h"
+
+#include "MKLib/ChunkFile/ChunkFileWriter.h"
+#include "MKLib/File/File.h"
+
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+using MKTest::Read_Text_File;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+using vro::Json;
+using vroTest::Outcome;
+using vroTest::Workshop;
+
+namespace
+{
+
+const std::vector<std::string> COMMANDS = {"info", "dump", "build", "chunks", "rewrite", "check", "edit", "plugins"};
+
+/// A full disk, as near as a test may come: every write to a file fails.
+const std::string FULL_DISK = "trap '' XFSZ; ulimit -f 0;";
+
+const std::string CAMPFIRE =
+    vroTest::Group_Json({vroTest::Layer_Json("flames", R"({"name": "Billboard"})"),
+                         vroTest::Layer_Json("shimmer", R"({"name": "Heat And Saturation"})")});
+
+/// A chunk file with one chunk at its root, and in it what `fill` writes.
+template <typename Fill>
+void Write_Chunks(const std::string &path, uint32_t root, Fill fill)
+{
+    FileClass file(path);
+    ChunkFileWriterClass writer(&file, 0, 6, false);
+    writer.Open_Chunk(root);
+    fill(writer);
+    writer.Close_Chunk();
+    if (!writer.Close()) throw std::runtime_error("can't write " + path);
+}
+
+void Add_Number_Chunk(ChunkFileWriterClass &writer, uint32_t id)
+{
+    writer.Open_Chunk(id);
+    writer.Write_Int32(1);
+    writer.Close_Chunk();
+}
+
+} // namespace
+
+TEST(CommandLine, HelpWorksOnEveryLevel)
+{
+    const Workshop shop;
+    for (const char *flag : {"--help", "-h"}) EXPECT_EQ(shop.Vro({flag}).Code, 0);
+    const Outcome top = shop.Vro({"--help"});
+    EXPECT_THAT(top.Err, IsEmpty());
+    for (const std::string &command : COMMANDS) {
+        EXPECT_THAT(top.Out, HasSubstr(command));
+        const Outcome help = shop.Vro({command, "--help"});
+        EXPECT_EQ(help.Code, 0) << command;
+        EXPECT_THAT(help.Out, HasSubstr("Usage: vro " + command)) << command;
+        EXPECT_THAT(help.Err, IsEmpty()) << command;
+    }
+}
+
+TEST(CommandLine, WrongUsageIsToldOnStandardError)
+{
+    const Workshop shop;
+    shop.Build("a.vro", CAMPFIRE);
+    const std::vector<std::string> lines[] = {
+        {},
+        {"unknown"},
+        {"info"},
+        {"dump"},
+        {"dump", "a.vro", "b.vro"},
+        {"dump", "a.vro", "--json"},
+        {"build", "a.json"},
+        {"build", "a.json", "-o"},
+        {"build", "a.json", "-o", "b.vro", "--encoding", "lzma"},
+        {"rewrite", "a.vro"},
+        {"rewrite", "a.vro", "-o", "b.vro", "--encoding", "zlib+"},
+        {"check"},
+        {"chunks", "--json"},
+        {"edit"},
+        {"edit", ".", "--save", "--save-all"},
+        {"edit", ".", "--yes", "--no"},
+        {"edit", ".", "--set", "GlobalLOD"},
+        {"plugins", "more"},
+    };
+    for (const auto &line : lines) {
+        const Outcome outcome = shop.Vro(line);
+        const std::string what = testing::PrintToString(line);
+        EXPECT_EQ(outcome.Code, 2) << what;
+        EXPECT_THAT(outcome.Out, IsEmpty()) << what;
+        EXPECT_THAT(outcome.Err, Not(IsEmpty())) << what;
+    }
+}
+
+TEST(CommandLine, BadInputEndsWithItsNameAndTheReason)
+{
+    const Workshop shop;
+    const std::string bytes = Read_Text_File(shop.Build("whole.vro", CAMPFIRE, "binary"));
+    shop.Directory.Write("truncated.vro", bytes.substr(0, bytes.size() / 2));
+    shop.Directory.Write("header.vro", bytes.substr(0, 20));
+    shop.Directory.Write("empty.vro", "");
+    shop.Directory.Write("text.vro", "not a chunk file at all");
+    Write_Chunks(shop.Directory / "model.vro", 0x100, [](auto &writer) { Add_Number_Chunk(writer, 1); });
+    shop.Directory.Make_Directory("folder.vro");
+    const struct
+    {
+        const char *file, *reason;
+    } inputs[] = {
+        {"missing.vro", "No such file or directory"}, {"truncated.vro", "damaged"}, {"header.vro", "not a chunk file"},
+        {"empty.vro", "the file is empty"},           {"text.vro", "not a chunk file"},
+        {"model.vro", "not an emitter file: its first chunk is 0x100"},
+        {"folder.vro", "director"}, // a command that takes directories says that it holds no emitter file
+    };
+    for (const auto &input : inputs) {
+        const std::string said = "vro: " + std::string(input.file) + ": ";
+        for (const std::vector<std::string> &line : std::vector<std::vector<std::string>>{
+                 {"info", input.file}, {"dump", input.file}, {"check", input.file},
+                 {"rewrite", input.file, "-o", "out.vro"}, {"dump", input.file, "-o", "out.vro"}}) {
+            const Outcome outcome = shop.Vro(line);
+            EXPECT_EQ(outcome.Code, 1) << line[0] << " " << input.file;
+            EXPECT_THAT(outcome.Err, HasSubstr(said)) << line[0];
+            EXPECT_THAT(outcome.Err.substr(outcome.Err.rfind(said)), HasSubstr(input.reason)) << line[0];
+        }
+    }
+    EXPECT_THAT(shop.Vro({"chunks", "model.vro"}).Out, HasSubstr("0x0100"));
+    for (const char *file : {"missing.vro", "truncated.vro", "empty.vro", "text.vro", "folder.vro"}) {
+        const Outcome outcome = shop.Vro({"chunks", file, "--json"});
+        EXPECT_EQ(outcome.Code, 1) << file;
+        EXPECT_THAT(outcome.Err, HasSubstr("vro: " + std::string(file) + ": "));
+        // What was read before the damage is a whole document all the same.
+        EXPECT_TRUE(outcome.Out.empty() || Json::accept(outcome.Out)) << file;
+    }
+    EXPECT_NE(::access((shop.Directory / "out.vro").c_str(), F_OK), 0);
+}
+
+TEST(CommandLine, BadJsonNamesFileAndPlaceAndWritesNothing)
+{
+    const Workshop shop;
+    shop.Directory.Write("effect.json", R"({"renderables": [{"layers": [{"spawner": {"id": 10}}]}]})");
+    shop.Directory.Write("out.vro", "before");
+    const Outcome outcome = shop.Vro({"build", "effect.json", "-o", "out.vro"});
+    EXPECT_EQ(outcome.Code, 1);
+    EXPECT_THAT(outcome.Err, StartsWith("vro: effect.json: /renderables/0/layers/0/spawner: "));
+    EXPECT_EQ(Read_Text_File(shop.Directory / "out.vro"), "before");
+    for (const char *file : {"missing.json", "."}) {
+        const Outcome unread = shop.Vro({"build", file, "-o", "out.vro"});
+        EXPECT_EQ(unread.Code, 1);
+        EXPECT_THAT(unread.Err, StartsWith("vro: " + std::string(file) + ": "));
+    }
+}
+
+TEST(CommandLine, ADashStandsForTheStandardStreams)
+{
+    const Workshop shop;
+    const std::string bytes = Read_Text_File(shop.Build("effect.vro", CAMPFIRE));
+    const Outcome dumped = shop.Vro({"dump", "-"}, bytes);
+    ASSERT_EQ(dumped.Code, 0) << dumped.Err;
+    EXPECT_EQ(shop.Vro({"dump", "effect.vro", "-o", "-"}).Out, Workshop::Dump(shop.Directory / "effect.vro"));
+    const Outcome built = shop.Vro({"build", "-", "-o", "-"}, dumped.Out);
+    ASSERT_EQ(built.Code, 0) << built.Err;
+    EXPECT_EQ(shop.Vro({"rewrite", "-", "-o", "-"}, built.Out).Out, built.Out);
+    for (const std::vector<std::string> &line :
+         std::vector<std::vector<std::string>>{{"check", "-"}, {"info", "-"}, {"chunks", "-"}}) {
+        const Outcome outcome = shop.Vro(line, built.Out);
+        EXPECT_EQ(outcome.Code, 0) << line[0] << outcome.Err;
+        EXPECT_THAT(outcome.Out, Not(IsEmpty())) << line[0];
+        EXPECT_EQ(shop.Vro(line, "").Code, 1) << line[0];
+    }
+    // A named pipe can't be read to and fro either.
+    EXPECT_EQ(shop.Vro({"dump", "pipe.vro"}, "", "mkfifo pipe.vro; cat effect.vro > pipe.vro &").Code, 0);
+}
+
+TEST(CommandLine, DumpAndBuildAgreeOnTextAndBytes)
+{
+    const Workshop shop;
+    shop.Build("source/effect.vro", CAMPFIRE);
+    shop.Directory.Make_Directory("built");
+    ASSERT_EQ(shop.Vro({"rewrite", "source/effect.vro", "-o", "built/effect.vro"}).Code, 0);
+    const std::string bytes = Read_Text_File(shop.Directory / "built/effect.vro");
+    ASSERT_EQ(shop.Vro({"dump", "built/effect.vro", "-o", "effect.json"}).Code, 0);
+    ASSERT_EQ(shop.Vro({"build", "effect.json", "-o", "built/effect.vro"}).Code, 0);
+    EXPECT_EQ(Read_Text_File(shop.Directory / "built/effect.vro"), bytes);
+    EXPECT_EQ(shop.Vro({"dump", "built/effect.vro"}).Out, Read_Text_File(shop.Directory / "effect.json"));
+}
+
+TEST(CommandLine, AFailedWriteLeavesTheTargetAsItWas)
+{
+    const Workshop shop;
+    shop.Build("effect.vro", CAMPFIRE);
+    shop.Directory.Write("effect.json", CAMPFIRE);
+    const std::string target = shop.Directory.Write("target", "before");
+    for (const std::vector<std::string> &line : std::vector<std::vector<std::string>>{
+             {"dump", "effect.vro", "-o", "target"},
+             {"build", "effect.json", "-o", "target"},
+             {"rewrite", "effect.vro", "-o", "target", "--encoding", "xml"}}) {
+        const Outcome outcome = shop.Vro(line, "", FULL_DISK);
+        EXPECT_EQ(outcome.Code, 1) << line[0];
+        EXPECT_THAT(outcome.Err, HasSubstr("vro: target: File too large")) << line[0];
+        EXPECT_EQ(Read_Text_File(target), "before") << line[0];
+    }
+    const Outcome listing = shop.Vro({"info", "."}, "", "ls -a; ");
+    EXPECT_THAT(listing.Out, Not(HasSubstr(".vro."))) << "a temporary file was left behind";
+}
+
+TEST(CommandLine, AFullStandardOutputIsAFailure)
+{
+    const Workshop shop;
+    shop.Build("effect.vro", CAMPFIRE);
+    for (const std::vector<std::string> &line : std::vector<std::vector<std::string>>{
+             {"plugins"}, {"plugins", "--json"}, {"info", "effect.vro"}, {"dump", "effect.vro"}, {"check", "effect.vro"},
+             {"chunks", "effect.vro"}, {"chunks", "effect.vro", "--json"}, {"rewrite", "effect.vro", "-o", "-"}}) {
+        const Outcome outcome = shop.Vro(line, "", "exec > /dev/full;");
+        EXPECT_EQ(outcome.Code, 1) << testing::PrintToString(line);
+        EXPECT_THAT(outcome.Err, StartsWith("vro: ")) << testing::PrintToString(line);
+    }
+}
+
+TEST(CommandLine, InfoShowsTheLayersOfFilesAndDirectories)
+{
+    const Workshop shop;
+    shop.Build("models/campfire.vro", CAMPFIRE);
+    shop.Build("models/caf\xc3\xa9.vro", R"({"renderables": [{"kind": "model", "name": "crate"}]})");
+    Write_Chunks(shop.Directory / "models/tree.vro", 0x100, [](auto &writer) { Add_Number_Chunk(writer, 1); });
+    const Outcome outcome = shop.Vro({"info", "models"});
+    EXPECT_EQ(outcome.Code, 0) << outcome.Err;
+    EXPECT_THAT(outcome.Out, HasSubstr("campfire  (models/campfire.vro)  1 renderable, 2 layers\n"));
+    EXPECT_THAT(outcome.Out, HasSubstr("caf\xc3\xa9"));
+    EXPECT_THAT(outcome.Out, HasSubstr("model \"crate\""));
+    EXPECT_THAT(outcome.Out, HasSubstr("Heat And Saturation"));
+    EXPECT_THAT(outcome.Out, Not(HasSubstr("tree"))) << "a directory may hold other assets of the same extension";
+    shop.Directory.Make_Directory("empty");
+    EXPECT_EQ(shop.Vro({"info", "empty"}).Code, 1);
+    // One bad file doesn't hide the others.
+    const Outcome mixed = shop.Vro({"info", "missing.vro", "models/campfire.vro"});
+    EXPECT_EQ(mixed.Code, 1);
+    EXPECT_THAT(mixed.Out, HasSubstr("flames"));
+}
+
+TEST(CommandLine, CheckTellsWhatALoadMends)
+{
+    const Workshop shop;
+    shop.Build("good.vro", CAMPFIRE);
+    Write_Chunks(shop.Directory / "odd.vro", 0x1500, [](auto &writer) { Add_Number_Chunk(writer, 0x7777); });
+    const Outcome clean = shop.Vro({"check", "good.vro"});
+    EXPECT_EQ(clean.Code, 0) << clean.Err;
+    EXPECT_EQ(clean.Out, "1 file checked, 0 findings, 0 failed\n");
+    const Outcome mended = shop.Vro({"check", "odd.vro"});
+    EXPECT_EQ(mended.Code, 0) << mended.Err;
+    EXPECT_THAT(mended.Out, HasSubstr("odd.vro: file: unknown chunk 0x7777: "));
+    EXPECT_THAT(mended.Out, HasSubstr("1 file checked, 1 finding, 0 failed\n"));
+    shop.Directory.Write("bad.vro", "junk");
+    const Outcome failed = shop.Vro({"check", "good.vro", "bad.vro", "odd.vro"});
+    EXPECT_EQ(failed.Code, 1);
+    EXPECT_THAT(failed.Out, HasSubstr("3 files checked, 1 finding, 1 failed\n"));
+}
+
+TEST(CommandLine, PluginsAreTheWholeReference)
+{
+    const Workshop shop;
+    const Json kinds = Json::parse(shop.Vro({"plugins", "--json"}).Out);
+    ASSERT_EQ(kinds.size(), 129u);
+    for (size_t id = 0; id < kinds.size(); ++id) {
+        EXPECT_EQ(kinds[id]["id"], id);
+        for (const Json &parameter : kinds[id]["parameters"]) {
+            const std::string kind = parameter["kind"];
+            const std::string what = kinds[id]["name"].get<std::string>() + ": " + parameter["name"].get<std::string>();
+            EXPECT_EQ(parameter.contains("min"), parameter.contains("max")) << what;
+            EXPECT_TRUE(!parameter.contains("min") || kind == "Float" || kind == "Integer") << what;
+            EXPECT_EQ(parameter.contains("labels"), kind == "Enumeration") << what;
+            if (kind != "Enumeration") continue;
+            const size_t index = parameter["default"]["index"];
+            EXPECT_EQ(parameter["default"]["label"], parameter["labels"][index]) << what;
+        }
+    }
+    const Json &shape = kinds[34];
+    EXPECT_EQ(shape["class"], "vrMKPShapeSpawner");
+    EXPECT_EQ(shape["family"], "Spawner");
+    EXPECT_EQ(shape["category"], "Creator");
+    EXPECT_EQ(shape["write_mask"], 0x184f4);
+    EXPECT_EQ(shape["obsolete"], false);
+    EXPECT_EQ(shape["parameters"][0]["name"], "Global LOD");
+    EXPECT_EQ(shape["parameters"][0]["max"], 4);
+    EXPECT_EQ(shape["parameters"][0]["saved"], true);
+    EXPECT_EQ(kinds[0]["obsolete"], true);
+
+    const std::string pages = shop.Vro({"plugins"}).Out;
+    size_t headings = 0;
+    for (size_t at = pages.find("---++ "); at != std::string::npos; at = pages.find("---++ ", at + 1)) ++headings;
+    EXPECT_EQ(headings, 129u);
+    EXPECT_THAT(pages, StartsWith("---++ Point (OBSOLETE)\n---+++ Description\n"));
+}

@@ -1,0 +1,63 @@
+#include "Tools/vro/VroProgram.h"
+
+#include <gmock/gmock.h>
+#include <regex>
+#include <set>
+
+using MKTest::Read_Text_File;
+
+namespace
+{
+
+std::set<std::string> Matches(const std::string &text, const std::string &pattern)
+{
+    const std::regex expression(pattern);
+    std::set<std::string> found;
+    for (std::sregex_iterator match(text.begin(), text.end(), expression), end; match != end; ++match)
+        found.insert((*match)[1]);
+    return found;
+}
+
+std::set<std::string> Long_Options(const std::string &text)
+{
+    return Matches(text, "(--[a-z][a-z-]*)");
+}
+
+/// The page without the marks of its format.
+std::string Manual_Page()
+{
+    std::string text = Read_Text_File(PROJECT_ROOT "/docs/man/vro.1");
+    return std::regex_replace(text, std::regex("\\\\-"), "-");
+}
+
+} // namespace
+
+TEST(Documentation, ManualAndCompletionKnowEveryOptionAndNoOther)
+{
+    const vroTest::Workshop shop;
+    const std::string top = shop.Vro({"--help"}).Out;
+    const std::set<std::string> commands = Matches(top.substr(top.find("Subcommands:")), "\n  ([a-z]+) ");
+    ASSERT_EQ(commands.size(), 8u) << top;
+    std::set<std::string> options = Long_Options(top);
+    for (const std::string &command : commands) options.merge(Long_Options(shop.Vro({command, "--help"}).Out));
+    ASSERT_TRUE(options.contains("--convert-to-heat"));
+
+    const std::string completion = Read_Text_File(PROJECT_ROOT "/completions/vro.bash");
+    EXPECT_EQ(Long_Options(Manual_Page()), options);
+    EXPECT_EQ(Long_Options(completion), options);
+    EXPECT_EQ(Matches(completion.substr(completion.find("commands='") + 9), "[' ]([a-z]+)(?=[ '][^;]*\n)").size() >= 8,
+              true);
+    for (const std::string &command : commands) {
+        EXPECT_THAT(Manual_Page(), testing::ContainsRegex("\"?" + command + " ")) << command;
+        EXPECT_THAT(completion, testing::HasSubstr(command));
+    }
+}
+
+TEST(Documentation, ManualAndCompletionKnowEveryEncoding)
+{
+    const std::string completion = Read_Text_File(PROJECT_ROOT "/completions/vro.bash");
+    for (const char *encoding : {"zlib", "binary", "xml", "sectioned", "zlib-sectioned"}) {
+        EXPECT_THAT(Manual_Page(), testing::HasSubstr(encoding));
+        EXPECT_THAT(completion, testing::HasSubstr(encoding));
+    }
+}
