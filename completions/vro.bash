@@ -19,7 +19,9 @@ _vro()
     fi
     case "$previous" in
     --encoding)
-        mapfile -t COMPREPLY < <(compgen -W 'zlib binary xml sectioned zlib-sectioned' -- "$current")
+        mapfile -t COMPREPLY < <(
+            compgen -W "$(echo {zlib,binary,xml,sectioned,zlib-sectioned}{,+validated}{,+swapped})" -- "$current"
+        )
         compopt -o nospace
         return
         ;;

@@ -11,6 +11,9 @@
 #include "MKLib/Parameters/StringParameters.h"
 #include "MKLib/Parameters/UVListParameter.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace vro
 {
 
@@ -61,6 +64,26 @@ template <typename Parameter> Json Keyed_To_Json(const ParameterClass &parameter
     return {{"spline", curve.Is_Spline()}, {"keys", std::move(keys)}};
 }
 
+template <typename T> struct DocumentKey
+{
+    float Time;
+    T Value;
+    size_t Index; ///< in the document
+};
+
+/// In the order of time: a key that isn't the last one moves all behind it, which a long curve can't afford.
+template <typename Parameter, typename T>
+void Fill_Curve(Parameter &curve, std::vector<DocumentKey<T>> &list, const std::string &pointer)
+{
+    std::stable_sort(list.begin(), list.end(), [](const auto &left, const auto &right) { return left.Time < right.Time; });
+    curve.Clear_Keys();
+    for (size_t position = 0; position < list.size(); ++position) {
+        if (position > 0 && list[position].Time == list[position - 1].Time)
+            throw JsonError(Item_Pointer(pointer, list[position].Index), "a key of this time is there already");
+        curve.Add_Key(list[position].Time, list[position].Value);
+    }
+}
+
 template <typename Parameter>
 void Keyed_From_Json(ParameterClass &parameter, const Json &value, const std::string &pointer)
 {
@@ -69,17 +92,18 @@ void Keyed_From_Json(ParameterClass &parameter, const Json &value, const std::st
     if (const Json *spline = object.Find("spline")) curve.Set_Spline(Read_Bool(*spline, object.Pointer("spline")));
     if (const Json *keys = object.Find("keys")) {
         const std::string keysPointer = object.Pointer("keys");
-        curve.Clear_Keys();
-        for (size_t index = 0; index < Read_Array(*keys, keysPointer).size(); ++index) {
+        std::vector<DocumentKey<decltype(Parameter::KeyStruct::Value)>> list(Read_Array(*keys, keysPointer).size());
+        for (size_t index = 0; index < list.size(); ++index) {
             const std::string keyPointer = Item_Pointer(keysPointer, index);
             const Json &key = (*keys)[index];
             if (!key.is_array() || key.size() != 2) throw JsonError(keyPointer, "expected [time, value]");
-            auto keyValue = decltype(Parameter::KeyStruct::Value){};
-            From_Json(keyValue, key[1], Item_Pointer(keyPointer, 1));
-            curve.Add_Key(Read_Float(key[0], Item_Pointer(keyPointer, 0)), keyValue);
-            if (curve.Get_Key_Count() != static_cast<int>(index) + 1)
-                throw JsonError(keyPointer, "a key of this time is there already");
+            list[index] = {Read_Float(key[0], Item_Pointer(keyPointer, 0)), {}, index};
+            From_Json(list[index].Value, key[1], Item_Pointer(keyPointer, 1));
+            // To a curve it equals any other time.
+            if (std::isnan(list[index].Time) && list.size() > 1)
+                throw JsonError(keyPointer, "a key whose time is no number stands alone in its curve");
         }
+        Fill_Curve(curve, list, keysPointer);
     }
     object.Refuse_Other_Keys();
 }

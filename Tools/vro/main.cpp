@@ -51,7 +51,7 @@ struct CommandLine
     void Add_Inspection()
     {
         auto *info = Add("info", "Print a short table of each emitter's layers", [this] { return Run_Info(Paths); });
-        info->add_option("PATH", Paths, "Emitter files, or directories for their *.vro")->required();
+        info->add_option("PATH", Paths, "Emitter files, or directories for all *.vro below them")->required();
 
         auto *chunks = Add("chunks", "Print the raw chunk tree of a file", [this] { return Run_Chunks(Input, Json); });
         chunks->add_option("FILE", Input, "A chunk file of any encoding")->required();

@@ -1,5 +1,6 @@
 #include "MKLib/ChunkFile/ChunkFileReader.h"
 
+#include "MKLib/ChunkFile/ChunkLayout.h"
 #include "MKLib/ChunkFile/ChunkLog.h"
 #include "MKLib/ChunkFile/ChunkReaderImplementation.h"
 
@@ -9,8 +10,6 @@ namespace ChunkFile
 namespace
 {
 
-constexpr uint32_t HEADER_SIZE = 36;
-constexpr uint32_t SECTION_HEADER_OFFSET = 8;
 constexpr uint32_t SECTION_BASE_OFFSET = 28; ///< what the offsets of version 2.1's first section count from
 constexpr uint32_t FIRST_DATA_OFFSET_LIMIT = COMPRESSION_BUFFER_SIZE;
 
@@ -41,13 +40,13 @@ bool ChunkFileReaderClass::Implementation::Read_Header()
     KnownFilePosition = File->Tell();
     HeaderStart = std::max<int64_t>(KnownFilePosition, 0);
     uint32_t size = 0;
-    while (size < HEADER_SIZE) {
+    while (size < FILE_HEADER_SIZE) {
         const uint32_t read =
             Read_File(HeaderStart + size, DataStream.Buffers->In + size, COMPRESSION_BUFFER_SIZE - size);
         if (read == 0) break;
         size += read;
     }
-    if (size < HEADER_SIZE) {
+    if (size < FILE_HEADER_SIZE) {
         MK_ASSERT(false, "!Header.Read(File)");
         MK_LOG(ChunkFileLog, LogLevel::Error, "ChunkFileReader -- Could not read chunk file header from %s\n",
                File_Name());
@@ -89,7 +88,7 @@ bool ChunkFileReaderClass::Implementation::Set_Up_Streams(uint32_t size)
         MK_LOG(ChunkFileLog, LogLevel::Error, "ChunkFileReader - A section's streams overlap in %s\n", File_Name());
         return false;
     }
-    const uint32_t base = Header.Minor == 1 ? SECTION_BASE_OFFSET : HEADER_SIZE;
+    const uint32_t base = Header.Minor == 1 ? SECTION_BASE_OFFSET : FILE_HEADER_SIZE;
     DataStream.FilePosition = HeaderStart + base + section.DataOffset;
     DataStream.Remaining = section.DataSize;
     ChunkStream.FilePosition = HeaderStart + base + section.ChunkOffset;
@@ -108,6 +107,7 @@ bool ChunkFileReaderClass::Implementation::Set_Up_Streams(uint32_t size)
     if (CompressionMode == COMPRESSION_ZLIB) {
         DataStream.Buffers->Stream.next_in = DataStream.Buffers->In + first;
         DataStream.Buffers->Stream.avail_in = loaded;
+        DataStream.Compressed = loaded;
     } else {
         DataStream.Window = DataStream.Buffers->In + first;
         DataStream.Available = loaded;

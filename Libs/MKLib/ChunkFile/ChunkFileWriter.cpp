@@ -1,5 +1,6 @@
 #include "MKLib/ChunkFile/ChunkFileWriter.h"
 
+#include "MKLib/ChunkFile/ChunkLayout.h"
 #include "MKLib/ChunkFile/ChunkLog.h"
 #include "MKLib/ChunkFile/ChunkWriterImplementation.h"
 #include "MKLib/ChunkFile/ChunkXMLText.h"
@@ -14,7 +15,6 @@ namespace ChunkFile
 namespace
 {
 
-constexpr uint32_t SECTION_HEADER_OFFSET = 8;
 constexpr uint32_t FIRST_DATA_OFFSET = 8; ///< the two user words stand between the section header and the data
 constexpr size_t CHUNK_TABLE_STEP = 4096;
 constexpr uint32_t MODE_LIMIT = 256;
@@ -83,7 +83,7 @@ bool ChunkFileWriterClass::Implementation::Start_Streams(int level)
 bool ChunkFileWriterClass::Implementation::Write_File_Header()
 {
     File->Seek(HeaderStart, MKPlatform::FILE_SEEK_BEGIN);
-    std::array<uint8_t, 36> bytes{};
+    std::array<uint8_t, FILE_HEADER_SIZE> bytes{};
     const uint8_t start[] = {Header.Magic[0], Header.Magic[1],    Header.Major,       Header.Minor,
                              Header.Mode,     Header.Reserved[0], Header.Reserved[1], Header.Reserved[2]};
     const uint32_t words[] = {Stored(CurrentSectionHeader.CRC),
@@ -212,9 +212,8 @@ bool ChunkFileWriterClass::Implementation::Close_Micro_Chunk()
 bool ChunkFileWriterClass::Implementation::Close()
 {
     if (!Initialized) return true;
-    bool closed = true;
     if (Is_XML()) MK_ASSERT(XMLDepth == 1, "XMLDepth == 1");
-    closed = Close_Open_Chunks() && closed;
+    bool closed = Close_Open_Chunks();
     closed = (Is_XML() ? Close_XML() : Close_Binary()) && closed;
     if (Is_Zlib()) closed = Close_Streams() && closed;
     Give_Back(std::move(DataStream));

@@ -1,5 +1,6 @@
 #include "MKLib/ChunkFile/ChunkReaderImplementation.h"
 
+#include "MKLib/ChunkFile/ChunkLayout.h"
 #include "MKLib/ChunkFile/ChunkLog.h"
 #include "MKLib/ChunkFile/ChunkXMLText.h"
 #include "MKLib/File/XMLDatabase.h"
@@ -12,8 +13,6 @@ namespace
 {
 
 constexpr uint32_t CHUNK_HEADER_SIZE = 8;
-constexpr size_t MICRO_CHUNK_LIMIT = 255;
-constexpr size_t STRING_LIMIT = 65536;
 constexpr char KEY_FAILED[] = "XMLdb->Get_Key(&key) != S_OK";
 constexpr char VALUE_FAILED[] = "XMLdb->Get_Value(&value) != S_OK";
 
@@ -61,7 +60,7 @@ bool Append_Numbers(Bytes &out, const NumberRow &row, std::string_view text)
 template <typename Text>
 bool Append_String(Bytes &out, const Text &text)
 {
-    if (!MK_VERIFY(text.size() < STRING_LIMIT, "value.length() < 65536")) return false;
+    if (!MK_VERIFY(text.size() <= STRING_LIMIT, "value.length() < 65536")) return false;
     const auto length = static_cast<uint16_t>(text.size());
     Append(out, &length, sizeof(length));
     Append(out, text.data(), text.size() * sizeof(text[0]));

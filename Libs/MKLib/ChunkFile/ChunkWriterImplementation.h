@@ -2,6 +2,7 @@
 
 #include "MKLib/ChunkFile/ByteOrder.h"
 #include "MKLib/ChunkFile/ChunkFileWriter.h"
+#include "MKLib/ChunkFile/ChunkLayout.h"
 #include "MKLib/ChunkFile/StreamBuffers.h"
 
 #include <cstring>
@@ -10,8 +11,6 @@
 
 namespace ChunkFile
 {
-
-constexpr uint32_t MICRO_CHUNK_LIMIT = 255;
 
 enum FinalizeType
 {

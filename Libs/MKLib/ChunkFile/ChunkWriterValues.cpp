@@ -12,7 +12,6 @@ namespace
 
 constexpr char LOWER_DIGITS[] = "0123456789abcdef";
 constexpr char UPPER_DIGITS[] = "0123456789ABCDEF";
-constexpr size_t STRING_LIMIT = 65535;
 
 void Append_Number(std::string &out, float value)
 {

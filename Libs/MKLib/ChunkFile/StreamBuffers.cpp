@@ -96,7 +96,7 @@ int DeflateBuffers::Start_Stream(int level)
 int DeflateBuffers::End_Stream()
 {
     if (!IsReady) return Z_OK;
-    // A state that is reset is as good as a freed one, and frees no memory; zlib tells a cut stream only at its end.
+    // A state that is reset is as good as a freed one, and the next stream needs no memory.
     if (deflateReset(&Stream) == Z_OK) return Z_OK;
     IsReady = false;
     return deflateEnd(&Stream);

@@ -35,7 +35,8 @@ struct DeflateBuffers
 
     /// Readies the state for a new stream at `level`. Z_OK, or zlib's error.
     int Start_Stream(int level);
-    /// Ends the stream. Z_OK, or Z_DATA_ERROR when it was cut off; the state is then gone.
+    /// Ends the stream, finished or not, and keeps the state for the next one. Z_OK, or zlib's error: the state is then
+    /// gone.
     int End_Stream();
 
     z_stream Stream;

@@ -3,6 +3,7 @@
 #include "MKPlatform/Paths.h"
 #include "MKPlatform/Threads.h"
 
+#include <algorithm>
 #include <atomic>
 #include <mutex>
 #include <set>
@@ -13,10 +14,22 @@ namespace DiskOnlyFiles
 namespace
 {
 
+/// Compares in place: every open asks, and builds no string for it.
+struct IsBeforeIgnoringCase
+{
+    using is_transparent = void;
+
+    bool operator()(std::string_view left, std::string_view right) const
+    {
+        return std::lexicographical_compare(left.begin(), left.end(), right.begin(), right.end(),
+                                            [](char a, char b) { return MK::Lower(a) < MK::Lower(b); });
+    }
+};
+
 struct State
 {
     FastThreadLockClass Lock;
-    std::set<MK::String> Names;
+    std::set<MK::String, IsBeforeIgnoringCase> Names;
     std::vector<MK::String> DataRoots;
 };
 
@@ -26,7 +39,7 @@ State &The_State()
     return state;
 }
 
-// Every open asks, and most programs register nothing.
+// Most programs register nothing, and then an open takes no lock here.
 std::atomic<bool> HasNames{false};
 
 bool Is_Separator(char c)
@@ -49,7 +62,7 @@ void Add(std::string_view name)
 {
     State &state = The_State();
     const std::lock_guard lock(state.Lock);
-    state.Names.insert(MK::Lowered(MKPlatform::Path_File_Name(name)));
+    state.Names.emplace(MKPlatform::Path_File_Name(name));
     HasNames = true;
 }
 
@@ -58,7 +71,7 @@ bool Contains(std::string_view path)
     if (!HasNames.load(std::memory_order_relaxed)) return false;
     State &state = The_State();
     const std::lock_guard lock(state.Lock);
-    return state.Names.count(MK::Lowered(MKPlatform::Path_File_Name(path))) > 0;
+    return state.Names.contains(MKPlatform::Path_File_Name(path));
 }
 
 void Set_Data_Roots(std::vector<MK::String> roots)

@@ -61,14 +61,13 @@ bool FileClass::Open(FileAccess access, bool preferArchive, int megafileHandle)
 bool FileClass::Open(std::string_view name, FileAccess access, bool preferArchive, int megafileHandle)
 {
     if (!Can_Open(name, access)) return false;
-    const bool ownName = name.data() == FileName.data();
     if (access == FILE_OPEN_GENERIC_READ) {
         const SmartPtr<FileCacheEntryClass> cached = FileCacheClass::Find(name);
         CachedFile = cached.Get();
         if (CachedFile) CachedFile->Add_Ref(); // given back by Close
     }
     const FileLockClass lock;
-    if (!ownName) FileName = name;
+    if (FileName != name) FileName = name;
     bool opened = CachedFile != nullptr;
     if (!CachedFile || FileCacheClass::Is_Verifying()) opened |= Open_Uncached(access, preferArchive, megafileHandle);
     if (!opened) return false;
@@ -94,16 +93,10 @@ bool FileClass::Open_Uncached(FileAccess access, bool preferArchive, int megafil
 {
     const bool reading = Is_Reading(access);
     const bool diskOnly = DiskOnlyFiles::Contains(FileName);
-    if (!preferArchive) {
-        if (reading && diskOnly && Open_In_Data_Roots(FileName, access)) return true;
-        if (Open_On_Disk(FileName, access)) return true;
-    } else if (reading) {
-        if (diskOnly && Open_On_Disk(FileName, access)) return true;
-        if (!diskOnly && access == FILE_OPEN_GENERIC_READ && Open_In_Archive(FileName, megafileHandle)) return true;
-    } else if (Open_On_Disk(FileName, access)) {
-        return true;
-    }
-    return access == FILE_OPEN_GENERIC_READ && !diskOnly && Open_In_Archive(FileName, INVALID_SUBFILE_HANDLE);
+    if (!preferArchive && reading && diskOnly && Open_In_Data_Roots(FileName, access)) return true;
+    if ((!preferArchive || !reading || diskOnly) && Open_On_Disk(FileName, access)) return true;
+    return access == FILE_OPEN_GENERIC_READ && !diskOnly &&
+           Open_In_Archive(FileName, preferArchive ? megafileHandle : INVALID_MEGAFILE_HANDLE);
 }
 
 bool FileClass::Open_On_Disk(std::string_view name, FileAccess access)

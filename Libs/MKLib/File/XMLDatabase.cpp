@@ -271,13 +271,6 @@ bool XMLDatabase::Leave()
     return true;
 }
 
-void XMLDatabase::Rewind()
-{
-    if (!Loaded) return;
-    Loaded->Cursor = Loaded->Tree.document_element();
-    Loaded->Depth = 1;
-}
-
 XMLResult XMLDatabase::Get_Key(MK::String *key) const
 {
     if (!Loaded) return S_MISSING;

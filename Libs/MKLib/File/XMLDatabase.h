@@ -51,8 +51,7 @@ public:
     /// Moves of the cursor between elements, in document order. False leaves it where it is.
     bool Enter_First_Child();
     bool Next_Sibling();
-    bool Leave();  ///< to the parent; false on the root element
-    void Rewind(); ///< to the root element
+    bool Leave(); ///< to the parent; false on the root element
 
     /// The element's name.
     XMLResult Get_Key(MK::String *key) const;

@@ -30,7 +30,6 @@ public:
     /// Expects an open archive with no image handed out.
     void Close();
     bool Is_Open() const { return OpenType != MEGAFILE_OPEN_INVALID; }
-    MegaFileAccess Get_Open_Type() const { return OpenType; }
     const MK::String &Get_Name() const { return MegaFileName; }
     int Get_Subfile_Count() const { return static_cast<int>(Header.SubFileHeaderData.size()); }
 

@@ -200,7 +200,11 @@ bool MegaFileHeaderClass::Read_Table(FileClass &file)
         return false;
     }
     std::vector<uint8_t> table(static_cast<size_t>(size));
-    if (file.Read(table.data(), size) != size) return false;
+    if (file.Read(table.data(), size) != size) {
+        MK_LOG(MegaFileLog, LogLevel::Error, "MegaFileClass::Open - The table of %s could not be read\n",
+               ArchiveName.c_str());
+        return false;
+    }
     SubFileHeaderData.reserve(TotalSubFiles);
     for (int64_t at = 0; at < size; at += ENTRY_SIZE) SubFileHeaderData.push_back(Load_Entry(table.data() + at));
     return MK_VERIFY(!SubFileHeaderData.empty(), "SubFileHeaderData != NULL");

@@ -2,6 +2,7 @@
 
 #include "MKLib/ChunkFile/ChunkFileReader.h"
 #include "MKLib/File/XMLDatabase.h"
+#include "MKLib/MKDebug/Assert.h"
 #include "MKLib/MKDebug/Logger.h"
 #include "MKPlatform/Paths.h"
 
@@ -18,7 +19,7 @@ constexpr std::string_view CHUNK_LIST = "Data\\MegaFiles.chk";
 constexpr const char *LANGUAGE_TABLE[] = {"English", "French", "German",  "Italian", "Spanish",
                                           "Polish",  "Czech",  "Russian", "Korean",  "Chinese"};
 
-bool Is_On_Disk_Or_Archived(std::string_view name)
+bool Can_Be_Opened(std::string_view name)
 {
     FileClass file(name);
     return file.Open(MKPlatform::FILE_OPEN_GENERIC_READ);
@@ -55,7 +56,7 @@ bool MegaFileManagerClass::Load_Default_Mega_Files(MegaFileClass::MegaFileAccess
         FileClass::Add_Disk_Only_File(localised);
         FileClass::Add_Disk_Only_File(name);
         // Most archives have no form in the language, so that is looked at before it could be logged as a failure.
-        if (Is_On_Disk_Or_Archived(localised) &&
+        if (Can_Be_Opened(localised) &&
             Megafile_Add(localised, MegaFileClass::MEGAFILE_OPEN_FROM_DISK, ACCESS_PUBLIC) != INVALID_MEGAFILE_HANDLE)
             continue;
         Megafile_Add(name, openType, ACCESS_PUBLIC);
@@ -82,7 +83,8 @@ bool MegaFileManagerClass::Read_XML_List(std::string_view listName, std::vector<
     if (!files.Load(listName)) return false;
     MK::String fileName;
     for (bool found = files.Enter_First_Child(); found; found = files.Next_Sibling())
-        if (files.Get_Value(&fileName) == S_OK && !fileName.empty()) names.push_back(fileName);
+        if (MK_VERIFY(files.Get_Value(&fileName) == S_OK, "files.Get_Value(&file_name) == S_OK") && !fileName.empty())
+            names.push_back(fileName);
     return true;
 }
 

@@ -15,6 +15,8 @@ static MKDebug::Logger InterpolatorLog("InterpolatorLog");
 namespace
 {
 
+constexpr size_t USUAL_POINT_COUNT = 4; ///< most curves of an effect have no more
+
 /// NaNs go last, so that the order is total whatever a file holds.
 bool Is_Before(const CubicInterpolator::DPointClass &left, const CubicInterpolator::DPointClass &right)
 {
@@ -44,6 +46,7 @@ CubicInterpolator &CubicInterpolator::operator=(const CubicInterpolator &other)
 
 void CubicInterpolator::Add_Point(float x, float y)
 {
+    if (Points.empty()) Points.reserve(USUAL_POINT_COUNT);
     Points.push_back({x, y, 0.0f});
     Calculated.store(false, std::memory_order_relaxed);
 }

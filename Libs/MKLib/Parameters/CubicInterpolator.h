@@ -1,7 +1,6 @@
 #pragma once
 
 #include <atomic>
-#include <cstddef>
 #include <vector>
 
 class XMLDatabase;
@@ -53,7 +52,6 @@ public:
     bool Is_Calculated() const { return Calculated.load(std::memory_order_acquire); }
 
     int Get_Point_Count() const { return static_cast<int>(Points.size()); }
-    size_t Get_Dynamic_Size() const { return Points.capacity() * sizeof(DPointClass); }
 
 private:
     void Calculate() const;

@@ -60,6 +60,17 @@ float Smooth_Fraction(float time, float begin, float end, float span)
     return (3.0f - 2.0f * u) * u * u;
 }
 
+/// By time, so that each key goes to the end of those before it: a long curve in another order would take hours. Of
+/// equal times the first in the file stays first. A first time that is no number equals all others and keeps them out.
+template <typename KeyStruct> void Sort_For_Adding(std::vector<KeyStruct> &keys)
+{
+    if (keys.empty() || std::isnan(keys.front().Time)) return;
+    const auto numbersEnd =
+        std::stable_partition(keys.begin(), keys.end(), [](const KeyStruct &key) { return !std::isnan(key.Time); });
+    std::stable_sort(keys.begin(), numbersEnd,
+                     [](const KeyStruct &left, const KeyStruct &right) { return left.Time < right.Time; });
+}
+
 bool Load_Variables(ChunkFileReaderClass &reader, uint32_t &keyCount, bool &isSpline)
 {
     bool loaded = true;
@@ -138,14 +149,16 @@ bool KeyedParameterClass<T, Type>::Load_Keys(ChunkFile::ChunkFileReaderClass &re
                reader.Get_File_Name().c_str(), this->Get_Name(), count, reader.Cur_Chunk_Remaining());
         return false;
     }
+    std::vector<KeyStruct> read(count);
+    size_t whole = 0;
+    while (whole < count && reader.Read_Float(read[whole].Time) && ParameterValues::Read(reader, read[whole].Value))
+        ++whole;
+    read.resize(whole);
+    Sort_For_Adding(read);
     Clear_Keys();
-    Keys.reserve(count);
-    KeyStruct key{};
-    for (uint32_t index = 0; index < count; ++index) {
-        if (!reader.Read_Float(key.Time) || !ParameterValues::Read(reader, key.Value)) return false;
-        Add_Key(key.Time, key.Value);
-    }
-    return true;
+    Keys.reserve(whole);
+    for (const KeyStruct &key : read) Add_Key(key.Time, key.Value);
+    return whole == count;
 }
 
 template <typename T, ParameterType Type>

@@ -2,6 +2,7 @@
 
 #include "MKLib/File/File.h"
 #include "MKLib/MKString.h"
+#include "MKLib/Parameters/ParameterStorage.h"
 
 const char *Get_Parameter_Type_Name(ParameterType type)
 {
@@ -27,6 +28,17 @@ const char *Get_Parameter_Type_Name(ParameterType type)
     case ParameterType::Mask: return "Mask";
     }
     return nullptr;
+}
+
+void ParameterClass::Delete_This()
+{
+    const uint16_t place = StoragePlace;
+    if (place == 0) {
+        delete this;
+        return;
+    }
+    this->~ParameterClass();
+    ParameterStorageClass::End_Object(this, place);
 }
 
 bool ParameterClass::Load_Plain(ChunkFile::ChunkFileReaderClass &)

@@ -39,6 +39,10 @@ public:
     bool Was_Loaded() const { return Loaded; }
     void Clear_Loaded() { Loaded = false; }
 
+    /// Tells where in its list's storage the object lies.
+    void Set_Storage_Place(uint16_t place) { StoragePlace = place; }
+    void Delete_This() override;
+
     /// Takes the value of a parameter of the same kind; another kind asserts and copies nothing.
     virtual void Copy_From(const ParameterClass &other) = 0;
     /// True when the value stands directly in its chunk, false when that chunk holds sub-chunks.
@@ -62,9 +66,10 @@ protected:
     bool Is_Same_Type(const ParameterClass &other, const char *text = "Get_Type() != other->Get_Type()") const;
 
 private:
+    int32_t ID = -1; // ahead of the pointers, where the count leaves room for it
     const char *Name;
     const char *Description;
-    int32_t ID = -1;
-    bool SaveExcluded = false;
-    bool Loaded = false;
+    bool SaveExcluded : 1 = false;
+    bool Loaded : 1 = false;
+    uint16_t StoragePlace = 0; ///< 0 for an object of its own
 };

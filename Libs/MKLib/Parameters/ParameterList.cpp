@@ -12,7 +12,7 @@
 #include "MKLib/Parameters/UVListParameter.h"
 
 #include <algorithm>
-#include <cstring>
+#include <new>
 #include <string>
 
 namespace
@@ -25,8 +25,8 @@ enum ParameterListChunkIDs : uint32_t // on disk: never renumber
     CHUNK_PARAM_CHUNKED_VALUE = 2
 };
 
-constexpr size_t REPORTED_SLOT_BYTES =
-    4; ///< what a slot counts in `Get_Memory_Usage`, whatever a pointer measures here
+/// What a slot counts in `Get_Memory_Usage`, whatever a pointer measures here.
+constexpr size_t REPORTED_SLOT_BYTES = 4;
 
 /// Finds parameters by id while a list loads. A file has them in the order of the list as a rule, so that the place
 /// behind the last match is asked first; where ids aren't unique the first one must win, and the search starts over.
@@ -95,7 +95,14 @@ bool Is_Name(const char *name, std::string_view text)
 
 } // namespace
 
-ParameterListClass::ParameterListClass() = default;
+ParameterListClass::ParameterListClass()
+{
+    const auto expected = ExpectedParameters::Take();
+    if (expected.Count == 0) return;
+    Parameters.reserve(expected.Count);
+    Storage.Expect(expected.Bytes);
+}
+
 ParameterListClass::~ParameterListClass() = default;
 
 void ParameterListClass::Add_Parameter(ParameterClass *parameter)
@@ -103,115 +110,114 @@ void ParameterListClass::Add_Parameter(ParameterClass *parameter)
     if (MK_VERIFY(parameter != nullptr, "parameter != NULL")) Parameters.emplace_back(parameter);
 }
 
-void ParameterListClass::Reserve(int count)
+template <typename T, typename... Arguments>
+T *ParameterListClass::Append(int32_t id, const Arguments &...arguments)
 {
-    Parameters.reserve(static_cast<size_t>(std::max(count, 0)));
-}
-
-template <typename T>
-T *ParameterListClass::Append(int32_t id, T *parameter)
-{
-    Add_Parameter(parameter);
+    static_assert(alignof(T) <= ParameterStorageClass::ALIGNMENT);
+    uint16_t place = 0;
+    T *parameter = new (Storage.Allocate(sizeof(T), place)) T(arguments...);
+    parameter->Set_Storage_Place(place);
     parameter->Set_ID(id);
+    Add_Parameter(parameter);
     return parameter;
 }
 
 BoolParameter *ParameterListClass::Add_Bool(int32_t id, const char *name, bool value, const char *description)
 {
-    return Append(id, new BoolParameter(name, description, value));
+    return Append<BoolParameter>(id, name, description, value);
 }
 
 IntParameter *ParameterListClass::Add_Int(int32_t id, const char *name, int32_t value, const char *description)
 {
-    return Append(id, new IntParameter(name, description, value));
+    return Append<IntParameter>(id, name, description, value);
 }
 
 RangedIntParameter *ParameterListClass::Add_Int(int32_t id, const char *name, int32_t value, int32_t minimum,
                                                 int32_t maximum, const char *description)
 {
-    return Append(id, new RangedIntParameter(name, description, value, minimum, maximum));
+    return Append<RangedIntParameter>(id, name, description, value, minimum, maximum);
 }
 
 FloatParameter *ParameterListClass::Add_Float(int32_t id, const char *name, float value, const char *description)
 {
-    return Append(id, new FloatParameter(name, description, value));
+    return Append<FloatParameter>(id, name, description, value);
 }
 
 RangedFloatParameter *ParameterListClass::Add_Float(int32_t id, const char *name, float value, float minimum,
                                                     float maximum, const char *description)
 {
-    return Append(id, new RangedFloatParameter(name, description, value, minimum, maximum));
+    return Append<RangedFloatParameter>(id, name, description, value, minimum, maximum);
 }
 
 RGBAParameter *ParameterListClass::Add_RGBA(int32_t id, const char *name, const RGBAClass &value,
                                             const char *description)
 {
-    return Append(id, new RGBAParameter(name, description, value));
+    return Append<RGBAParameter>(id, name, description, value);
 }
 
 Vector3Parameter *ParameterListClass::Add_Vector3(int32_t id, const char *name, const Vector3 &value,
                                                   const char *description)
 {
-    return Append(id, new Vector3Parameter(name, description, value));
+    return Append<Vector3Parameter>(id, name, description, value);
 }
 
 UVParameter *ParameterListClass::Add_UV(int32_t id, const char *name, const Vector4 &value, const char *description)
 {
-    return Append(id, new UVParameter(name, description, value));
+    return Append<UVParameter>(id, name, description, value);
 }
 
 MaskParameter *ParameterListClass::Add_Mask(int32_t id, const char *name, uint32_t value, const char *description)
 {
-    return Append(id, new MaskParameter(name, description, value));
+    return Append<MaskParameter>(id, name, description, value);
 }
 
 StringParameterClass *ParameterListClass::Add_String(int32_t id, const char *name, std::string_view value,
                                                      const char *description)
 {
-    return Append(id, new StringParameterClass(name, description, value));
+    return Append<StringParameterClass>(id, name, description, value);
 }
 
 TextureNameParameterClass *ParameterListClass::Add_Texture(int32_t id, const char *name, std::string_view value,
                                                            const char *description)
 {
-    return Append(id, new TextureNameParameterClass(name, description, value));
+    return Append<TextureNameParameterClass>(id, name, description, value);
 }
 
 ShaderNameParameterClass *ParameterListClass::Add_Shader(int32_t id, const char *name, std::string_view value,
                                                          const char *description)
 {
-    return Append(id, new ShaderNameParameterClass(name, description, value));
+    return Append<ShaderNameParameterClass>(id, name, description, value);
 }
 
 EnumParameterClass *ParameterListClass::Add_Enum(int32_t id, const char *name, std::span<const char *const> labels,
                                                  int32_t index, const char *description)
 {
-    return Append(id, new EnumParameterClass(name, description, labels, index));
+    return Append<EnumParameterClass>(id, name, description, labels, index);
 }
 
 KeyedRGBAParameter *ParameterListClass::Add_Keyed_RGBA(int32_t id, const char *name, const char *description)
 {
-    return Append(id, new KeyedRGBAParameter(name, description));
+    return Append<KeyedRGBAParameter>(id, name, description);
 }
 
 KeyedFloatParameterClass *ParameterListClass::Add_Keyed_Float(int32_t id, const char *name, const char *description)
 {
-    return Append(id, new KeyedFloatParameterClass(name, description));
+    return Append<KeyedFloatParameterClass>(id, name, description);
 }
 
 KeyedUVParameter *ParameterListClass::Add_Keyed_UV(int32_t id, const char *name, const char *description)
 {
-    return Append(id, new KeyedUVParameter(name, description));
+    return Append<KeyedUVParameter>(id, name, description);
 }
 
 ShapeParameterClass *ParameterListClass::Add_Shape(int32_t id, const char *name, int shapeType, const char *description)
 {
-    return Append(id, new ShapeParameterClass(name, description, static_cast<ShapeTypeEnum>(shapeType)));
+    return Append<ShapeParameterClass>(id, name, description, static_cast<ShapeTypeEnum>(shapeType));
 }
 
 UVListParameterClass *ParameterListClass::Add_UV_List(int32_t id, const char *name, const char *description)
 {
-    return Append(id, new UVListParameterClass(name, description));
+    return Append<UVListParameterClass>(id, name, description);
 }
 
 ParameterClass *ParameterListClass::Get_Parameter(int index) const

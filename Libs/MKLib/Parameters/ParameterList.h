@@ -1,5 +1,6 @@
 #pragma once
 
+#include "MKLib/Parameters/ParameterStorage.h"
 #include "MKLib/Parameters/ParametersFwd.h"
 #include "MKLib/RefCount.h"
 
@@ -26,8 +27,6 @@ public:
 
     /// Appends and takes a reference; the owner sets the id right after. The named forms below do both.
     void Add_Parameter(ParameterClass *parameter);
-    /// Makes room ahead, so that a long list doesn't grow step by step.
-    void Reserve(int count);
 
     // Each makes a parameter, gives it its id and appends it; the list owns it, the pointer is for the plugin's own
     // use. Texts and labels must be static.
@@ -72,11 +71,13 @@ public:
     void Copy_From_By_Name(const ParameterListClass &other);
 
     size_t Get_Memory_Usage() const;
+    /// Bytes that the parameters which the list made take in its own storage.
+    size_t Get_Storage_Size() const { return Storage.Get_Used(); }
     void Dump_Table(FileClass &file) const;
 
 private:
-    template <typename T>
-    T *Append(int32_t id, T *parameter);
+    template <typename T, typename... Arguments> T *Append(int32_t id, const Arguments &...arguments);
 
+    ParameterStorageClass Storage;
     std::vector<SmartPtr<ParameterClass>> Parameters;
 };

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <random>
 
 using namespace MKTest;
 using namespace ChunkFile;
@@ -201,6 +202,25 @@ TEST(ChunkDamage, RefusesAnInflateBomb)
     EXPECT_FALSE(Skip_All(*reader));
     EXPECT_TRUE(reader->Is_Damaged());
     EXPECT_TRUE(reports.Has_Log("inflates to over 64 MiB"));
+}
+
+// 65 MiB from about 1057 KiB, where 1040 are the least that pass: every block of the input has to count, the one that
+// came with the header too.
+TEST(ChunkDamage, KeepsAFileJustShortOfABomb)
+{
+    Bytes content(65 << 20, 0);
+    std::mt19937 noise(1);
+    for (size_t i = 0; i < 992 * 1024; ++i) content[i] = static_cast<uint8_t>(noise());
+    const Bytes file = Written(129, [&content](ChunkFileWriterClass &writer) {
+        writer.Open_Chunk(1);
+        writer.Write_Bytes(content.data(), static_cast<uint32_t>(content.size()));
+        writer.Close_Chunk();
+    });
+    ASSERT_GT(file.size(), 1045u * 1024);
+    ASSERT_LT(file.size(), 1070u * 1024);
+    MemoryReader reader(file);
+    EXPECT_TRUE(Skip_All(*reader));
+    EXPECT_FALSE(reader->Is_Damaged());
 }
 
 // Each section of this file claims the whole rest of the file as its data, so that skipping them all would read the

@@ -65,6 +65,16 @@ TEST_F(FileOnDisk, KeepsItsNameAndReopens)
         Reported.Has_Log("FileSize: FileClass::Open - Name: " + Directory.Get_Path() + "/ART\\FIRE.VRO Size: 6"));
 }
 
+TEST_F(FileOnDisk, OpensANameThatIsAPartOfItsOwn)
+{
+    Directory.Write("fire", "short");
+    FileClass file(Directory.Write("fire.vro", "long"));
+    const std::string_view own = file.Get_Name();
+    ASSERT_TRUE(file.Open(own.substr(0, own.size() - 4), FILE_OPEN_GENERIC_READ));
+    EXPECT_EQ(Read_All(file), "short");
+    EXPECT_EQ(std::string_view(file.Get_Name()), Directory / "fire");
+}
+
 TEST_F(FileOnDisk, WritesAndAppends)
 {
     const std::string path = Directory.Write("f", "old");

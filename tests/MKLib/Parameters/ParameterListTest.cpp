@@ -352,10 +352,25 @@ TEST(ParameterList, OwnsItsParameters)
     EXPECT_EQ(kept->Get_Ref_Count(), 1);
 }
 
+// Parameters share blocks of memory, which must last for the last one that somebody still holds.
+TEST(ParameterList, AParameterOutlivesItsListAndItsNeighbours)
+{
+    std::vector<SmartPtr<StringParameterClass>> kept;
+    for (const int count : {1, 10, 500}) {
+        ParameterListClass list;
+        for (int id = 0; id < count; ++id) {
+            auto *parameter = list.Add_String(id, "name", std::string(100, static_cast<char>('a' + id % 26)), "");
+            if (id % 7 == 0) kept.emplace_back(parameter);
+        }
+    }
+    for (const auto &parameter : kept)
+        EXPECT_EQ(parameter->Get_Value(), std::string_view(std::string(100, static_cast<char>('a' + parameter->Get_ID() % 26))));
+}
+
 TEST(ParameterList, TellsItsMemory)
 {
+    const ExpectedParameters expected(10, 1000);
     ParameterListClass list;
-    list.Reserve(10);
     list.Add_Bool(1, "b", false, "");
     auto *curve = list.Add_Keyed_RGBA(2, "c", "");
     curve->Add_Key(0.0f, RGBAClass());

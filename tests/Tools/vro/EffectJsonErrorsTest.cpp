@@ -61,7 +61,7 @@ TEST(EffectJsonErrors, NameTheirPlaceAndReason)
         // The text itself.
         {"nothing", "", "/", "unexpected end of input"},
         {"half a document", R"({"name": "a", "renderables": [{"name": )", "/renderables/0/name", "unexpected end"},
-        {"a comma too much", R"({"renderables": [1,]})", "/renderables/0", "column 19"},
+        {"a comma too much", R"({"renderables": [1,]})", "/renderables/0", "column 20"},
         {"two documents", "{} {}", "/", "expected end of input"},
         {"a lone surrogate", R"({"name": "\ud800"})", "/name", "surrogate"},
         {"bytes that are no UTF-8", "{\"name\": \"\xff\"}", "/name", "ill-formed UTF-8"},
@@ -136,6 +136,9 @@ TEST(EffectJsonErrors, NameTheirPlaceAndReason)
          VALUE + "/keys/0/1", "expected a number"},
         {"two keys of one time", Modifier_Value("Keyed Uniform Size", "Size", R"({"keys": [[0, 1], [-0.0, 2]]})"),
          VALUE + "/keys/1", "already"},
+        {"a time that is no number beside another",
+         Modifier_Value("Keyed Uniform Size", "Size", R"({"keys": [[0, 1], ["nan", 2]]})"), VALUE + "/keys/1",
+         "stands alone"},
         // The list of texts in Windows-1252.
         {"a character that the page lacks", R"({"windows_1252": ["/name"], "name": "\u03b1"})", "/name",
          "Windows-1252"},

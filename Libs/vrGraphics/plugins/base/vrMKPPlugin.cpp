@@ -9,7 +9,7 @@
 #include "MKLib/File/File.h"
 #include "MKLib/Parameters/Parameter.h"
 
-#include <cstdio>
+#include <atomic>
 #include <iterator>
 #include <string>
 
@@ -46,14 +46,27 @@ constexpr CategoryStruct CATEGORIES[] = {
 };
 static_assert(std::size(CATEGORIES) == vrMKPPlugin::CATEGORY_COUNT);
 
+/// What the parameters of each kind take, from the first one that was made.
+struct ParameterSizeStruct
+{
+    std::atomic<uint32_t> Count{0};
+    std::atomic<uint32_t> Bytes{0};
+};
+ParameterSizeStruct ParameterSizes[VRMKP_PLUGIN_COUNT];
+
 } // namespace
 
 vrMKPPlugin *vrMKPPlugin::Create_Plugin(uint32_t id)
 {
     vrMKPSharedTables::Get();
     if (id >= VRMKP_PLUGIN_COUNT) return nullptr;
+    ParameterSizeStruct &size = ParameterSizes[id];
+    const ExpectedParameters expected(size.Count.load(std::memory_order_relaxed),
+                                      size.Bytes.load(std::memory_order_relaxed));
     vrMKPPlugin *plugin = Find_Plugin_Info(static_cast<int>(id))->Make();
     plugin->PluginClass = static_cast<Plugin>(id);
+    size.Count.store(static_cast<uint32_t>(plugin->Parameters.Get_Parameter_Count()), std::memory_order_relaxed);
+    size.Bytes.store(static_cast<uint32_t>(plugin->Parameters.Get_Storage_Size()), std::memory_order_relaxed);
     return plugin;
 }
 
