@@ -129,7 +129,10 @@ bool ChunkFileReaderClass::Implementation::Read_Chunk_Header(ChunkHeader &header
     uint32_t words[2];
     uint32_t taken = 0;
     InputStream &stream = Is_Sectioned() ? ChunkStream : DataStream;
-    if (!Take(stream, words, sizeof(words), taken)) {
+    if (stream.Available >= sizeof(words)) {
+        std::memcpy(words, stream.Window, sizeof(words));
+        stream.Advance(sizeof(words));
+    } else if (!Take(stream, words, sizeof(words), taken)) {
         const bool isClean = StackIndex == 0 && taken == 0;
         const bool isCut =
             CompressionMode == COMPRESSION_ZLIB && !Is_Sectioned() && !stream.HasEnded && Header.Section.DataSize > 0;
@@ -189,12 +192,29 @@ void ChunkFileReaderClass::Implementation::Report_Inconsistent()
            File_Name(), static_cast<int>(StackIndex));
 }
 
+/// Passes over the next leaves of the top chunk that lie in the window as a whole, without opening each.
+void ChunkFileReaderClass::Implementation::Skip_Leaves_In_Window()
+{
+    if (Is_Sectioned() || !Native || HasFailed) return;
+    const uint32_t count = Stack[StackIndex - 1].Get_Size();
+    uint32_t &closed = ClosedCounts[StackIndex - 1];
+    ChunkHeader header;
+    static_assert(sizeof(header) == 8);
+    while (closed < count && DataStream.Available >= sizeof(header)) {
+        std::memcpy(&header, DataStream.Window, sizeof(header));
+        if (header.Contains_Chunks() || DataStream.Available - sizeof(header) < header.Get_Size()) return;
+        DataStream.Advance(sizeof(header) + header.Get_Size());
+        ++closed;
+    }
+}
+
 /// Closes chunks until `depth` are left open, with all that they still hold.
 bool ChunkFileReaderClass::Implementation::Skip_Tree(uint32_t depth)
 {
     bool closed = true;
     while (StackIndex > depth) {
         const ChunkHeader &top = Stack[StackIndex - 1];
+        if (top.Contains_Chunks()) Skip_Leaves_In_Window();
         if (!top.Contains_Chunks() || ClosedCounts[StackIndex - 1] >= top.Get_Size()) {
             closed = Close_Top_Chunk() && closed;
         } else if (!Open_Next_Chunk()) {

@@ -100,7 +100,8 @@ bool ChunkFileReaderClass::Implementation::Inflate(InputStream &stream)
     stream.Inflated += stream.Available;
     if (stream.Inflated > BOMB_BYTES && stream.Inflated / BOMB_RATIO > stream.Compressed) {
         MK_LOG(ChunkFileLog, LogLevel::Error, "ChunkFileReader - %s inflates to over %u MiB from %u KiB: refused\n",
-               File_Name(), static_cast<unsigned>(stream.Inflated >> 20), static_cast<unsigned>(stream.Compressed >> 10));
+               File_Name(), static_cast<unsigned>(stream.Inflated >> 20),
+               static_cast<unsigned>(stream.Compressed >> 10));
         Fail();
         return false;
     }

@@ -135,6 +135,33 @@ TEST(ParameterForms, ACurveReadsBothForms)
     EXPECT_FALSE(curve.Is_Spline());
 }
 
+TEST(ParameterForms, ACurveLoadsInOrderOfTimeWhateverTheFiles)
+{
+    constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
+    KeyedFloatParameterClass curve("k", "");
+    ASSERT_TRUE(Load(curve, Curve_File(5, false, {{2, 20}, {0, 1}, {2, 99}, {NOT_A_NUMBER, 5}, {1, 10}}), Form::Chunked));
+    std::vector<std::pair<float, float>> keys;
+    for (const auto &key : curve.Get_Keys()) keys.emplace_back(key.Time, key.Value);
+    EXPECT_EQ(keys, (std::vector<std::pair<float, float>>{{0, 1}, {1, 10}, {2, 20}}));
+    ASSERT_TRUE(Load(curve, Curve_File(2, false, {{NOT_A_NUMBER, 5}, {1, 10}}), Form::Chunked));
+    ASSERT_EQ(curve.Get_Key_Count(), 1);
+    EXPECT_EQ(curve.Get_Keys()[0].Value, 5.0f);
+}
+
+TEST(ParameterForms, ALongCurveThatRunsBackwardsLoadsInNoTime)
+{
+    // Each key used to be put in front of all the others, which took hours for a file of a few megabytes.
+    constexpr uint32_t COUNT = 1000000;
+    const Bytes file = Chunk_File(0, [](ChunkFileWriterClass &writer) {
+        writer.Write_UInt32(COUNT);
+        for (uint32_t left = COUNT; left > 0; --left) Write_Keys(writer, {{static_cast<float>(left), 0.0f}});
+    });
+    KeyedFloatParameterClass curve("k", "");
+    ASSERT_TRUE(Load(curve, file, Form::Plain));
+    EXPECT_EQ(curve.Get_Key_Count(), static_cast<int>(COUNT));
+    EXPECT_EQ(curve.Get_Keys().front().Time, 1.0f);
+}
+
 TEST(ParameterForms, ACountNeverReachesPastItsChunk)
 {
     const struct
