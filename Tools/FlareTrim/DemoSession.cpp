@@ -29,6 +29,7 @@ const std::vector<std::string> COLUMNS = {"Modified",
 
 /// How many effects the level-of-detail edit takes in at once.
 constexpr size_t EDITED_EMITTERS = 5;
+constexpr size_t NAME_WIDTH = 34;
 
 std::string Row_Name(const ParticleData &row) { return row.Get_EmitterName() + ":" + row.Get_ParticleName(); }
 
@@ -42,6 +43,13 @@ std::map<std::string, std::vector<std::string>> Snapshot(HeadlessBindingSource &
             row.push_back(property.Get(*source.Get_Row(index)));
     }
     return values;
+}
+
+/// The text and blanks up to a width in characters, whatever their bytes.
+std::string Padded(const std::string &text, size_t width)
+{
+    const auto characters = std::count_if(text.begin(), text.end(), [](char byte) { return (byte & 0xc0) != 0x80; });
+    return text + std::string(width - std::min(width, static_cast<size_t>(characters)), ' ');
 }
 
 /// One line a row that differs. The slider scales and the negated flag follow from the values that are shown.
@@ -59,7 +67,7 @@ void Print_Changes(const std::map<std::string, std::vector<std::string>> &before
                 continue;
             changes += (changes.empty() ? "" : ", ") + property + " " + old->second[column] + " -> " + values[column];
         }
-        if (!changes.empty()) std::printf("  %-30s %s\n", name.c_str(), changes.c_str());
+        if (!changes.empty()) std::printf("  %s  %s\n", Padded(name, NAME_WIDTH).c_str(), changes.c_str());
     }
 }
 
