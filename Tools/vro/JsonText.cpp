@@ -1,5 +1,6 @@
 #include "vro/JsonText.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -11,6 +12,8 @@ namespace
 {
 
 constexpr size_t LINE_WIDTH = 120;
+/// Levels that a line may hold: an object of arrays of arrays.
+constexpr int LINE_DEPTH = 3;
 
 std::string Float_Text(double value)
 {
@@ -27,51 +30,77 @@ std::string Float_Text(double value)
     return text;
 }
 
-int Depth(const Json &value)
+void Append_Text(const std::string &value, std::string &text)
 {
-    int deepest = 0;
-    if (value.is_structured())
-        for (const Json &child : value) deepest = std::max(deepest, 1 + Depth(child));
-    return deepest;
+    const auto isPlain = [](char letter) { return letter >= 0x20 && letter != '"' && letter != '\\'; };
+    if (std::all_of(value.begin(), value.end(), isPlain))
+        text.append(1, '"').append(value).append(1, '"');
+    else
+        text += Json(value).dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
-std::string Line_Text(const Json &value)
+void Append_Scalar(const Json &value, std::string &text)
 {
-    if (value.is_number_float()) return Float_Text(value.get<double>());
-    if (!value.is_structured()) return value.dump(-1, ' ', false, Json::error_handler_t::replace);
-    std::string text;
-    for (const auto &item : value.items()) {
-        if (!text.empty()) text += ", ";
-        if (value.is_object()) text += Json(item.key()).dump() + ": ";
-        text += Line_Text(item.value());
+    if (value.is_number_float())
+        text += Float_Text(value.get<double>());
+    else if (value.is_string())
+        Append_Text(value.get_ref<const std::string &>(), text);
+    else
+        text += value.dump();
+}
+
+/// Appends the value in one line. False, with `text` in any state, when it would pass `limit` characters or hold more
+/// levels than `depth`.
+bool Append_Line(const Json &value, int depth, size_t limit, std::string &text)
+{
+    if (!value.is_structured()) {
+        Append_Scalar(value, text);
+    } else if (value.empty()) {
+        text += value.is_object() ? "{}" : "[]";
+    } else {
+        if (depth == 0) return false;
+        bool first = true;
+        text += value.is_object() ? "{ " : "[";
+        for (auto item = value.begin(); item != value.end(); ++item) {
+            if (!first) text += ", ";
+            first = false;
+            if (value.is_object()) {
+                Append_Text(item.key(), text);
+                text += ": ";
+            }
+            if (!Append_Line(*item, depth - 1, limit, text)) return false;
+        }
+        text += value.is_object() ? " }" : "]";
     }
-    if (value.is_array()) return "[" + text + "]";
-    return text.empty() ? "{}" : "{ " + text + " }";
+    return text.size() <= limit;
 }
 
+/// `column` is where in its line the value starts.
 void Append(const Json &value, size_t indent, size_t column, std::string &text)
 {
-    if (Depth(value) <= 3) {
-        const std::string line = Line_Text(value);
-        if (column + line.size() <= LINE_WIDTH || !value.is_structured()) {
-            text += line;
-            return;
-        }
+    if (!value.is_structured()) {
+        Append_Scalar(value, text);
+        return;
     }
-    const bool isObject = value.is_object();
-    text += isObject ? "{\n" : "[\n";
+    const size_t start = text.size();
+    if (Append_Line(value, LINE_DEPTH, start + LINE_WIDTH - column, text)) return;
+    text.resize(start);
     bool first = true;
-    for (const auto &item : value.items()) {
+    text += value.is_object() ? "{\n" : "[\n";
+    for (auto item = value.begin(); item != value.end(); ++item) {
         if (!first) text += ",\n";
         first = false;
-        std::string start(indent + 2, ' ');
-        if (isObject) start += Json(item.key()).dump() + ": ";
-        text += start;
-        Append(item.value(), indent + 2, start.size(), text);
+        const size_t lineStart = text.size();
+        text.append(indent + 2, ' ');
+        if (value.is_object()) {
+            Append_Text(item.key(), text);
+            text += ": ";
+        }
+        Append(*item, indent + 2, text.size() - lineStart, text);
     }
     text += '\n';
     text.append(indent, ' ');
-    text += isObject ? '}' : ']';
+    text += value.is_object() ? '}' : ']';
 }
 
 } // namespace

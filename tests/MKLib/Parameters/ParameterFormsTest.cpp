@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include <limits>
 #include <numeric>
 
 using testing::ElementsAre;
