@@ -23,6 +23,8 @@ public:
     /// Both return the new count; `Release_Ref` at 0 marks the object as dying, ends it and returns 0. Any thread.
     int32_t Add_Ref() const;
     int32_t Release_Ref() const;
+    /// The first reference of an object that no other thread can know yet; expects a count of 0.
+    void Claim_Fresh() const { RefCount.store(1, std::memory_order_relaxed); }
     /// Takes one reference back without ending the object at 0; only for handing a fresh object on.
     void Drop_Ref() const { RefCount.fetch_sub(1, std::memory_order_relaxed); }
     int32_t Get_Ref_Count() const { return RefCount.load(std::memory_order_relaxed); }
@@ -38,6 +40,14 @@ public:
     SmartPtr() = default;
     SmartPtr(std::nullptr_t) {}
     SmartPtr(T *object) : Object(object) { Acquire(Object); }
+    /// Takes an object that was just made: see `Claim_Fresh`.
+    static SmartPtr Of_Fresh(T *object)
+    {
+        SmartPtr owner;
+        owner.Object = object;
+        object->Claim_Fresh();
+        return owner;
+    }
     SmartPtr(const SmartPtr &other) : Object(other.Object) { Acquire(Object); }
     SmartPtr(SmartPtr &&other) noexcept : Object(other.Object) { other.Object = nullptr; }
     template <typename U, typename = std::enable_if_t<std::is_convertible_v<U *, T *>>>

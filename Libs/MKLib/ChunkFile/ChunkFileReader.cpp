@@ -192,6 +192,17 @@ void ChunkFileReaderClass::Implementation::Report_Inconsistent()
            File_Name(), static_cast<int>(StackIndex));
 }
 
+/// Pops the top chunk when it has a parent and nothing is left of it, as is the rule after a load. False otherwise.
+bool ChunkFileReaderClass::Implementation::Close_Read_Chunk()
+{
+    if (StackIndex < 2 || LeafLeft > 0 || HasFailed) return false;
+    const uint32_t top = StackIndex - 1;
+    if (Stack[top].Contains_Chunks() && ClosedCounts[top] < Stack[top].Get_Size()) return false;
+    StackIndex = top;
+    ++ClosedCounts[top - 1];
+    return true;
+}
+
 /// Passes over the next leaves of the top chunk that lie in the window as a whole, without opening each.
 void ChunkFileReaderClass::Implementation::Skip_Leaves_In_Window()
 {
@@ -290,7 +301,7 @@ bool ChunkFileReaderClass::Close_Chunk()
     if (!MK_VERIFY(Impl->Initialized, "Initialized")) return false;
     if (!MK_VERIFY(!Impl->InMicroChunk, "!InMicroChunk")) Close_Micro_Chunk();
     if (!MK_VERIFY(Impl->StackIndex > 0, "StackIndex > 0")) return false;
-    return Impl->Skip_Tree(Impl->StackIndex - 1);
+    return Impl->Close_Read_Chunk() || Impl->Skip_Tree(Impl->StackIndex - 1);
 }
 
 uint32_t ChunkFileReaderClass::Cur_Chunk_ID() const

@@ -53,6 +53,7 @@ struct ChunkFileReaderClass::Implementation
     bool Open_Next_Chunk();
     bool Close_Top_Chunk();
     void Report_Inconsistent();
+    bool Close_Read_Chunk();
     void Skip_Leaves_In_Window();
     bool Skip_Tree(uint32_t depth);
 

@@ -149,16 +149,16 @@ bool KeyedParameterClass<T, Type>::Load_Keys(ChunkFile::ChunkFileReaderClass &re
                reader.Get_File_Name().c_str(), this->Get_Name(), count, reader.Cur_Chunk_Remaining());
         return false;
     }
-    std::vector<KeyStruct> read(count);
-    size_t whole = 0;
-    while (whole < count && reader.Read_Float(read[whole].Time) && ParameterValues::Read(reader, read[whole].Value))
-        ++whole;
-    read.resize(whole);
+    std::vector<KeyStruct> read;
+    read.reserve(std::min(count, ParameterValues::MAX_UNREAD_ENTRIES));
+    KeyStruct next{};
+    while (read.size() < count && reader.Read_Float(next.Time) && ParameterValues::Read(reader, next.Value))
+        read.push_back(next);
     Sort_For_Adding(read);
     Clear_Keys();
-    Keys.reserve(whole);
+    Keys.reserve(read.size());
     for (const KeyStruct &key : read) Add_Key(key.Time, key.Value);
-    return whole == count;
+    return read.size() == count;
 }
 
 template <typename T, ParameterType Type>

@@ -118,7 +118,7 @@ T *ParameterListClass::Append(int32_t id, const Arguments &...arguments)
     T *parameter = new (Storage.Allocate(sizeof(T), place)) T(arguments...);
     parameter->Set_Storage_Place(place);
     parameter->Set_ID(id);
-    Add_Parameter(parameter);
+    Parameters.push_back(SmartPtr<ParameterClass>::Of_Fresh(parameter));
     return parameter;
 }
 

@@ -28,12 +28,17 @@ private:
     struct BlockStruct
     {
         BlockStruct *Previous;
-        std::atomic<uint32_t> Users; ///< the list, and each object in the block
+        /// The objects in the block that haven't ended, and while the list stands so many more that it can't get to 0;
+        /// the list tells what it made when it goes, which spares a locked step for each object.
+        std::atomic<uint32_t> Users;
+        uint32_t Made;
     };
     static constexpr size_t FIRST_BLOCK_SIZE = 512;
     static constexpr size_t MAX_BLOCK_SIZE = size_t{UINT16_MAX} * ALIGNMENT; ///< what a place can tell
 
-    static void Release(BlockStruct *block);
+    static constexpr uint32_t LIST_USERS = 1u << 30;
+
+    static void Release(BlockStruct *block, uint32_t users);
     void Add_Block(size_t size);
 
     BlockStruct *Last = nullptr;

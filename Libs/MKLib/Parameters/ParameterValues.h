@@ -10,6 +10,10 @@
 namespace ParameterValues
 {
 
+/// Entries of a list to make room for before any is read. A chunk's size is what the file says of it, and a damaged one
+/// may say anything.
+constexpr uint32_t MAX_UNREAD_ENTRIES = 256;
+
 inline bool Read(ChunkFileReaderClass &reader, bool &value)
 {
     return reader.Read_Bool(value);

@@ -3,6 +3,9 @@
 #include "MKLib/ChunkFile/ChunkFileReader.h"
 #include "MKLib/ChunkFile/ChunkFileWriter.h"
 #include "MKLib/MKDebug/Logger.h"
+#include "MKLib/Parameters/ParameterValues.h"
+
+#include <algorithm>
 
 static MKDebug::Logger ParameterLog("ParameterLog");
 
@@ -30,7 +33,7 @@ bool UVListParameterClass::Load_Plain(ChunkFile::ChunkFileReaderClass &reader)
         return false;
     }
     Value.clear();
-    Value.reserve(count);
+    Value.reserve(std::min(count, ParameterValues::MAX_UNREAD_ENTRIES));
     for (Vector4 rectangle{0.0f}; Value.size() < count; Value.push_back(rectangle))
         if (!reader.Read_Vector4(rectangle)) return false;
     return true;

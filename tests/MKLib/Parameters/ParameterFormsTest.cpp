@@ -4,8 +4,10 @@
 
 #include <gmock/gmock.h>
 
+#include <cstring>
 #include <limits>
 #include <numeric>
+#include <sys/resource.h>
 
 using testing::ElementsAre;
 using testing::ElementsAreArray;
@@ -197,6 +199,34 @@ TEST(ParameterForms, ACountNeverReachesPastItsChunk)
         EXPECT_EQ(static_cast<int>(list.Get_Value().size()), row.keysAfter) << row.what;
         EXPECT_EQ(list.Get_Value()[0].x, row.loads ? 0.0f : 7.0f) << row.what;
     }
+}
+
+long Greatest_Kilobytes()
+{
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
+
+TEST(ParameterForms, AChunkThatClaimsASizeGetsNoRoomForIt)
+{
+    const MKTest::Reports reports;
+    constexpr uint32_t COUNT = 0x04000000; // in entries of 8 and 16 bytes, half a gigabyte and a whole one
+    constexpr uint32_t CLAIM = 0x7fffffff;
+    constexpr size_t SIZE_OFFSET = 40; // in the chunk's header, behind the file's of 36 bytes
+    Bytes file = Chunk_File(0, [](ChunkFileWriterClass &writer) { writer.Write_UInt32(COUNT); });
+    std::memcpy(file.data() + SIZE_OFFSET, &CLAIM, sizeof(CLAIM));
+    const long before = Greatest_Kilobytes();
+
+    UVListParameterClass list("u", "");
+    EXPECT_FALSE(Load(list, file, Form::Plain));
+    EXPECT_LT(list.Get_Dynamic_Size(), 64u << 10);
+
+    KeyedFloatParameterClass curve("k", "");
+    EXPECT_FALSE(Load(curve, file, Form::Plain));
+    EXPECT_EQ(curve.Get_Key_Count(), 0);
+    EXPECT_LT(Greatest_Kilobytes() - before, 64 << 10);
+    EXPECT_EQ(reports.Count_Logs("ends before its data does"), 2) << "the claim wasn't believed\n" << reports.Get_Text();
 }
 
 /// The fields 1, 2, 3, ... as floats in file order behind the type: 19 of them up to the box, then `extras` more.
