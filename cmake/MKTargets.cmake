@@ -21,6 +21,8 @@ target_compile_options(MKOptions INTERFACE -Wall -Wextra -Werror -ffp-contract=o
 target_compile_options(MKOptions INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
 target_include_directories(MKOptions INTERFACE ${CMAKE_CURRENT_SOURCE_DIR}/Libs ${CMAKE_CURRENT_SOURCE_DIR}/Tools)
 if(MK_SANITIZE)
+  # What a sanitizer adds makes GCC 12 see uninitialised members in the standard library's own code.
+  target_compile_options(MKOptions INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_compile_options(MKOptions INTERFACE -fsanitize=${MK_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(MKOptions INTERFACE -fsanitize=${MK_SANITIZE})
 endif()

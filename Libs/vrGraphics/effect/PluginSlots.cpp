@@ -28,12 +28,10 @@ vrMKPLoadLimit::~vrMKPLoadLimit()
 
 bool vrMKPLoadLimit::Take(const ChunkFileReaderClass &reader)
 {
-    if (objectCount < MAX_OBJECTS) return ++objectCount, true;
-    if (objectCount++ == MAX_OBJECTS) {
-        MK_LOG(ParticleLog, MKDebug::LogLevel::Error, "%s: more than %d renderables, layers and plugins",
-               reader.Get_File_Name().c_str(), MAX_OBJECTS);
-    }
-    objectCount = MAX_OBJECTS + 1;
+    if (Is_Exceeded()) return false;
+    if (++objectCount <= MAX_OBJECTS) return true;
+    MK_LOG(ParticleLog, MKDebug::LogLevel::Error, "%s: more than %d renderables, layers and plugins",
+           reader.Get_File_Name().c_str(), MAX_OBJECTS);
     return false;
 }
 

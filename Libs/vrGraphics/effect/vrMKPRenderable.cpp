@@ -57,7 +57,6 @@ void vrMKPRenderable::Finish_Load()
     Set_Always_Simulate(AlwaysSimulate);
 }
 
-/// Settles what each instance draws for itself.
 void vrMKPRenderable::Seed_Instance()
 {
     RandomSeed = BaseRandomSeed != 0 ? BaseRandomSeed : nextSeed.fetch_add(1, std::memory_order_relaxed);

@@ -34,7 +34,7 @@ public:
     {
         EMITTER_HAS_TELLING_RENDERABLE = 0x01, ///< a renderable has STATE_TELLS_EMITTER
         EMITTER_HAS_MARKED_RENDERABLE = 0x02,
-        EMITTER_LAST_GROUP_TELLS = 0x04, ///< the last renderable is a group with GROUP_STATE_TELLS_EMITTER
+        EMITTER_LAST_GROUP_TELLS = 0x04, ///< a group behind the last model has GROUP_STATE_TELLS_EMITTER
         EMITTER_DRIVER_TINTS_ALPHA = 0x10,
         EMITTER_ALWAYS_SIMULATES = 0x20, ///< a renderable does
         EMITTER_HOLDS_REMOVAL_OFF = 0x40

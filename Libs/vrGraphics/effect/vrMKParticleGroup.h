@@ -16,7 +16,7 @@ public:
     /// Bits of the group's states.
     enum ParticleGroupStateFlags : uint8_t
     {
-        GROUP_STATE_TELLS_EMITTER = 0x1, ///< a load of the emitter notes in its flags whether its last group has it
+        GROUP_STATE_TELLS_EMITTER = 0x1, ///< behind the last model, a load of the emitter notes it in its flags
         GROUP_STATE_NEEDS_CAMERA = 0x4   ///< some layer is placed anew for each view
     };
 

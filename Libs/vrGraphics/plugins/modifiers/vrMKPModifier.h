@@ -9,7 +9,4 @@
 /// The base of all modifiers. It has no parameters of its own.
 class vrMKPModifier : public vrMKPPlugin
 {
-public:
-    /// Called when the plugin's parameters were loaded or cloned.
-    virtual bool Post_Load() { return true; }
 };
