@@ -10,8 +10,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-/// Builds an effect from any bytes. What is taken has to survive: a document told again is the same text, and what a file
-/// of it holds is told, built and saved to the same text and the same bytes.
+/// Builds an effect from any bytes. What is taken has to survive: a document told again is the same text, and what a
+/// file of it holds is told, built and saved to the same text and the same bytes.
 
 namespace
 {

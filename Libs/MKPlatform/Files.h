@@ -42,10 +42,12 @@ std::string To_System_Path(std::string_view enginePath);
 /// INVALID_FILE on failure, with the system's error number in `error` when given. A write to a file with the read-only
 /// attribute is refused for every user.
 FileHandle File_Open(std::string_view enginePath, FileAccess access, int *error = nullptr);
-bool File_Close(FileHandle handle);
+/// False when bytes that were written before didn't reach the disk; the handle is gone all the same.
+bool File_Close(FileHandle handle, int *error = nullptr);
 /// Bytes moved (fewer at the end of a file or on a full disk), or -1 on failure.
 int64_t File_Read(FileHandle handle, void *buffer, int64_t size);
-int64_t File_Write(FileHandle handle, const void *buffer, int64_t size);
+/// `error`, when given, gets the system's error number when not all was written, and 0 otherwise.
+int64_t File_Write(FileHandle handle, const void *buffer, int64_t size, int *error = nullptr);
 /// The new position, or -1.
 int64_t File_Seek(FileHandle handle, int64_t offset, FileSeekOrigin origin);
 int64_t File_Size(FileHandle handle);

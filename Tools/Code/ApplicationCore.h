@@ -101,6 +101,7 @@ private:
     void Scan_Emitter_Files_ProgressChanged(BackgroundWorker &worker, const ProgressChangedEventArgs &args);
     void Scan_Emitter_Files_RunWorkerCompleted(BackgroundWorker &worker, const RunWorkerCompletedEventArgs &args);
     bool Scan_File(const std::string &path);
+    void Forget_Namesake(const std::string &path);
     void Add_Rows(EmitterData &emitterData);
     void Subscribe_To_Particle_List();
     void Unsubscribe_From_Particle_List();

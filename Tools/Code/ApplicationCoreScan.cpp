@@ -10,6 +10,7 @@
 #include "MKLib/File/File.h"
 #include "MKLib/MKDebug/Logger.h"
 #include "MKPlatform/Files.h"
+#include "MKPlatform/Paths.h"
 #include "vrGraphics/assets/vrAssetManager.h"
 #include "vrGraphics/assets/vrThreadLoadManager.h"
 #include "vrGraphics/effect/vrMKPRenderable.h"
@@ -33,6 +34,15 @@ std::vector<std::string> List_Effect_Files(const std::string &workingDirectory)
         throw ScanError("The emitter files can't be listed. " + error);
     for (std::string &name : names) name.insert(0, directory + "/");
     return names;
+}
+
+/// The file object keeps the reason of a failed open to itself.
+std::string Reason_Of_Failed_Open(const std::string &path)
+{
+    int error = 0;
+    const MKPlatform::FileHandle file = MKPlatform::File_Open(path, MKPlatform::FILE_OPEN_GENERIC_READ, &error);
+    if (file != MKPlatform::INVALID_FILE) MKPlatform::File_Close(file);
+    return MKPlatform::Error_Text(error);
 }
 
 /// Walks the whole tree of the file. What isn't an emitter is a model, or no chunk file at all.
@@ -112,11 +122,13 @@ bool ApplicationCore::Scan_File(const std::string &path)
 {
     FileClass file;
     if (!file.Open(path, MKPlatform::FILE_OPEN_GENERIC_READ)) {
-        MK_LOG(ScanLog, LogLevel::Error, "%s can't be opened: the scan ends here", path.c_str());
+        MK_LOG(ScanLog, LogLevel::Error, "%s can't be opened: %s. The scan ends here", path.c_str(),
+               Reason_Of_Failed_Open(path).c_str());
         return false;
     }
     if (!Is_Emitter_File(file)) return true;
 
+    Forget_Namesake(path);
     const SmartPtr<vrRenderable> renderable =
         assetManager->Create_Renderable(ShellUtil::New_Std_String(path).c_str(), true, true);
     vrMKParticleEmitter *emitter = MK_Dynamic_Cast<vrMKParticleEmitter>(renderable.Get());
@@ -129,6 +141,18 @@ bool ApplicationCore::Scan_File(const std::string &path)
     Add_Rows(*emitterList->back());
     file.Close();
     return true;
+}
+
+/// To the asset manager names that differ in case alone are one asset. The later file would get the earlier one's
+/// content, and a save would write that over it.
+void ApplicationCore::Forget_Namesake(const std::string &path)
+{
+    const auto *namesake = MK_Dynamic_Cast<vrMKParticleEmitter>(
+        assetManager->Find_Prototype(MK::Lowered(MKPlatform::Path_Base_Name(path))));
+    if (!namesake) return;
+    MK_LOG(ScanLog, LogLevel::Warning, "%s and the file of emitter %s have one asset name: each is read for itself",
+           path.c_str(), namesake->Get_Name().c_str());
+    assetManager->Free_All_Assets();
 }
 
 void ApplicationCore::Add_Rows(EmitterData &emitterData)

@@ -168,11 +168,11 @@ bool Write_File(const std::string &path, const std::string &text)
         return false;
     }
     const int64_t size = static_cast<int64_t>(text.size());
-    const int64_t written = MKPlatform::File_Write(file, text.data(), size);
-    const bool closed = MKPlatform::File_Close(file);
-    if (written == size && closed) return true;
-    MK_LOG(SettingsLog, MKDebug::LogLevel::Error, "%s: %lld of %lld bytes reached the disk", path.c_str(),
-           static_cast<long long>(written), static_cast<long long>(size));
+    const bool written = MKPlatform::File_Write(file, text.data(), size, &error) == size;
+    const bool closed = MKPlatform::File_Close(file, written ? &error : nullptr);
+    if (written && closed) return true;
+    MK_LOG(SettingsLog, MKDebug::LogLevel::Error, "%s can't be written in full: %s", path.c_str(),
+           MKPlatform::Error_Text(error).c_str());
     return false;
 }
 

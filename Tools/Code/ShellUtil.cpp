@@ -6,6 +6,8 @@
 #include "MKPlatform/Processes.h"
 
 #include <cstdint>
+#include <filesystem>
+#include <system_error>
 
 namespace ShellUtil
 {
@@ -86,15 +88,27 @@ bool File_Is_Read_Only(const std::string &path)
     return MKPlatform::File_Is_Read_Only(path);
 }
 
-void Recursive_Search_For_Files(const std::string &directory, const std::string &pattern,
-                                std::vector<std::string> &list)
+namespace
+{
+
+/// Whether a link leads back to a directory on the way to it.
+bool Leads_Back(const std::string &directory, const std::vector<std::string> &way)
+{
+    std::error_code failure;
+    for (const std::string &above : way)
+        if (std::filesystem::equivalent(directory, above, failure)) return true;
+    return false;
+}
+
+/// `way` holds the directories above this one.
+void Search_Level(const std::string &directory, const std::string &pattern, std::vector<std::string> &way,
+                  std::vector<std::string> &list)
 {
     std::vector<std::string> names;
     std::string error;
-    const std::string prefix = MKPlatform::To_System_Path(directory) + "/";
     bool listed = MKPlatform::List_Files(directory, pattern, names, &error);
     if (listed) {
-        for (const std::string &name : names) list.push_back(prefix + name);
+        for (const std::string &name : names) list.push_back(directory + "/" + name);
         listed = MKPlatform::List_Directories(directory, names, &error);
     }
     if (!listed) {
@@ -102,7 +116,20 @@ void Recursive_Search_For_Files(const std::string &directory, const std::string 
                                                      "Error");
         return;
     }
-    for (const std::string &name : names) Recursive_Search_For_Files(prefix + name, pattern, list);
+    way.push_back(directory);
+    for (const std::string &name : names)
+        if (const std::string below = directory + "/" + name; !Leads_Back(below, way))
+            Search_Level(below, pattern, way, list);
+    way.pop_back();
+}
+
+} // namespace
+
+void Recursive_Search_For_Files(const std::string &directory, const std::string &pattern,
+                                std::vector<std::string> &list)
+{
+    std::vector<std::string> way;
+    Search_Level(MKPlatform::To_System_Path(directory), pattern, way, list);
 }
 
 bool Is_Identifier_Char(char c)

@@ -30,8 +30,8 @@ bool Check_Out(const std::string &path);
 bool Revert(const std::string &path);
 bool File_Is_Read_Only(const std::string &path); ///< false for a missing file
 
-/// Appends the paths of the directory's files that match `pattern`, and then those of each sub-directory. An error is
-/// told in a message box and ends its level.
+/// Appends the paths of the directory's files that match `pattern`, and then those of each sub-directory, but for links
+/// that lead back to a directory on the way to them. An error is told in a message box and ends its level.
 void Recursive_Search_For_Files(const std::string &directory, const std::string &pattern,
                                 std::vector<std::string> &list);
 /// Appends an entry for each line that holds `text`. Only the first occurrence in a line is tested. `wordStart` rejects

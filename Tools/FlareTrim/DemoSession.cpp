@@ -10,6 +10,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace
@@ -33,12 +34,16 @@ constexpr size_t NAME_WIDTH = 34;
 
 std::string Row_Name(const ParticleData &row) { return row.Get_EmitterName() + ":" + row.Get_ParticleName(); }
 
-/// Every property of every row, as text.
-std::map<std::string, std::vector<std::string>> Snapshot(HeadlessBindingSource &source)
+/// Every property of every row, as text. Layers of one name are told apart by their order.
+using Rows = std::map<std::pair<std::string, int>, std::vector<std::string>>;
+
+Rows Snapshot(HeadlessBindingSource &source)
 {
-    std::map<std::string, std::vector<std::string>> values;
+    Rows values;
+    std::map<std::string, int> namesakes;
     for (int index = 0; index < source.Get_Count(); ++index) {
-        auto &row = values[Row_Name(*source.Get_Row(index))];
+        const std::string name = Row_Name(*source.Get_Row(index));
+        auto &row = values[{name, namesakes[name]++}];
         for (const ParticleProperty &property : Get_Particle_Properties())
             row.push_back(property.Get(*source.Get_Row(index)));
     }
@@ -53,11 +58,10 @@ std::string Padded(const std::string &text, size_t width)
 }
 
 /// One line a row that differs. The slider scales and the negated flag follow from the values that are shown.
-void Print_Changes(const std::map<std::string, std::vector<std::string>> &before,
-                   const std::map<std::string, std::vector<std::string>> &after)
+void Print_Changes(const Rows &before, const Rows &after)
 {
-    for (const auto &[name, values] : after) {
-        const auto old = before.find(name);
+    for (const auto &[row, values] : after) {
+        const auto old = before.find(row);
         if (old == before.end()) continue;
         std::string changes;
         for (size_t column = 0; column < values.size(); ++column) {
@@ -67,7 +71,7 @@ void Print_Changes(const std::map<std::string, std::vector<std::string>> &before
                 continue;
             changes += (changes.empty() ? "" : ", ") + property + " " + old->second[column] + " -> " + values[column];
         }
-        if (!changes.empty()) std::printf("  %s  %s\n", Padded(name, NAME_WIDTH).c_str(), changes.c_str());
+        if (!changes.empty()) std::printf("  %s  %s\n", Padded(row.first, NAME_WIDTH).c_str(), changes.c_str());
     }
 }
 

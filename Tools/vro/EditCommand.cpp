@@ -42,7 +42,10 @@ bool Is_Refusal(const ShownMessageBox &box)
     return box.Icon == MessageBoxIcon::Error || box.Answer == DialogResult::No || box.Answer == DialogResult::Cancel;
 }
 
-bool Has_Heat(const ParticleData &row) { return row.Get_UsesHeatVisualizer(); }
+bool Has_Heat(const ParticleData &row)
+{
+    return row.Get_UsesHeatVisualizer();
+}
 
 bool Has_Scene_Lighting(const ParticleData &row)
 {

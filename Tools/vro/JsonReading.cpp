@@ -18,7 +18,8 @@ constexpr size_t MAXIMUM_KEYS = 64;
     throw JsonError(pointer, std::string("expected ") + what + ", found " + value.type_name());
 }
 
-template <typename T> T Read_Integer(const Json &value, const std::string &pointer)
+template <typename T>
+T Read_Integer(const Json &value, const std::string &pointer)
 {
     if (!value.is_number_integer()) Expected("a whole number", value, pointer);
     // Unsigned numbers beyond the signed range would wrap when read as signed ones.
@@ -121,7 +122,10 @@ std::string Member_Pointer(const std::string &pointer, const std::string &key)
     return result;
 }
 
-std::string Item_Pointer(const std::string &pointer, size_t index) { return pointer + '/' + std::to_string(index); }
+std::string Item_Pointer(const std::string &pointer, size_t index)
+{
+    return pointer + '/' + std::to_string(index);
+}
 
 ObjectReader::ObjectReader(const Json &value, std::string pointer) : Object(value), ObjectPointer(std::move(pointer))
 {
@@ -147,9 +151,15 @@ bool Read_Bool(const Json &value, const std::string &pointer)
     return value.get<bool>();
 }
 
-int32_t Read_Int32(const Json &value, const std::string &pointer) { return Read_Integer<int32_t>(value, pointer); }
+int32_t Read_Int32(const Json &value, const std::string &pointer)
+{
+    return Read_Integer<int32_t>(value, pointer);
+}
 
-uint32_t Read_UInt32(const Json &value, const std::string &pointer) { return Read_Integer<uint32_t>(value, pointer); }
+uint32_t Read_UInt32(const Json &value, const std::string &pointer)
+{
+    return Read_Integer<uint32_t>(value, pointer);
+}
 
 float Read_Float(const Json &value, const std::string &pointer)
 {

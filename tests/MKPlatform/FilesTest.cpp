@@ -137,6 +137,8 @@ TEST(Files, AFullDiskIsTold)
 {
     const FileHandle file = File_Open("/dev/full", FILE_OPEN_GENERIC_WRITE);
     if (file == INVALID_FILE) GTEST_SKIP() << "no /dev/full here";
-    EXPECT_EQ(File_Write(file, "x", 1), -1);
+    int error = 0;
+    EXPECT_EQ(File_Write(file, "x", 1, &error), -1);
+    EXPECT_EQ(Error_Text(error), "No space left on device");
     File_Close(file);
 }

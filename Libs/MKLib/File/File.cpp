@@ -128,7 +128,10 @@ bool FileClass::Open_In_Archive(std::string_view name, int megafileHandle)
 
 void FileClass::Close()
 {
-    if (OpenDiskFileHandle != INVALID_FILE) File_Close(OpenDiskFileHandle);
+    int error = 0;
+    if (OpenDiskFileHandle != INVALID_FILE && !File_Close(OpenDiskFileHandle, &error))
+        MK_LOG(FileLog, LogLevel::Error, "FileClass::Close - Not all of %s reached the disk: %s\n", FileName.c_str(),
+               Error_Text(error).c_str());
     if (IsInMegaFile && TheMegaFileManager) TheMegaFileManager->Subfile_Close(OpenInMegaFileHandle);
     if (CachedFile) CachedFile->Release_Ref();
     OpenDiskFileHandle = INVALID_FILE;
@@ -190,10 +193,12 @@ int64_t FileClass::Write(const void *buffer, int64_t size)
                    "== MKPlatform::FILE_OPEN_WRITE_APPEND") ||
         size < 0)
         return -1;
-    const int64_t written = File_Write(OpenDiskFileHandle, buffer, size);
+    int error = 0;
+    const int64_t written = File_Write(OpenDiskFileHandle, buffer, size, &error);
     if (written != size)
-        MK_LOG(FileLog, LogLevel::Error, "FileClass::Write - Only %lld of %lld bytes could be written to %s\n",
-               static_cast<long long>(std::max<int64_t>(written, 0)), static_cast<long long>(size), FileName.c_str());
+        MK_LOG(FileLog, LogLevel::Error, "FileClass::Write - Only %lld of %lld bytes could be written to %s: %s\n",
+               static_cast<long long>(std::max<int64_t>(written, 0)), static_cast<long long>(size), FileName.c_str(),
+               Error_Text(error).c_str());
     return written;
 }
 

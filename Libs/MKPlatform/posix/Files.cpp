@@ -140,9 +140,11 @@ FileHandle File_Open(std::string_view enginePath, FileAccess access, int *error)
     return descriptor;
 }
 
-bool File_Close(FileHandle handle)
+bool File_Close(FileHandle handle, int *error)
 {
-    return close(handle) == 0 || errno == EINTR; // after EINTR the handle is gone all the same
+    const bool closed = close(handle) == 0 || errno == EINTR; // after EINTR the handle is gone all the same
+    if (error) *error = closed ? 0 : errno;
+    return closed;
 }
 
 int64_t File_Read(FileHandle handle, void *buffer, int64_t size)
@@ -151,10 +153,12 @@ int64_t File_Read(FileHandle handle, void *buffer, int64_t size)
                     [&](int64_t done, size_t left) { return read(handle, static_cast<char *>(buffer) + done, left); });
 }
 
-int64_t File_Write(FileHandle handle, const void *buffer, int64_t size)
+int64_t File_Write(FileHandle handle, const void *buffer, int64_t size, int *error)
 {
-    return Move_All(
+    const int64_t written = Move_All(
         size, [&](int64_t done, size_t left) { return write(handle, static_cast<const char *>(buffer) + done, left); });
+    if (error) *error = written == size ? 0 : errno;
+    return written;
 }
 
 int64_t File_Seek(FileHandle handle, int64_t offset, FileSeekOrigin origin)

@@ -147,7 +147,7 @@ TEST_F(FileOnDisk, AFullDiskFailsTheWriteAndNamesTheFile)
     FileClass file("/dev/full");
     if (!file.Open(FILE_OPEN_GENERIC_WRITE)) GTEST_SKIP() << "no /dev/full here";
     EXPECT_EQ(file.Write("data", 4), -1);
-    EXPECT_TRUE(Reported.Has_Log("Only 0 of 4 bytes could be written to /dev/full"));
+    EXPECT_TRUE(Reported.Has_Log("Only 0 of 4 bytes could be written to /dev/full: No space left on device"));
 }
 
 TEST_F(FileOnDisk, TheLockIsHeldOnlyInsideOfTheOperations)

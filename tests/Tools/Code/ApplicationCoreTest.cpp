@@ -154,8 +154,8 @@ TEST_F(RunToolTest, AMissingDirectoryEndsInTheExceptionBox)
 
 TEST_F(RunToolTest, TwoModifiedEmittersOfOneNameEndInTheExceptionBox)
 {
-    // Names of files that differ in case alone are one asset, and so one emitter name.
-    for (const char *name : {"work/Art/Models/FIRE.vro", "work/Art/Models/fire.vro"}) {
+    // An emitter's name is its file's without the extension.
+    for (const char *name : {"work/Art/Models/fire.VRO", "work/Art/Models/fire.vro"}) {
         directory.Write(name, "");
         Write_Emitter(directory / name, {Plain_Layer()});
     }
@@ -168,7 +168,7 @@ TEST_F(RunToolTest, TwoModifiedEmittersOfOneNameEndInTheExceptionBox)
         FAIL() << "the edit came back";
     });
     EXPECT_THAT(Last_Text(),
-                testing::AllOf(testing::StartsWith("Exception: "), HasSubstr("/FIRE.vro"), HasSubstr("/fire.vro")));
+                testing::AllOf(testing::StartsWith("Exception: "), HasSubstr("/fire.VRO"), HasSubstr("/fire.vro")));
 }
 
 TEST_F(RunToolTest, ASessionThatDoesntCloseTheFormSavesNoSettings)

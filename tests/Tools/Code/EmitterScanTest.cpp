@@ -175,6 +175,34 @@ TEST(EmitterScan, AnotherScanReadsTheFilesAnew)
     EXPECT_THAT(Row_Names(tool), ElementsAre("fire/new"));
 }
 
+TEST(EmitterScan, NamesThatDifferInCaseAloneStayFilesOfTheirOwn)
+{
+    // The later one once showed the earlier one's layers, and a save wrote those over it.
+    Tool tool;
+    tool.Add_Emitter("FIRE.vro", {Plain_Layer("upper")});
+    tool.Add_Emitter("fire.vro", {Plain_Layer("lower")});
+    tool.Scan();
+    ASSERT_THAT(Row_Names(tool), ElementsAre("FIRE/upper", "fire/lower"));
+    EXPECT_TRUE(tool.reports.Has_Log(tool.Model_Path("fire.vro") + " and the file of emitter FIRE"));
+    tool.Select({0, 1});
+    ASSERT_TRUE(tool.form->Edit_Current("GlobalLOD", "1"));
+    EXPECT_TRUE(tool.form->Click_Save_All());
+    tool.Scan();
+    EXPECT_THAT(Row_Names(tool), ElementsAre("FIRE/upper", "fire/lower"));
+    for (const int row : {0, 1}) EXPECT_EQ(tool.Row(row).Get_GlobalLOD(), GlobalLevelOfDetail::Low);
+}
+
+TEST(EmitterScan, AFileThatCannotBeOpenedEndsTheScanAndTellsWhy)
+{
+    Tool tool;
+    tool.Add_Emitter("fire.vro", {Plain_Layer()});
+    FileClass holder(tool.Model_Path("fire.vro"));
+    ASSERT_TRUE(holder.Open(MKPlatform::FILE_OPEN_EXCLUSIVE_READ));
+    EXPECT_FALSE(tool.core.Scan_Emitter_Files());
+    EXPECT_TRUE(tool.reports.Has_Log(tool.Model_Path("fire.vro") + " can't be opened: Device or resource busy"))
+        << tool.reports.Get_Text();
+}
+
 TEST(EmitterScan, RowsOutliveTheListThatTheyCameFrom)
 {
     Tool tool;

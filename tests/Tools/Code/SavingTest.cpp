@@ -214,6 +214,7 @@ TEST_F(Saving, AFullDiskReportsWhatTheEmitterSaysAndLogsTheFile)
     EXPECT_THAT(tool.Box_Texts(), IsEmpty());
     EXPECT_THAT(tool.Modified_Names(), IsEmpty());
     EXPECT_TRUE(tool.reports.Has_Log(fire + ": the file could not be written in full")) << tool.reports.Get_Text();
+    EXPECT_TRUE(tool.reports.Has_Log("could be written to " + fire + ": File too large"));
 }
 
 TEST_F(Saving, AnUnmodifiedRowEndsTheWholeHandler)

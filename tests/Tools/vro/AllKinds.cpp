@@ -64,8 +64,7 @@ void Change_Value(ParameterClass &parameter)
     }
     case ParameterType::String:
     case ParameterType::TextureName:
-    case ParameterType::ShaderName:
-        return static_cast<StringParameterClass &>(parameter).Set_Value("a\\b \"c\"\n\xe9");
+    case ParameterType::ShaderName: return static_cast<StringParameterClass &>(parameter).Set_Value("a\\b \"c\"\n\xe9");
     case ParameterType::KeyedRGBA:
         return Change_Curve<KeyedRGBAParameter>(parameter, RGBAClass{0.1f, 0.2f, 0.3f, 0.4f}, RGBAClass{1, 2, 3, 4});
     case ParameterType::KeyedFloat: return Change_Curve<KeyedFloatParameterClass>(parameter, 0.1f, -7.5f);
@@ -107,7 +106,8 @@ public:
         }
     }
 
-    template <typename Family> SmartPtr<Family> Take(vrMKPPlugin::PluginType family)
+    template <typename Family>
+    SmartPtr<Family> Take(vrMKPPlugin::PluginType family)
     {
         auto &plugins = Families[family];
         if (plugins.empty()) return nullptr;
@@ -150,8 +150,7 @@ void Change_Fields(vrMKPRenderable &renderable, Stock &stock)
     renderable.Set_Base_Random_Seed(-2147483647 - 1);
     renderable.Set_Physics(stock.Take<vrMKPRenderablePhysics>(vrMKPPlugin::RENDERABLE_PHYSICS_PLUGIN).Get());
     while (stock.Has(vrMKPPlugin::RENDERABLE_MODIFIER_PLUGIN))
-        renderable.Add_Modifier(
-            stock.Take<vrMKPRenderableModifier>(vrMKPPlugin::RENDERABLE_MODIFIER_PLUGIN).Get());
+        renderable.Add_Modifier(stock.Take<vrMKPRenderableModifier>(vrMKPPlugin::RENDERABLE_MODIFIER_PLUGIN).Get());
 }
 
 SmartPtr<vrMKPModel> Make_Model(Stock &stock)
@@ -192,8 +191,8 @@ SmartPtr<vrMKParticleEmitter> Make_Effect_Of_All_Kinds(int &count)
     const SmartPtr<vrMKParticleEmitter> emitter = new vrMKParticleEmitter;
     emitter->Set_Name("everything");
     emitter->Add_Renderable(Make_Model(stock).Get());
-    constexpr vrMKPPlugin::PluginType REST[] = {vrMKPPlugin::SPAWNER_PLUGIN, vrMKPPlugin::MODIFIER_PLUGIN,
-                                                vrMKPPlugin::STOMPER_PLUGIN, vrMKPPlugin::TRANSFORMER_PLUGIN,
+    constexpr vrMKPPlugin::PluginType REST[] = {vrMKPPlugin::SPAWNER_PLUGIN,    vrMKPPlugin::MODIFIER_PLUGIN,
+                                                vrMKPPlugin::STOMPER_PLUGIN,    vrMKPPlugin::TRANSFORMER_PLUGIN,
                                                 vrMKPPlugin::VISUALIZER_PLUGIN, vrMKPPlugin::RENDERABLE_PHYSICS_PLUGIN};
     for (const auto family : REST)
         while (stock.Has(family)) emitter->Add_Renderable(Make_Group(stock).Get());

@@ -112,16 +112,23 @@ TEST(CommandLine, BadInputEndsWithItsNameAndTheReason)
     {
         const char *file, *reason;
     } inputs[] = {
-        {"missing.vro", "No such file or directory"}, {"truncated.vro", "damaged"}, {"header.vro", "not a chunk file"},
-        {"empty.vro", "the file is empty"},           {"text.vro", "not a chunk file"},
+        {"missing.vro", "No such file or directory"},
+        {"truncated.vro", "damaged"},
+        {"header.vro", "not a chunk file"},
+        {"empty.vro", "the file is empty"},
+        {"text.vro", "not a chunk file"},
         {"model.vro", "not an emitter file: its first chunk is 0x100"},
         {"folder.vro", "director"}, // a command that takes directories says that it holds no emitter file
     };
     for (const auto &input : inputs) {
         const std::string said = "vro: " + std::string(input.file) + ": ";
-        for (const std::vector<std::string> &line : std::vector<std::vector<std::string>>{
-                 {"info", input.file}, {"dump", input.file}, {"check", input.file},
-                 {"rewrite", input.file, "-o", "out.vro"}, {"dump", input.file, "-o", "out.vro"}}) {
+        for (const std::vector<std::string> &line :
+             std::vector<std::vector<std::string>>{{"info", input.file},
+                                                   {"dump", input.file},
+                                                   {"check", input.file},
+                                                   {"rewrite", input.file, "-o", "out.vro"},
+                                                   {"dump", input.file, "-o", "out.vro"}})
+        {
             const Outcome outcome = shop.Vro(line);
             EXPECT_EQ(outcome.Code, 1) << line[0] << " " << input.file;
             EXPECT_THAT(outcome.Err, HasSubstr(said)) << line[0];
@@ -166,7 +173,8 @@ TEST(CommandLine, ADashStandsForTheStandardStreams)
     ASSERT_EQ(built.Code, 0) << built.Err;
     EXPECT_EQ(shop.Vro({"rewrite", "-", "-o", "-"}, built.Out).Out, built.Out);
     for (const std::vector<std::string> &line :
-         std::vector<std::vector<std::string>>{{"check", "-"}, {"info", "-"}, {"chunks", "-"}}) {
+         std::vector<std::vector<std::string>>{{"check", "-"}, {"info", "-"}, {"chunks", "-"}})
+    {
         const Outcome outcome = shop.Vro(line, built.Out);
         EXPECT_EQ(outcome.Code, 0) << line[0] << outcome.Err;
         EXPECT_THAT(outcome.Out, Not(IsEmpty())) << line[0];
@@ -195,10 +203,11 @@ TEST(CommandLine, AFailedWriteLeavesTheTargetAsItWas)
     shop.Build("effect.vro", CAMPFIRE);
     shop.Directory.Write("effect.json", CAMPFIRE);
     const std::string target = shop.Directory.Write("target", "before");
-    for (const std::vector<std::string> &line : std::vector<std::vector<std::string>>{
-             {"dump", "effect.vro", "-o", "target"},
-             {"build", "effect.json", "-o", "target"},
-             {"rewrite", "effect.vro", "-o", "target", "--encoding", "xml"}}) {
+    for (const std::vector<std::string> &line :
+         std::vector<std::vector<std::string>>{{"dump", "effect.vro", "-o", "target"},
+                                               {"build", "effect.json", "-o", "target"},
+                                               {"rewrite", "effect.vro", "-o", "target", "--encoding", "xml"}})
+    {
         const Outcome outcome = shop.Vro(line, "", FULL_DISK);
         EXPECT_EQ(outcome.Code, 1) << line[0];
         EXPECT_THAT(outcome.Err, HasSubstr("vro: target: File too large")) << line[0];
@@ -212,9 +221,16 @@ TEST(CommandLine, AFullStandardOutputIsAFailure)
 {
     const Workshop shop;
     shop.Build("effect.vro", CAMPFIRE);
-    for (const std::vector<std::string> &line : std::vector<std::vector<std::string>>{
-             {"plugins"}, {"plugins", "--json"}, {"info", "effect.vro"}, {"dump", "effect.vro"}, {"check", "effect.vro"},
-             {"chunks", "effect.vro"}, {"chunks", "effect.vro", "--json"}, {"rewrite", "effect.vro", "-o", "-"}}) {
+    for (const std::vector<std::string> &line :
+         std::vector<std::vector<std::string>>{{"plugins"},
+                                               {"plugins", "--json"},
+                                               {"info", "effect.vro"},
+                                               {"dump", "effect.vro"},
+                                               {"check", "effect.vro"},
+                                               {"chunks", "effect.vro"},
+                                               {"chunks", "effect.vro", "--json"},
+                                               {"rewrite", "effect.vro", "-o", "-"}})
+    {
         const Outcome outcome = shop.Vro(line, "", "exec > /dev/full;");
         EXPECT_EQ(outcome.Code, 1) << testing::PrintToString(line);
         EXPECT_THAT(outcome.Err, StartsWith("vro: ")) << testing::PrintToString(line);

@@ -179,8 +179,8 @@ TEST_F(Edit, ARowWithoutHeatShowsItsNeutralValuesAndKeepsThem)
 {
     Add("fire", {Layer_Json("flames", PLAIN)});
     const std::string before = Read_Text_File(Path("fire"));
-    const Outcome outcome = Run({"--set", "HeatDistanceCutoff=5", "--set", "HeatDistortionScalePerThousandth=5", "--set",
-                                 "SaturationScale=5"});
+    const Outcome outcome = Run(
+        {"--set", "HeatDistanceCutoff=5", "--set", "HeatDistortionScalePerThousandth=5", "--set", "SaturationScale=5"});
     EXPECT_EQ(outcome.Code, 0) << outcome.Err;
     EXPECT_THAT(outcome.Err, HasSubstr("HeatDistanceCutoff: no selected row has this value"));
     Row row = Grid(outcome.Out)["fire:flames"];
@@ -196,10 +196,9 @@ TEST_F(Edit, ARowWithoutHeatShowsItsNeutralValuesAndKeepsThem)
 
 TEST_F(Edit, RowsWithoutASpawnerOrALightingSwitchShowTheirDefaults)
 {
-    Add("odd", {R"({"name": "bare"})", R"({"name": "chain", "visualizer": {"name": "Chain"}})",
-                Layer_Json("lit", PLAIN)});
-    const Outcome outcome =
-        Run({"--set", "GlobalLOD=Low", "--set", "SceneLightingAdjustments=false", "--save-all"});
+    Add("odd",
+        {R"({"name": "bare"})", R"({"name": "chain", "visualizer": {"name": "Chain"}})", Layer_Json("lit", PLAIN)});
+    const Outcome outcome = Run({"--set", "GlobalLOD=Low", "--set", "SceneLightingAdjustments=false", "--save-all"});
     EXPECT_EQ(outcome.Code, 0) << outcome.Err;
     auto grid = Grid(outcome.Out);
     EXPECT_EQ(grid["odd:bare"]["GlobalLOD"], "High");
@@ -334,11 +333,17 @@ TEST_F(Edit, ADeclinedOrFailedCheckoutLeavesTheFileAndTheExitCodeTells)
     } runs[] = {
         {"declined by default", {}, With_P4(), question + "[No]\n", 0},
         {"declined", {"--no"}, With_P4(), question + "[No]\n", 0},
-        {"p4 fails, and once more", {"--yes"}, With_P4(),
-         question + "[Yes]\n" + CHECK_OUT_FAILED + "  [Retry]\n" + CHECK_OUT_FAILED + "  [Cancel]\n", 2},
+        {"p4 fails, and once more",
+         {"--yes"},
+         With_P4(),
+         question + "[Yes]\n" + CHECK_OUT_FAILED + "  [Retry]\n" + CHECK_OUT_FAILED + "  [Cancel]\n",
+         2},
         {"p4 fails, no retry", {"--auto-checkout"}, With_P4(), CHECK_OUT_FAILED + "  [Cancel]\n", 1},
-        {"no p4", {"--auto-checkout", "--yes"}, Without_P4(),
-         CHECK_OUT_FAILED + "  [Retry]\n" + CHECK_OUT_FAILED + "  [Cancel]\n", 0},
+        {"no p4",
+         {"--auto-checkout", "--yes"},
+         Without_P4(),
+         CHECK_OUT_FAILED + "  [Retry]\n" + CHECK_OUT_FAILED + "  [Cancel]\n",
+         0},
     };
     size_t calls = 0;
     for (const auto &run : runs) {
@@ -387,10 +392,11 @@ TEST_F(Edit, WrongPropertiesAndValuesAreWrongUsage)
 {
     Add("haze", {Layer_Json("air", HEAT)});
     const std::string before = Read_Text_File(Path("haze"));
-    for (const char *set : {"GlobalLoD=1", "EmitterName=x", "SupportsHeat=true", "GlobalLOD=", "GlobalLOD=1.5",
-                            "MinimumDynamicLOD=much", "MinimumDynamicLOD=nan", "HeatDistanceCutoff=inf",
-                            "MinimumDynamicLOD=0.5 ", "HeatDistanceCutoffPerThousandth=2147483648",
-                            "SceneLightingAdjustments=1"}) {
+    for (const char *set :
+         {"GlobalLoD=1", "EmitterName=x", "SupportsHeat=true", "GlobalLOD=", "GlobalLOD=1.5", "MinimumDynamicLOD=much",
+          "MinimumDynamicLOD=nan", "HeatDistanceCutoff=inf", "MinimumDynamicLOD=0.5 ",
+          "HeatDistanceCutoffPerThousandth=2147483648", "SceneLightingAdjustments=1"})
+    {
         const Outcome outcome = Run({"--set", "DynamicLODFarDistance=3", "--set", set, "--save-all"});
         EXPECT_EQ(outcome.Code, 2) << set;
         EXPECT_THAT(outcome.Err, HasSubstr(std::string(set).substr(0, std::string(set).find('=')))) << set;

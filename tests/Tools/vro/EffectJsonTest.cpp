@@ -125,8 +125,8 @@ TEST(EffectJson, TakesAPluginAndAParameterByNameOrById)
         R"({"id": 34, "name": "Shape", "parameters": [{"id": 9, "name": "D-LOD Near Distance", "kind": "Float", "value": 12.5}]})",
     };
     for (const char *form : forms) {
-        const Json json = Effect_To_Json(
-            *Built(R"({"renderables": [{"layers": [{"spawner": )" + std::string(form) + "}]}]}"));
+        const Json json =
+            Effect_To_Json(*Built(R"({"renderables": [{"layers": [{"spawner": )" + std::string(form) + "}]}]}"));
         const Json &spawner = json["renderables"][0]["layers"][0]["spawner"];
         EXPECT_EQ(spawner["id"], 34) << form;
         for (const Json &parameter : spawner["parameters"])
@@ -150,10 +150,10 @@ TEST(EffectJson, FindsANameInTheFamilyOfItsPlace)
 TEST(EffectJson, TakesAnEnumerationInEachForm)
 {
     const auto built = [](const std::string &value) {
-        const Json json = Effect_To_Json(
-            *Built(R"({"renderables": [{"layers": [{"spawner": {"name": "Shape", "parameters": [)"
-                   R"({"name": "Random Seed Source", "value": )" +
-                   value + "}]}}]}]}"));
+        const Json json =
+            Effect_To_Json(*Built(R"({"renderables": [{"layers": [{"spawner": {"name": "Shape", "parameters": [)"
+                                  R"({"name": "Random Seed Source", "value": )" +
+                                  value + "}]}}]}]}"));
         for (const Json &parameter : json["renderables"][0]["layers"][0]["spawner"]["parameters"])
             if (parameter["name"] == "Random Seed Source") return parameter["value"];
         return Json();
@@ -170,8 +170,9 @@ TEST(EffectJson, TakesAnEnumerationInEachForm)
 
 TEST(EffectJson, SortsTheKeysOfACurve)
 {
-    EXPECT_EQ(Rebuilt_Value("Keyed Uniform Size", "Size", R"({"spline": true, "keys": [[1, 2], [0.5, 3], ["-inf", 4]]})"),
-              Json({{"spline", true}, {"keys", {{"-inf", 4.0}, {0.5, 3.0}, {1.0, 2.0}}}}));
+    EXPECT_EQ(
+        Rebuilt_Value("Keyed Uniform Size", "Size", R"({"spline": true, "keys": [[1, 2], [0.5, 3], ["-inf", 4]]})"),
+        Json({{"spline", true}, {"keys", {{"-inf", 4.0}, {0.5, 3.0}, {1.0, 2.0}}}}));
 }
 
 TEST(EffectJson, TakesALongCurveInAnyOrder)

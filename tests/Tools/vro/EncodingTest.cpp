@@ -81,8 +81,7 @@ TEST(Encoding, AnEffectIsTheSameInEachOne)
 TEST(Encoding, ChunksTellsTheSameTreeOfEachOne)
 {
     const vroTest::Workshop shop;
-    const std::string json =
-        vroTest::Group_Json({vroTest::Layer_Json("flames", R"({"name": "Heat And Saturation"})")});
+    const std::string json = vroTest::Group_Json({vroTest::Layer_Json("flames", R"({"name": "Heat And Saturation"})")});
     for (const std::string &encoding : All_Encodings()) {
         shop.Build("effect.vro", json, encoding);
         const auto outcome = shop.Vro({"chunks", "effect.vro", "--json"});
@@ -105,6 +104,7 @@ TEST(Encoding, ChunksTellsTheSameTreeOfEachOne)
         const Json &variables = root["chunks"][2];
         EXPECT_EQ(variables["id"], 0x1502);
         EXPECT_EQ(variables["micro_chunks"][0]["name"], "VR_VAR_MKPEMITTER_REMOVE_ON_DEPLETED");
-        EXPECT_EQ(variables["micro_chunks"][0]["size"], isXml || isValidated ? 2 : 1) << encoding; // with the type's tag
+        EXPECT_EQ(variables["micro_chunks"][0]["size"], isXml || isValidated ? 2 : 1)
+            << encoding; // with the type's tag
     }
 }

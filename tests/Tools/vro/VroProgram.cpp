@@ -78,8 +78,7 @@ Outcome Run_Shell(const std::string &line)
         ::posix_spawn_file_actions_addclose(&actions, end);
     const char *words[] = {"sh", "-c", line.c_str(), nullptr};
     pid_t child = 0;
-    const int failure =
-        ::posix_spawn(&child, "/bin/sh", &actions, nullptr, const_cast<char *const *>(words), environ);
+    const int failure = ::posix_spawn(&child, "/bin/sh", &actions, nullptr, const_cast<char *const *>(words), environ);
     ::posix_spawn_file_actions_destroy(&actions);
     if (failure != 0) throw std::runtime_error("the shell can't be started");
     out.Close(1);
