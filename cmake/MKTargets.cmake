@@ -10,8 +10,9 @@ endif()
 
 find_program(MK_CCACHE ccache)
 if(MK_CCACHE)
-  set(CMAKE_C_COMPILER_LAUNCHER ${MK_CCACHE})
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${MK_CCACHE})
+  # Paths count from the source folder, so that another clone finds what this one compiled.
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1
+                                  ${MK_CCACHE})
 endif()
 
 add_library(MKOptions INTERFACE)

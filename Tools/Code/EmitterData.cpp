@@ -55,7 +55,9 @@ std::shared_ptr<ParticleData> EmitterData::Add_Row(ParticleGrid &grid, vrMKParti
 
 bool EmitterData::Save(bool autoCheckout)
 {
-    if (!MKPlatform::File_Exists(emitterPath)) return Fail("File not found!", emitterPath);
+    // A file whose name differs in case alone would be found too, and isn't the one that was scanned.
+    const bool isThere = MKPlatform::File_Exists(emitterPath) && MKPlatform::To_System_Path(emitterPath) == emitterPath;
+    if (!isThere) return Fail("File not found!", emitterPath);
     if (MKPlatform::File_Is_Read_Only(emitterPath) && !Make_Writable(autoCheckout)) {
         MK_LOG(SaveLog, LogLevel::Error, "%s: it is read-only and wasn't checked out", emitterPath.c_str());
         return false;

@@ -21,7 +21,8 @@ struct PreviewStatistics
 };
 
 /// The live scene behind the view window: device, scene, camera and lights. The core keeps the windows, the timer, the
-/// latches and the choice of the emitter, and tells the scene what to do. On the user interface's thread.
+/// latches and the choice of the emitter, and tells the scene what to do. On the user interface's thread. Nothing here
+/// throws: a scene's update or frame that fails is left out, and the next one goes on.
 class PreviewDriver
 {
 public:

@@ -32,7 +32,10 @@ const std::vector<std::string> COLUMNS = {"Modified",
 constexpr size_t EDITED_EMITTERS = 5;
 constexpr size_t NAME_WIDTH = 34;
 
-std::string Row_Name(const ParticleData &row) { return row.Get_EmitterName() + ":" + row.Get_ParticleName(); }
+std::string Row_Name(const ParticleData &row)
+{
+    return row.Get_EmitterName() + ":" + row.Get_ParticleName();
+}
 
 /// Every property of every row, as text. Layers of one name are told apart by their order.
 using Rows = std::map<std::pair<std::string, int>, std::vector<std::string>>;
@@ -96,8 +99,8 @@ bool DemoSession::Scan()
 {
     std::printf("Scanning %s\n", form.Get_Current_Path().c_str());
     application.Set_Progress_Observer([](const HeadlessProgressDialog &dialog) {
-        std::printf("\r%s %d of %d", dialog.Get_Title().c_str(), std::min(dialog.Get_Steps() + 1, dialog.Get_Step_Count()),
-                    dialog.Get_Step_Count());
+        std::printf("\r%s %d of %d", dialog.Get_Title().c_str(),
+                    std::min(dialog.Get_Steps() + 1, dialog.Get_Step_Count()), dialog.Get_Step_Count());
         std::fflush(stdout);
     });
     form.Click_Scan();

@@ -179,6 +179,8 @@ TEST(EmitterScan, NamesThatDifferInCaseAloneStayFilesOfTheirOwn)
 {
     // The later one once showed the earlier one's layers, and a save wrote those over it.
     Tool tool;
+    // Made by the system itself: to the engine a new name is that of the file which is there.
+    for (const char *name : {"FIRE.vro", "fire.vro"}) tool.directory.Write(std::string("work/Art/Models/") + name, "");
     tool.Add_Emitter("FIRE.vro", {Plain_Layer("upper")});
     tool.Add_Emitter("fire.vro", {Plain_Layer("lower")});
     tool.Scan();

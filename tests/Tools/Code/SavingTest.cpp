@@ -197,6 +197,16 @@ TEST_F(Saving, AFileThatIsGoneIsToldOfAndStaysModified)
     EXPECT_TRUE(tool.reports.Has_Log(fire + ": File not found!"));
 }
 
+TEST_F(Saving, AFileWhoseNamesakeIsLeftIsGoneAllTheSame)
+{
+    const std::string namesake = tool.directory.Write("work/Art/Models/FIRE.vro", "another file");
+    Edit({0});
+    fs::remove(fire);
+    tool.form->Click_Save();
+    EXPECT_THAT(tool.Box_Texts(), ElementsAre("File not found!"));
+    EXPECT_EQ(MKTest::Read_Text_File(namesake), "another file");
+}
+
 TEST_F(Saving, AFullDiskReportsWhatTheEmitterSaysAndLogsTheFile)
 {
     Edit({0});
