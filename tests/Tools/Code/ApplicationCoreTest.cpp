@@ -23,7 +23,7 @@ constexpr const char *SETTINGS = "FlareTrimSettings.xml";
 TEST(ApplicationCore, TheMainFormShowsTheSettings)
 {
     Tool tool;
-    EXPECT_EQ(tool.form->Get_Current_Path(), tool.directory / "work");
+    EXPECT_EQ(tool.form->Get_Current_Path(), tool.directory / "game");
     EXPECT_TRUE(tool.form->Get_Auto_Checkout());
     tool.form->Check_Auto_Checkout(false);
     EXPECT_FALSE(tool.core.Get_Settings().AutoCheckout);
@@ -51,7 +51,7 @@ TEST(ApplicationCore, ClosingAheadOfAnyScanAsksNothingAndSavesTheSettings)
     EXPECT_TRUE(tool.form->Close());
     EXPECT_THAT(tool.Box_Texts(), IsEmpty());
     const ApplicationSettings saved = ApplicationSettings::Load(SETTINGS);
-    EXPECT_EQ(saved.WorkingDirectory, tool.directory / "work");
+    EXPECT_EQ(saved.WorkingDirectory, tool.directory / "game");
     EXPECT_TRUE(saved.MainFormLocationSet && saved.ViewFormLocationSet);
     EXPECT_FALSE(saved.MainFormMaximized);
     EXPECT_EQ(saved.MainFormLocation, (Point{12, 34}));
@@ -125,7 +125,7 @@ protected:
     void Run(const HeadlessApplication::Session &session)
     {
         application.Set_Session(session);
-        application.Set_Picked_Folder(directory / "work");
+        application.Set_Picked_Folder(directory / "game");
         EXPECT_EQ(Run_Tool(application, std::make_unique<NoPreview>()), 0);
     }
     std::string Last_Text() const
@@ -148,14 +148,14 @@ TEST_F(RunToolTest, AMissingDirectoryEndsInTheExceptionBox)
         cameBack = true;
     });
     EXPECT_FALSE(cameBack);
-    EXPECT_THAT(Last_Text(), testing::AllOf(testing::StartsWith("Exception: "), HasSubstr("/work/Art/Models"),
+    EXPECT_THAT(Last_Text(), testing::AllOf(testing::StartsWith("Exception: "), HasSubstr("/game/Art/Models"),
                                             HasSubstr("No such file or directory")));
 }
 
 TEST_F(RunToolTest, TwoModifiedEmittersOfOneNameEndInTheExceptionBox)
 {
     // An emitter's name is its file's without the extension.
-    for (const char *name : {"work/Art/Models/fire.VRO", "work/Art/Models/fire.vro"}) {
+    for (const char *name : {"game/Art/Models/fire.VRO", "game/Art/Models/fire.vro"}) {
         directory.Write(name, "");
         Write_Emitter(directory / name, {Plain_Layer()});
     }
@@ -173,8 +173,8 @@ TEST_F(RunToolTest, TwoModifiedEmittersOfOneNameEndInTheExceptionBox)
 
 TEST_F(RunToolTest, ASessionThatDoesntCloseTheFormSavesNoSettings)
 {
-    directory.Make_Directory("work/Art/Models");
-    Write_Emitter(directory / "work/Art/Models/fire.vro", {Plain_Layer()});
+    directory.Make_Directory("game/Art/Models");
+    Write_Emitter(directory / "game/Art/Models/fire.vro", {Plain_Layer()});
     Run([](HeadlessMainForm &form) {
         form.Click_Browse();
         form.Click_Scan();
@@ -186,8 +186,8 @@ TEST_F(RunToolTest, ASessionThatDoesntCloseTheFormSavesNoSettings)
 
 TEST_F(RunToolTest, TheNextRunReadsWhatTheLastOneSaved)
 {
-    directory.Make_Directory("work/Art/Models");
-    Write_Emitter(directory / "work/Art/Models/fire.vro", {Plain_Layer()});
+    directory.Make_Directory("game/Art/Models");
+    Write_Emitter(directory / "game/Art/Models/fire.vro", {Plain_Layer()});
     Run([](HeadlessMainForm &form) {
         form.Click_Browse();
         form.Click_Scan();
@@ -197,7 +197,7 @@ TEST_F(RunToolTest, TheNextRunReadsWhatTheLastOneSaved)
     });
     application.Set_Picked_Folder(std::nullopt);
     Run([this](HeadlessMainForm &form) {
-        EXPECT_EQ(form.Get_Current_Path(), directory / "work");
+        EXPECT_EQ(form.Get_Current_Path(), directory / "game");
         form.Click_Scan();
         EXPECT_EQ(form.Get_Particle_Data_Source().Get_Row(0)->Get_MinimumDynamicLOD(), 0.25f);
     });

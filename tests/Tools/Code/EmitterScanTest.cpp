@@ -31,9 +31,9 @@ TEST(EmitterScan, ListsALayerARowInTheOrderOfTheFiles)
     Tool tool;
     tool.Add_Emitter("smoke.vro", {Plain_Layer("column")});
     tool.Add_Emitter("fire.vro", {Plain_Layer("flames"), Plain_Layer("embers")});
-    tool.directory.Make_Directory("work/Art/Models/sub");
+    tool.directory.Make_Directory("game/Art/Models/sub");
     tool.Add_Emitter("sub/hidden.vro", {Plain_Layer("hidden")});
-    tool.directory.Write("work/Art/Models/readme.txt", "no effect");
+    tool.directory.Write("game/Art/Models/readme.txt", "no effect");
     tool.Scan();
     EXPECT_THAT(Row_Names(tool), ElementsAre("fire/flames", "fire/embers", "smoke/column"));
     EXPECT_EQ(tool.core.Get_Emitter_List()->size(), 2u);
@@ -73,8 +73,8 @@ TEST(EmitterScan, WhatIsNoEmitterIsSkippedWithoutAWord)
 {
     Tool tool;
     Write_Model(tool.Model_Path("tank.vro"));
-    tool.directory.Write("work/Art/Models/empty.vro", "");
-    tool.directory.Write("work/Art/Models/text.vro", "not a chunk file");
+    tool.directory.Write("game/Art/Models/empty.vro", "");
+    tool.directory.Write("game/Art/Models/text.vro", "not a chunk file");
     EXPECT_TRUE(tool.core.Scan_Emitter_Files());
     EXPECT_EQ(tool.Row_Count(), 0);
     EXPECT_TRUE(tool.core.Get_Emitter_List()->empty());
@@ -180,7 +180,7 @@ TEST(EmitterScan, NamesThatDifferInCaseAloneStayFilesOfTheirOwn)
     // The later one once showed the earlier one's layers, and a save wrote those over it.
     Tool tool;
     // Made by the system itself: to the engine a new name is that of the file which is there.
-    for (const char *name : {"FIRE.vro", "fire.vro"}) tool.directory.Write(std::string("work/Art/Models/") + name, "");
+    for (const char *name : {"FIRE.vro", "fire.vro"}) tool.directory.Write(std::string("game/Art/Models/") + name, "");
     tool.Add_Emitter("FIRE.vro", {Plain_Layer("upper")});
     tool.Add_Emitter("fire.vro", {Plain_Layer("lower")});
     tool.Scan();

@@ -52,7 +52,7 @@ TEST(PreviewStart, BringsDeviceSceneAndTimerUp)
 
     ASSERT_EQ(record.paths.size(), 2u);
     EXPECT_EQ(record.paths[0].Effects.front(), "..\\Art\\Shaders\\PC\\DX9\\");
-    const std::string work = tool.directory / "work";
+    const std::string work = tool.directory / "game";
     EXPECT_THAT(record.paths[1].Effects, ElementsAre(work + "\\Run\\DATA\\Art\\Shaders\\DX9\\",
                                                      work + "\\Run\\DATA\\Art\\Shaders\\DX9\\Common\\",
                                                      work + "\\Run\\DATA\\Art\\Shaders\\DX9\\Engine\\",

@@ -199,7 +199,7 @@ TEST_F(Saving, AFileThatIsGoneIsToldOfAndStaysModified)
 
 TEST_F(Saving, AFileWhoseNamesakeIsLeftIsGoneAllTheSame)
 {
-    const std::string namesake = tool.directory.Write("work/Art/Models/FIRE.vro", "another file");
+    const std::string namesake = tool.directory.Write("game/Art/Models/FIRE.vro", "another file");
     Edit({0});
     fs::remove(fire);
     tool.form->Click_Save();

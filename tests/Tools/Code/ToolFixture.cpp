@@ -96,8 +96,8 @@ void Set_Read_Only(const std::string &path, bool readOnly)
 Tool::Tool(std::unique_ptr<PreviewDriver> preview)
     : currentDirectory(directory.Make_Directory("run")), core(std::move(preview))
 {
-    directory.Make_Directory("work/Art/Models");
-    core.Get_Settings().WorkingDirectory = directory / "work";
+    directory.Make_Directory("game/Art/Models");
+    core.Get_Settings().WorkingDirectory = directory / "game";
     if (!core.Initialize()) throw std::runtime_error("the core doesn't come up");
     form = std::make_unique<HeadlessMainForm>(core);
     form->Activate();

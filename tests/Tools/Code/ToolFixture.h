@@ -57,7 +57,7 @@ public:
     explicit Tool(std::unique_ptr<PreviewDriver> preview = std::make_unique<NoPreview>());
 
     /// A path in Art/Models, where a scan looks.
-    std::string Model_Path(const std::string &fileName) const { return directory / ("work/Art/Models/" + fileName); }
+    std::string Model_Path(const std::string &fileName) const { return directory / ("game/Art/Models/" + fileName); }
     void Add_Emitter(const std::string &fileName, const std::vector<Layer> &layers);
     /// Expects the scan to go well.
     void Scan();
