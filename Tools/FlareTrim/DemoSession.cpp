@@ -122,7 +122,7 @@ void DemoSession::Edit_Level_Of_Detail()
         rows.push_back(index);
     }
     form.Get_Particle_Grid_View().Select_Rows(rows);
-    std::printf("Lowering the far detail of %zu layers of %zu effects at once\n", rows.size(), emitters.size());
+    std::printf("Setting the far detail of %zu layers of %zu effects at once\n", rows.size(), emitters.size());
     form.Edit_Current("MinimumDynamicLODPerThousandth", "100");
     form.Edit_Current("DynamicLODFarDistance", "600");
 }

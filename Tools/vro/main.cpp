@@ -118,6 +118,11 @@ int main(int argc, char **argv)
     CommandLine line;
     try {
         line.App.parse(argc, argv);
+    } catch (const CLI::RequiredError &error) {
+        if (argc > 1 && argv[1][0] != '-' && !line.App.get_subcommand_no_throw(argv[1]))
+            std::fprintf(stderr, "vro: there is no command \"%s\"\n", argv[1]);
+        line.App.exit(error);
+        return EXIT_BAD_USAGE;
     } catch (const CLI::ParseError &error) {
         return line.App.exit(error) == 0 ? EXIT_WELL : EXIT_BAD_USAGE;
     }
