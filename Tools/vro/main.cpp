@@ -119,7 +119,7 @@ int main(int argc, char **argv)
     try {
         line.App.parse(argc, argv);
     } catch (const CLI::RequiredError &error) {
-        if (argc > 1 && argv[1][0] != '-' && !line.App.get_subcommand_no_throw(argv[1]))
+        if (argc > 1 && argv[1][0] != '-' && line.App.get_subcommands().empty())
             std::fprintf(stderr, "vro: there is no command \"%s\"\n", argv[1]);
         line.App.exit(error);
         return EXIT_BAD_USAGE;
