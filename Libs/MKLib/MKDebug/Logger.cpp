@@ -8,6 +8,7 @@
 #include <log4cxx/patternlayout.h>
 #include <log4cxx/propertyconfigurator.h>
 
+#include <clocale>
 #include <cstdarg>
 #include <cstdio>
 #include <filesystem>
@@ -44,7 +45,11 @@ void Install_Console(LogLevel level)
 void Ensure_Configured()
 {
     static std::once_flag once;
-    std::call_once(once, [] { Install_Console(LogLevel::Warning); });
+    std::call_once(once, [] {
+        // Our texts are UTF-8 in every locale; in one of another character set log4cxx prints the rest as question marks.
+        std::setlocale(LC_CTYPE, "C.UTF-8");
+        Install_Console(LogLevel::Warning);
+    });
 }
 
 std::string Format(const char *format, va_list arguments)

@@ -146,6 +146,17 @@ TEST(CommandLine, BadInputEndsWithItsNameAndTheReason)
     EXPECT_NE(::access((shop.Directory / "out.vro").c_str(), F_OK), 0);
 }
 
+// What the engine logged once bore question marks for the letters that the locale lacks.
+TEST(CommandLine, TheLogNamesFilesInEveryLocale)
+{
+    const Workshop workshop;
+    workshop.Directory.Write("Feuer_\u00e9.vro", std::string("CH\x02\x01\x01\xff\xff\xff", 8));
+    const Outcome outcome = workshop.Vro({"info", "Feuer_\u00e9.vro"}, "", "LC_ALL=C");
+    EXPECT_EQ(outcome.Code, 1);
+    EXPECT_THAT(outcome.Err, HasSubstr("ChunkFile: "));
+    EXPECT_THAT(outcome.Err, Not(HasSubstr("?")));
+}
+
 TEST(CommandLine, BadJsonNamesFileAndPlaceAndWritesNothing)
 {
     const Workshop shop;
