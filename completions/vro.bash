@@ -3,11 +3,14 @@
 _vro()
 {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} command= word
-    local commands='info dump build chunks rewrite check edit plugins'
+    local commands='info dump build chunks rewrite check edit plugins simulate bench'
     local properties='GlobalLOD= MinimumDynamicLOD= MinimumDynamicLODPerThousandth= DynamicLODNearDistance=
         DynamicLODNearDistancePerThousandth= DynamicLODFarDistance= DynamicLODFarDistancePerThousandth=
         HeatDistanceCutoff= HeatDistanceCutoffPerThousandth= HeatDistortionScale= HeatDistortionScalePerThousandth=
         SaturationScale= SaturationScalePerThousandth= SceneLightingAdjustments='
+    local channels='ProjectileStartingPosition PreviousPosition Position ProjectileTargetPosition Velocity Age MaxAge
+        Time ProjectileFlightDuration Flags ID Number UV dUV Color Size Rotation WorldPosition Render
+        SortingRelativeToGroup'
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
         case " $commands " in *" $word "*) command=$word && break ;; esac
     done
@@ -30,15 +33,37 @@ _vro()
         compopt -o nospace
         return
         ;;
-    --select) return ;;
+    --channels)
+        local given=
+        [[ $current == *,* ]] && given=${current%,*},
+        mapfile -t COMPREPLY < <(compgen -P "$given" -W "$channels" -- "${current##*,}")
+        compopt -o nospace
+        return
+        ;;
+    --report)
+        mapfile -t COMPREPLY < <(compgen -W 'all last' -- "$current")
+        return
+        ;;
+    --terrain)
+        compopt -o filenames -o nospace && mapfile -t COMPREPLY < <(compgen -f -- "$current")
+        return
+        ;;
+    --select | --frames | --dt | --quality | --camera | --look-at | --position | --velocity | --rotation | --spin) return ;;
+    --scale | --alt-index | --hide | --show | --spawn | --target | --target-velocity | --target-radius) return ;;
+    --projectile-speed | --dynamic | --wind) return ;;
     esac
 
     local options='--help'
     case "$command" in
     dump) options+=' -o' ;;
     build | rewrite) options+=' -o --encoding' ;;
-    chunks | plugins) options+=' --json' ;;
+    chunks | plugins | bench) options+=' --json' ;;
     edit) options+=' --select --set --convert-to-heat --save --save-all --auto-checkout --yes --no' ;;
+    simulate)
+        options+=' --frames --dt --report --channels --vertices --quality --camera --look-at --position --velocity'
+        options+=' --rotation --spin --scale --alt-index --hide --show --spawn --target --target-velocity'
+        options+=' --target-radius --projectile-speed --dynamic --wind --terrain'
+        ;;
     esac
     case "$current" in
     -*) mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current") ;;

@@ -10,9 +10,6 @@
 namespace
 {
 
-constexpr uint32_t MULTIPLIER = 0x41c64e6d;
-constexpr uint32_t INCREMENT = 0xbdf;
-
 /// The shared arithmetic of a draw: the least mask over the range, and again while the masked output is above the
 /// range.
 template <typename Step>
@@ -32,14 +29,31 @@ int32_t Draw(int32_t low, int32_t high, uint32_t greatestRange, Step &&step)
     return static_cast<int32_t>(lower + value);
 }
 
+/// Extended precision up to the one rounding at the end: other widths give other last bits.
+float Interpolate(int32_t draw, int32_t greatest, float low, float high)
+{
+    using Extended = long double;
+    const Extended fraction = static_cast<Extended>(draw) / static_cast<Extended>(greatest);
+    const Extended span = static_cast<Extended>(high) - static_cast<Extended>(low);
+    return static_cast<float>(fraction * span + static_cast<Extended>(low));
+}
+
 } // namespace
 
 int32_t RandomClass::Get_Int(int32_t low, int32_t high)
 {
-    return Draw(low, high, RandomMax, [this] {
-        State = State * MULTIPLIER + INCREMENT;
-        return (State >> 10) & 0x7fff;
-    });
+    return Draw(low, high, RandomMax, [this] { return Step(); });
+}
+
+void RandomClass::Swap_Bounds(float &low, float &high)
+{
+    MK_ASSERT(!(high < low), "low <= high");
+    std::swap(low, high);
+}
+
+float RandomClass::Get_Extended_Float(int32_t draw, float low, float high)
+{
+    return Interpolate(draw, static_cast<int32_t>(RandomMax), low, high);
 }
 
 struct SecureRandomClass::Device
@@ -79,11 +93,7 @@ float RandomGeneratorClass::Get_Float(float low, float high, bool excludeLow, bo
     int32_t draw = Get_Int(0, greatest);
     if (excludeLow && draw == 0) draw = 1;
     if (excludeHigh && draw == greatest) draw = greatest - 1;
-    // Extended precision up to the one rounding at the end: other widths give other last bits.
-    using Extended = long double;
-    const Extended fraction = static_cast<Extended>(draw) / static_cast<Extended>(greatest);
-    const Extended span = static_cast<Extended>(high) - static_cast<Extended>(low);
-    return static_cast<float>(fraction * span + static_cast<Extended>(low));
+    return Interpolate(draw, greatest, low, high);
 }
 
 RandomGeneratorClass &RandomGeneratorClass::Get_Shared()

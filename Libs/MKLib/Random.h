@@ -38,8 +38,40 @@ public:
     bool Draws_Words() const override { return false; }
     void Seed(uint32_t value) override { State = value; }
     uint32_t Get_State() const { return State; }
+    /// As that of `RandomGeneratorClass`, bit for bit, without its indirections: what a frame step draws with.
+    float Get_Float(float low, float high)
+    {
+        if (high < low) [[unlikely]]
+            Swap_Bounds(low, high);
+        uint32_t draw = Step();
+        while (draw > RandomMax) [[unlikely]] draw = Step();
+        // Double is exact enough nearly always: where every value within its error rounds to the same float, so does
+        // the extended result. Each of the four roundings is off by half a unit of 2^-52 at most.
+        const double start = low;
+        const double span = static_cast<double>(high) - start;
+        const double product = static_cast<double>(static_cast<int32_t>(draw)) * (1.0 / RandomMax) * span;
+        const double value = product + start;
+        const double error = (Magnitude(product) + Magnitude(start)) * 0x1p-50;
+        const auto lower = static_cast<float>(value - error);
+        if (lower == static_cast<float>(value + error)) [[likely]]
+            return lower;
+        return Get_Extended_Float(static_cast<int32_t>(draw), low, high);
+    }
+    /// One of 0 to 255.
+    uint32_t Get_Byte() { return Step() & 0xff; }
+    /// True with `perCent` of 100: never for 0, always for 100.
+    bool Get_Chance(int perCent) { return Get_Int(0, 99) < perCent; }
 
 private:
+    uint32_t Step()
+    {
+        State = State * 0x41c64e6du + 0xbdfu;
+        return (State >> 10) & 0x7fff;
+    }
+    static double Magnitude(double value) { return value < 0.0 ? -value : value; }
+    static void Swap_Bounds(float &low, float &high); ///< and asserts
+    static float Get_Extended_Float(int32_t draw, float low, float high);
+
     uint32_t State;
 };
 

@@ -18,6 +18,8 @@ enum ExitCode : int
     EXIT_BAD_USAGE = 2
 };
 
+struct SimulateOptions;
+
 struct EditOptions
 {
     std::string Directory;
@@ -38,6 +40,9 @@ int Run_Rewrite(const std::string &file, const std::string &output, const std::s
 int Run_Check(const std::vector<std::string> &paths);
 int Run_Edit(const EditOptions &options);
 int Run_Plugins(bool asJson);
+int Run_Simulate(const SimulateOptions &options);
+/// Of the built-in workloads when no file is given.
+int Run_Bench(const std::vector<std::string> &files, bool asJson);
 
 /// The mode argument of the chunk writer for `zlib`, `binary`, `xml`, `sectioned` or `zlib-sectioned`, each optionally
 /// with `+validated` and `+swapped`; nothing for any other text.

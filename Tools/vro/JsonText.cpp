@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstdlib>
 
 namespace vro
 {
@@ -15,36 +14,12 @@ constexpr size_t LINE_WIDTH = 120;
 /// Levels that a line may hold: an object of arrays of arrays.
 constexpr int LINE_DEPTH = 3;
 
-std::string Float_Text(double value)
-{
-    char buffer[64];
-    const auto narrow = static_cast<float>(value);
-    auto end = std::to_chars(buffer, std::end(buffer), narrow).ptr;
-    std::string text(buffer, end);
-    // Readers go by way of a double; where its rounding would land on the neighbour, nine digits are far enough from it.
-    if (static_cast<float>(std::strtod(text.c_str(), nullptr)) != narrow) {
-        end = std::to_chars(buffer, std::end(buffer), narrow, std::chars_format::general, 9).ptr;
-        text.assign(buffer, end);
-    }
-    if (text.find_first_of(".e") == std::string::npos) text += ".0";
-    return text;
-}
-
-void Append_Text(const std::string &value, std::string &text)
-{
-    const auto isPlain = [](char letter) { return letter >= 0x20 && letter != '"' && letter != '\\'; };
-    if (std::all_of(value.begin(), value.end(), isPlain))
-        text.append(1, '"').append(value).append(1, '"');
-    else
-        text += Json(value).dump(-1, ' ', false, Json::error_handler_t::replace);
-}
-
 void Append_Scalar(const Json &value, std::string &text)
 {
     if (value.is_number_float())
-        text += Float_Text(value.get<double>());
+        Append_Float(value.get<float>(), text);
     else if (value.is_string())
-        Append_Text(value.get_ref<const std::string &>(), text);
+        Append_String(value.get_ref<const std::string &>(), text);
     else
         text += value.dump();
 }
@@ -65,7 +40,7 @@ bool Append_Line(const Json &value, int depth, size_t limit, std::string &text)
             if (!first) text += ", ";
             first = false;
             if (value.is_object()) {
-                Append_Text(item.key(), text);
+                Append_String(item.key(), text);
                 text += ": ";
             }
             if (!Append_Line(*item, depth - 1, limit, text)) return false;
@@ -93,7 +68,7 @@ void Append(const Json &value, size_t indent, size_t column, std::string &text)
         const size_t lineStart = text.size();
         text.append(indent + 2, ' ');
         if (value.is_object()) {
-            Append_Text(item.key(), text);
+            Append_String(item.key(), text);
             text += ": ";
         }
         Append(*item, indent + 2, text.size() - lineStart, text);
@@ -104,6 +79,32 @@ void Append(const Json &value, size_t indent, size_t column, std::string &text)
 }
 
 } // namespace
+
+void Append_Float(float value, std::string &text)
+{
+    if (!std::isfinite(value)) {
+        text += std::isnan(value) ? "\"nan\"" : value > 0.0f ? "\"inf\"" : "\"-inf\"";
+        return;
+    }
+    char buffer[64];
+    char *end = std::to_chars(buffer, std::end(buffer), value).ptr;
+    // Readers go by way of a double; where its rounding would land on the neighbour, nine digits are far enough from it.
+    double asRead = 0.0;
+    std::from_chars(buffer, end, asRead);
+    if (static_cast<float>(asRead) != value)
+        end = std::to_chars(buffer, std::end(buffer), value, std::chars_format::general, 9).ptr;
+    text.append(buffer, end);
+    if (std::none_of(buffer, end, [](char letter) { return letter == '.' || letter == 'e'; })) text += ".0";
+}
+
+void Append_String(const std::string &value, std::string &text)
+{
+    const auto isPlain = [](char letter) { return letter >= 0x20 && letter != '"' && letter != '\\'; };
+    if (std::all_of(value.begin(), value.end(), isPlain))
+        text.append(1, '"').append(value).append(1, '"');
+    else
+        text += Json(value).dump(-1, ' ', false, Json::error_handler_t::replace);
+}
 
 Json Float_To_Json(float value)
 {

@@ -1,5 +1,7 @@
 #include "vro/Commands.h"
 
+#include "vro/SimulateCommandLine.h"
+
 #include "MKLib/MKDebug/Logger.h"
 
 #include <CLI/CLI.hpp>
@@ -16,13 +18,14 @@ using namespace vro;
 /// One line a subcommand: the parser fills the options that it captures, and the result is run afterwards.
 struct CommandLine
 {
-    CLI::App App{"Works on particle effects without a screen: looks at emitter files, builds, checks and edits them."};
+    CLI::App App{"Works on particle effects without a screen: looks at emitter files, builds, checks, edits and plays them."};
     std::vector<std::string> Paths;
     std::string Input;
     std::string Output = "-";
     std::string Encoding = "zlib";
     std::vector<std::string> Sets;
     EditOptions Edit;
+    SimulateOptions Simulate;
     bool Json = false;
     bool Verbose = false;
     bool AnswerNo = false;
@@ -39,6 +42,7 @@ struct CommandLine
         Add_Inspection();
         Add_Conversion();
         Add_Edit();
+        Add_Playing();
     }
 
     CLI::App *Add(const char *name, const char *description, std::function<int()> run)
@@ -108,6 +112,17 @@ struct CommandLine
         edit->add_flag("--auto-checkout", Edit.AutoCheckout, "Check read-only files out without asking");
         auto *yes = edit->add_flag("--yes", Edit.AnswerYes, "Answer Yes to questions, and Retry once");
         edit->add_flag("--no", AnswerNo, "Answer No, or Cancel, which is the default")->excludes(yes);
+    }
+
+    void Add_Playing()
+    {
+        auto *simulate = Add("simulate", "Run an effect and print the state of its particles as JSON",
+                             [this] { return Run_Simulate(Simulate); });
+        Add_Simulate_Options(*simulate, Simulate);
+
+        auto *bench = Add("bench", "Measure how fast effects are simulated", [this] { return Run_Bench(Paths, Json); });
+        bench->add_option("FILE", Paths, "Emitter files; the built-in workloads unless given");
+        bench->add_flag("--json", Json, "Print JSON");
     }
 };
 

@@ -79,6 +79,37 @@ TEST(Random, RoundsFloatsOnce)
     for (const auto &row : rows) EXPECT_EQ(Seeded(1).Get_Float(row.low, row.high), row.expected) << row.low;
 }
 
+/// The seed whose first step has an output: the step solved backwards, modulo 2^32.
+uint32_t Seed_Of(uint32_t output)
+{
+    constexpr uint32_t MULTIPLIER = 0x41c64e6d;
+    uint32_t inverse = MULTIPLIER;
+    for (int digits = 3; digits < 32; digits *= 2) inverse *= 2 - MULTIPLIER * inverse;
+    return ((output << 10) - 0xbdfu) * inverse;
+}
+
+TEST(Random, DrawsTheSameFloatsWithAndWithoutTheFront)
+{
+    const float bounds[][2] = {{0.0f, 1.0f},      {-1.0f, 1.0f},      {0.0f, 6.2831855f}, {-10.0f, 10.0f},
+                               {0.1f, 0.7f},      {0.3333333f, 1.0f}, {-0.7f, 1e9f},      {1e-30f, 1e30f},
+                               {-3e38f, 3e38f},   {1.0f, 1.0000001f}, {-1e-45f, 3e-45f},  {16777216.0f, 16777220.0f},
+                               {-2e-38f, 1e-38f}, {-1e-30f, 1e-30f},  {5.0f, 5.0f},       {-16777216.0f, 16777215.0f}};
+    for (const auto &[low, high] : bounds) {
+        SCOPED_TRACE(testing::Message() << low << " to " << high);
+        int different = 0;
+        for (uint32_t output = 0; output <= RandomMax; ++output) {
+            const uint32_t seed = Seed_Of(output);
+            RandomClass random(seed);
+            const long double exact = static_cast<long double>(output) / RandomMax *
+                                          (static_cast<long double>(high) - static_cast<long double>(low)) +
+                                      static_cast<long double>(low);
+            const float drawn = random.Get_Float(low, high);
+            different += drawn != static_cast<float>(exact) || drawn != Seeded(seed).Get_Float(low, high);
+        }
+        EXPECT_EQ(different, 0);
+    }
+}
+
 TEST(Random, ReachesTheEndsOfAFloatRangeUnlessTheyAreExcluded)
 {
     EXPECT_EQ(Seeded(SEED_OF_0).Get_Float(0.0f, 1.0f, false, true), 0.0f);

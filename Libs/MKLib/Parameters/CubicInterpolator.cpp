@@ -4,6 +4,7 @@
 #include "MKLib/MKDebug/Assert.h"
 #include "MKLib/MKDebug/Logger.h"
 #include "MKLib/MKMath/Vectors.h"
+#include "MKLib/Parameters/KeySearch.h"
 #include "MKLib/XMLTypeConverter.h"
 
 #include <algorithm>
@@ -28,6 +29,15 @@ float Slope(const CubicInterpolator::DPointClass &from, const CubicInterpolator:
 {
     const float h = to.X - from.X;
     return h == 0.0f ? 0.0f : (to.Y - from.Y) / h;
+}
+
+float Value_Between(const CubicInterpolator::DPointClass &lo, const CubicInterpolator::DPointClass &hi, float x)
+{
+    const float h = hi.X - lo.X;
+    const float a = (hi.X - x) / h;
+    const float b = (x - lo.X) / h;
+    const float bend = (a * a * a - a) * lo.SecondDerivative + (b * b * b - b) * hi.SecondDerivative;
+    return a * lo.Y + b * hi.Y + bend * (h * h) * 0.16666667f;
 }
 
 } // namespace
@@ -90,14 +100,30 @@ float CubicInterpolator::Get_Value(float x) const
                                         [](float value, const DPointClass &point) { return value < point.X; });
     if (above == Points.end()) return Points.back().Y;
     if (above == Points.begin()) return above->Y;
+    return Value_Between(*(above - 1), *above, x);
+}
 
-    const DPointClass &lo = *(above - 1);
-    const DPointClass &hi = *above;
-    const float h = hi.X - lo.X;
-    const float a = (hi.X - x) / h;
-    const float b = (x - lo.X) / h;
-    const float bend = (a * a * a - a) * lo.SecondDerivative + (b * b * b - b) * hi.SecondDerivative;
-    return a * lo.Y + b * hi.Y + bend * (h * h) * 0.16666667f;
+void CubicInterpolator::Get_Values(const float *x, int count, float *values) const
+{
+    Solve();
+    const int pointCount = Get_Point_Count();
+    // With points that are at no number there is no order to count by, and what the search finds has to do.
+    if (pointCount == 0 || std::isnan(Points.back().X)) {
+        for (int i = 0; i < count; ++i) values[i] = Get_Value(x[i]);
+        return;
+    }
+    const DPointClass *points = Points.data();
+    int places[KeySearch::BLOCK];
+    for (int first = 0; first < count; first += KeySearch::BLOCK) {
+        const int size = std::min(count - first, KeySearch::BLOCK);
+        KeySearch::Find_Places<&DPointClass::X>(points, pointCount, x + first, size, places);
+        for (int i = 0; i < size; ++i) {
+            const int above = places[i];
+            values[first + i] = above == 0            ? points[0].Y
+                                : above == pointCount ? points[pointCount - 1].Y
+                                                      : Value_Between(points[above - 1], points[above], x[first + i]);
+        }
+    }
 }
 
 void CubicInterpolator::Solve() const

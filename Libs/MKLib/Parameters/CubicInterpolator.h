@@ -43,6 +43,8 @@ public:
     void Add_Point(float x, float y) override;
     /// Sorts and solves on the first call after a change. Without points, 0.
     float Get_Value(float x) const override;
+    /// `Get_Value` of each of `count` places, to the bit. The arrays don't overlap.
+    void Get_Values(const float *x, int count, float *values) const;
     bool Get_Range(float &first, float &last) const override;
     bool Load_XML(XMLDatabase &database) override;
     void Clear() override;

@@ -1,6 +1,8 @@
 #include "MKLib/Parameters/KeyedParameters.h"
 
 #include "MKLib/MKDebug/Logger.h"
+#include "MKLib/MKMath/Simd.h"
+#include "MKLib/Parameters/KeySearch.h"
 #include "MKLib/Parameters/ParameterValues.h"
 
 #include <algorithm>
@@ -33,36 +35,68 @@ void Set_Without_Keys(Vector4 &)
 {
 }
 
-float Between(float from, float to, float fraction)
+MK_INLINE float Between(float from, float to, float fraction)
 {
     return from + fraction * (to - from);
 }
-Vector4 Between(const Vector4 &from, const Vector4 &to, float fraction)
+MK_INLINE Vector4 Between(const Vector4 &from, const Vector4 &to, float fraction)
 {
     return from + fraction * (to - from);
 }
-RGBAClass Between(const RGBAClass &from, const RGBAClass &to, float fraction)
+MK_INLINE RGBAClass Between(const RGBAClass &from, const RGBAClass &to, float fraction)
 {
     return Lerp(from, to, fraction);
 }
 
-float Linear_Fraction(float time, float begin, float span)
+// Selects in place of jumps: what isn't selected may be a NaN.
+MK_INLINE float Linear_Fraction(float time, float begin, float end)
 {
-    const float fraction = (time - begin) / span;
-    return fraction > 0.0f ? std::min(fraction, 1.0f) : 0.0f;
+    const float fraction = (time - begin) / (end - begin);
+    const float raised = fraction > 0.0f ? fraction : 0.0f;
+    return raised < 1.0f ? raised : 1.0f;
 }
 
-float Smooth_Fraction(float time, float begin, float end, float span)
+MK_INLINE float Smooth_Fraction(float time, float begin, float end)
 {
-    if (time <= begin) return 0.0f;
-    if (time >= end) return 1.0f;
-    const float u = (time - begin) / span;
-    return (3.0f - 2.0f * u) * u * u;
+    const float u = (time - begin) / (end - begin);
+    const float eased = (3.0f - 2.0f * u) * u * u;
+    const float ended = time >= end ? 1.0f : eased;
+    return time <= begin ? 0.0f : ended;
+}
+
+template <bool Smooth>
+MK_INLINE float Fraction(float time, float begin, float end)
+{
+    return Smooth ? Smooth_Fraction(time, begin, end) : Linear_Fraction(time, begin, end);
+}
+
+/// Whether the curve stays at the earlier of two neighbours until the later one.
+MK_INLINE bool Is_Step(float begin, float end)
+{
+    return std::fabs(end - begin) <= SHORTEST_SPAN;
+}
+
+/// The values at times of which each has `places` keys at or below it.
+template <bool Smooth, typename Key, typename T>
+MK_SIMD void Blend(const Key *__restrict keys, int keyCount, const float *__restrict times, int count,
+                   const int *__restrict places, T *__restrict values)
+{
+    for (int i = 0; i < count; ++i) {
+        const int low = places[i] > 0 ? places[i] - 1 : 0;
+        const int high = places[i] < keyCount ? places[i] : keyCount - 1;
+        const float begin = keys[low].Time;
+        const float end = keys[high].Time;
+        const T from = keys[low].Value;
+        const T between = Between(from, keys[high].Value, Fraction<Smooth>(times[i], begin, end));
+        const bool isStep = Is_Step(begin, end);
+        values[i] = isStep || low == high ? from : between;
+    }
 }
 
 /// By time, so that each key goes to the end of those before it: a long curve in another order would take hours. Of
 /// equal times the first in the file stays first. A first time that is no number equals all others and keeps them out.
-template <typename KeyStruct> void Sort_For_Adding(std::vector<KeyStruct> &keys)
+template <typename KeyStruct>
+void Sort_For_Adding(std::vector<KeyStruct> &keys)
 {
     if (keys.empty() || std::isnan(keys.front().Time)) return;
     const auto numbersEnd =
@@ -191,14 +225,31 @@ void KeyedParameterClass<T, Type>::Evaluate(float time, bool smooth, T &value) c
         return;
     }
     const KeyStruct &low = *(upper - 1);
-    if (upper == Keys.end() || std::fabs(upper->Time - low.Time) <= SHORTEST_SPAN) {
+    if (upper == Keys.end() || Is_Step(low.Time, upper->Time)) {
         value = low.Value;
         return;
     }
-    const float span = upper->Time - low.Time;
     const float fraction =
-        smooth ? Smooth_Fraction(time, low.Time, upper->Time, span) : Linear_Fraction(time, low.Time, span);
+        smooth ? Fraction<true>(time, low.Time, upper->Time) : Fraction<false>(time, low.Time, upper->Time);
     value = Between(low.Value, upper->Value, fraction);
+}
+
+template <typename T, ParameterType Type>
+void KeyedParameterClass<T, Type>::Evaluate_Many(const float *times, int count, bool smooth, T *values) const
+{
+    if (Keys.empty()) {
+        for (int i = 0; i < count; ++i) Set_Without_Keys(values[i]);
+        return;
+    }
+    int places[KeySearch::BLOCK];
+    for (int first = 0; first < count; first += KeySearch::BLOCK) {
+        const int size = std::min(count - first, KeySearch::BLOCK);
+        KeySearch::Find_Places<&KeyStruct::Time>(Keys.data(), Get_Key_Count(), times + first, size, places);
+        if (smooth)
+            Blend<true>(Keys.data(), Get_Key_Count(), times + first, size, places, values + first);
+        else
+            Blend<false>(Keys.data(), Get_Key_Count(), times + first, size, places, values + first);
+    }
 }
 
 template class KeyedParameterClass<RGBAClass, ParameterType::KeyedRGBA>;
@@ -242,14 +293,21 @@ void KeyedFloatParameterClass::Add_Key(float time, const float &value)
 
 void KeyedFloatParameterClass::Evaluate(float time, bool smooth, float &value) const
 {
-    if (IsSpline && Spline.Get_Point_Count() > 2) {
+    if (Uses_Spline())
         value = Spline.Get_Value(time);
-        return;
-    }
-    KeyedParameterClass::Evaluate(time, smooth && !IsSpline, value);
+    else
+        KeyedParameterClass::Evaluate(time, smooth && !IsSpline, value);
+}
+
+void KeyedFloatParameterClass::Evaluate_Many(const float *times, int count, bool smooth, float *values) const
+{
+    if (Uses_Spline())
+        Spline.Get_Values(times, count, values);
+    else
+        KeyedParameterClass::Evaluate_Many(times, count, smooth && !IsSpline, values);
 }
 
 void KeyedFloatParameterClass::Prepare() const
 {
-    if (IsSpline && Spline.Get_Point_Count() > 2) Spline.Solve();
+    if (Uses_Spline()) Spline.Solve();
 }

@@ -41,6 +41,7 @@ void ShapeParameterClass::Set_Value(const ShapeStruct &value)
 {
     Value = value;
     Update_Normal_Direction();
+    Prepare_Surface_Table();
 }
 
 void ShapeParameterClass::Copy_From(const ParameterClass &other)

@@ -4,6 +4,8 @@
 
 #include <array>
 
+class RandomClass;
+
 /// A volume to draw points or velocities from. The number is a file format.
 enum ShapeTypeEnum : uint32_t
 {
@@ -43,6 +45,20 @@ public:
     /// Direction scaled to unit length; zero when Direction is.
     const Vector3 &Get_Normal_Direction() const { return NormalDirection; }
 
+    /// Draws a point, or a velocity: from the volume, or from its surface when `hollow`. `even` spreads the draws of
+    /// round shapes by their space. A radial velocity goes outward from `positionShape`, if there is one, at
+    /// `localPosition`, which was drawn from it; both matter to no other shape. How many draws it takes depends on the
+    /// shape and the flags alone, but for the generator's own repeats. Bounds in the wrong order are swapped; other
+    /// fields without a meaning, like negative radii, may yield what is no number. The zero vector for a type that
+    /// there isn't.
+    Vector3 Sample(RandomClass &random, bool hollow, bool even, const ShapeParameterClass *positionShape,
+                   const Vector3 &localPosition) const;
+    /// Works out how a hollow sample is shared out among the shape's surfaces. After loading; setting the value does
+    /// it.
+    void Prepare_Surface_Table();
+    /// Whether no draw of a sample has its bounds in the wrong order.
+    bool Are_Bounds_Ordered() const;
+
     void Copy_From(const ParameterClass &other) override;
     bool Save(ChunkFile::ChunkFileWriterClass &writer) const override;
     bool Load_Plain(ChunkFile::ChunkFileReaderClass &reader) override;
@@ -52,6 +68,24 @@ public:
 private:
     bool Load_Fields(ChunkFile::ChunkFileReaderClass &reader, int firstExtra, int lastExtra);
     void Update_Normal_Direction();
+
+    Vector3 Sample_Ray(RandomClass &random, bool hollow) const;
+    Vector3 Sample_Sphere(RandomClass &random, bool hollow, bool even) const;
+    Vector3 Sample_Box(RandomClass &random, bool hollow) const;
+    Vector3 Sample_Sphere_Cap(RandomClass &random, bool hollow, bool even) const;
+    Vector3 Sample_Cylinder(RandomClass &random, bool hollow, bool even) const;
+    Vector3 Sample_Torus(RandomClass &random, bool hollow, bool even) const;
+    Vector3 Sample_Radial(RandomClass &random, bool hollow, bool even) const;
+    Vector3 Sample_Outward(RandomClass &random, bool even, const ShapeParameterClass &from,
+                           const Vector3 &localPosition) const;
+    void Prepare_Sphere_Table();
+    void Prepare_Box_Table();
+    void Prepare_Sphere_Cap_Table();
+    float Draw_Speed(RandomClass &random, bool even) const;
+    /// Percent of the hollow samples that the first of two surfaces gets.
+    int Get_First_Surface_Chance() const;
+    /// The first of `count` surfaces whose fraction reaches `draw`, or `count`.
+    int Find_Surface(float draw, int count) const;
 
     ShapeStruct Value;
     Vector3 NormalDirection{0.0f};

@@ -20,14 +20,16 @@ std::atomic<int32_t> nextSeed{1}; // what an instance takes that isn't given a s
 
 } // namespace
 
-vrMKPRenderable::vrMKPRenderable() = default;
+vrMKPRenderable::vrMKPRenderable() : DynamicSettings(vrMKPDynamicSettings::Get_Shared_Default())
+{
+}
 
 vrMKPRenderable::vrMKPRenderable(const vrMKPRenderable &other)
     : vrRenderable(other), Name(other.Name), ParentName(other.ParentName), TranslateOffset(other.TranslateOffset),
       RotateOffset(other.RotateOffset), ScaleOffset(other.ScaleOffset), SortBias(other.SortBias),
       StartDelay(other.StartDelay), StartDelayVariation(other.StartDelayVariation),
       BaseRandomSeed(other.BaseRandomSeed), Physics(PluginSlots::Copy(other.Physics, vrMKPContext::InEditor)),
-      RenderableState(other.RenderableState), AlwaysSimulate(other.AlwaysSimulate),
+      DynamicSettings(vrMKPDynamicSettings::Get_Shared_Default()), RenderableState(other.RenderableState), AlwaysSimulate(other.AlwaysSimulate),
       VelocityAligned(other.VelocityAligned), Marker(other.Marker), ScaleEnabled(other.ScaleEnabled)
 {
     Set_Renderable_State(STATE_STARTED | STATE_IN_SCENE, false);
@@ -69,6 +71,7 @@ void vrMKPRenderable::Seed_Instance()
 void vrMKPRenderable::Reset()
 {
     Set_Renderable_State(STATE_STARTED, false);
+    Outcome = {};
 }
 
 void vrMKPRenderable::Set_Always_Simulate(bool always)

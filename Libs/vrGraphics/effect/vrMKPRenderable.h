@@ -3,6 +3,8 @@
 #include "MKLib/MKMath/Vectors.h"
 #include "MKLib/NameTable.h"
 #include "MKLib/Random.h"
+#include "vrGraphics/effect/vrMKPDynamicSettings.h"
+#include "vrGraphics/particle/vrMKPRenderState.h"
 #include "vrGraphics/plugins/renderables/vrMKPRenderablePhysics.h"
 #include "vrGraphics/scene/vrRenderable.h"
 
@@ -10,6 +12,7 @@
 
 class vrMKParticleEmitter;
 class vrMKPRenderablePool;
+struct vrMKPGameState;
 
 namespace ChunkFile
 {
@@ -48,6 +51,29 @@ public:
     void Seed_Instance();
     /// Puts the renderable back to the time before its start.
     virtual void Reset();
+    /// Begins a run: what each run has for itself is made and drawn anew.
+    virtual void Start();
+    bool Is_Started() const { return (RenderableState & STATE_STARTED) != 0; }
+    /// Whether a plugin has ended it, until it starts again.
+    bool Is_Ended() const { return Outcome.Killed; }
+
+    /// The facts of its frame, for its plugins.
+    vrMKPRenderState &Get_State() { return State; }
+    const vrMKPRenderState &Get_State() const { return State; }
+    /// Its place in the world by this frame's motion, scale included.
+    const Mat3DClass &Get_Motion() const { return Motion; }
+    /// What its modifiers made of this frame: fade, light, end.
+    const vrMKPRenderableOutcome &Get_Outcome() const { return Outcome; }
+
+    /// Sets one of the values that game code may change while the renderable plays; `fadeTime` in seconds. An index
+    /// out of range asserts and does nothing.
+    void Set_Dynamic_Setting(int setting, const Vector4 &value, float fadeTime);
+    const vrMKPDynamicSettings &Get_Dynamic_Settings() const { return *DynamicSettings; }
+
+    const char *Get_Think_Name() const override { return Get_Name().c_str(); }
+    vrRenderable &Get_Top_Owner() override;
+    /// Takes the facts of the world and moves.
+    void Think(float dt) override;
 
     /// Process-wide. What happens to renderables when their emitter leaves a scene: with true the scene takes them
     /// over.
@@ -133,6 +159,16 @@ protected:
     void Finish_Load();
     /// Takes over what a renderable that splits off has in common with this one.
     void Copy_Placement_From(const vrMKPRenderable &other);
+    void On_Added(vrScene &scene) override;
+    void On_Removed(vrScene &scene) override;
+    /// Lets the modifiers change the outcome of the frame.
+    virtual void Update_Modifiers(vrMKPRenderableModifierContext context);
+    /// What a plugin of a renderable is told of the frame. A delayed renderable stands still until its delay is over.
+    template <typename Context> Context Make_Context(vrMKPBufferPluginData *data)
+    {
+        const float sinceStart = State.RunningTime > State.StartTimeOffset ? State.RunningTime - State.StartTimeOffset : 0.0f;
+        return {{State, sinceStart, sinceStart < State.FrameTime ? sinceStart : State.FrameTime, Random, data}};
+    }
 
 private:
     bool Load_Variables(ChunkFile::ChunkFileReaderClass &reader);
@@ -140,6 +176,12 @@ private:
     bool Load_Plugins(ChunkFile::ChunkFileReaderClass &reader);
     bool Save_Variables(ChunkFile::ChunkFileWriterClass &writer) const;
     bool Save_Plugins(ChunkFile::ChunkFileWriterClass &writer) const;
+
+    void Make_Plugin_Data();
+    void Take_World_Facts();
+    Mat3DClass Get_Base_Transform();
+    void Move();
+    void Take_Scale(float scale, const Vector3 &position);
 
     static bool RemoveWithEmitter;
 
@@ -159,6 +201,14 @@ private:
     std::vector<SmartPtr<vrMKPRenderableModifier>> Modifiers;
     vrMKParticleEmitter *Emitter = nullptr;
     SmartPtr<vrMKPRenderablePool> Pool;
+    vrMKPRenderState State;
+    Mat3DClass Motion;
+    Vector3 Heading{1.0f, 0.0f, 0.0f}; ///< where the emitter went last, for those aligned to its velocity
+    SmartPtr<vrMKPDynamicSettings> DynamicSettings;
+    SmartPtr<vrMKPBufferPluginData> PhysicsData;
+    std::vector<SmartPtr<vrMKPBufferPluginData>> ModifierData; ///< one for each modifier
+    vrMKPRenderableOutcome Outcome;
+    bool HasPlace = false; ///< moved at least once in this run
     uint8_t RenderableState = 0;
     bool AlwaysSimulate = false;
     bool VelocityAligned = false;

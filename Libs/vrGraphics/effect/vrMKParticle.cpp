@@ -5,6 +5,7 @@
 #include "vrGraphics/effect/vrMKParticleGroup.h"
 #include "vrGraphics/plugins/ensembles/Bullet.h"
 
+#include <algorithm>
 #include <utility>
 
 vrMKParticle::vrMKParticle() = default;
@@ -55,15 +56,21 @@ void vrMKParticle::Reset_Definition()
 
 void vrMKParticle::Restart()
 {
+    if (Buffer) {
+        Buffer->Active = false;
+        Buffer->Reset();
+    }
     Bounds = {};
     PreSimulated = false;
+    RefusedBuffer = false;
 }
 
 void vrMKParticle::Set_Group(vrMKParticleGroup *group)
 {
     Group = group;
-    if (Group && Transformer && Transformer->Needs_Camera())
-        Group->Set_Group_State(vrMKParticleGroup::GROUP_STATE_NEEDS_CAMERA, true);
+    if (!Group) return;
+    for (const auto &modifier : Modifiers) modifier->Bind_To_Emitter(Group->Get_State());
+    if (Is_View_Dependent()) Group->Set_Group_State(vrMKParticleGroup::GROUP_STATE_NEEDS_CAMERA, true);
 }
 
 vrMKPModifier *vrMKParticle::Get_Modifier(int index) const
@@ -83,6 +90,7 @@ void vrMKParticle::Add_Modifier(vrMKPModifier *modifier)
 {
     if (!MK_VERIFY(modifier != nullptr, "modifier == NULL")) return;
     Modifiers.emplace_back(modifier);
+    if (Buffer && Buffer->State) Buffer->ModifierData.emplace_back(modifier->Create_Buffer_Data(*Buffer->State));
     if (!BulletModifier && modifier->Get_Plugin_Class() == kvrMKPBulletModifier)
         BulletModifier = static_cast<vrMKPBulletModifier *>(modifier);
 }
@@ -91,6 +99,8 @@ bool vrMKParticle::Remove_Modifier(int index)
 {
     if (!Get_Modifier(index)) return false;
     Modifiers.erase(Modifiers.begin() + index);
+    if (Buffer && index < static_cast<int>(Buffer->ModifierData.size()))
+        Buffer->ModifierData.erase(Buffer->ModifierData.begin() + index);
     Find_Bullet_Modifier();
     return true;
 }
@@ -99,6 +109,8 @@ bool vrMKParticle::Swap_Modifiers(int a, int b)
 {
     if (!Get_Modifier(a) || !Get_Modifier(b)) return false;
     std::swap(Modifiers[static_cast<size_t>(a)], Modifiers[static_cast<size_t>(b)]);
+    if (Buffer && static_cast<size_t>(std::max(a, b)) < Buffer->ModifierData.size())
+        std::swap(Buffer->ModifierData[static_cast<size_t>(a)], Buffer->ModifierData[static_cast<size_t>(b)]);
     Find_Bullet_Modifier();
     return true;
 }
@@ -125,7 +137,7 @@ void vrMKParticle::Push_LOD()
 size_t vrMKParticle::Get_Memory_Usage(bool includePlugins) const
 {
     size_t bytes = sizeof(*this) + Modifiers.capacity() * sizeof(Modifiers[0]);
-    if (Buffer) bytes += sizeof(*Buffer);
+    if (Buffer) bytes += sizeof(*Buffer) + Buffer->Get_Memory_Usage();
     if (!includePlugins) return bytes;
     for (const vrMKPPlugin *plugin :
          {static_cast<vrMKPPlugin *>(Spawner.Get()), static_cast<vrMKPPlugin *>(Transformer.Get()),

@@ -3,7 +3,9 @@
 #include "MKLib/MKMath/Vectors.h"
 #include "MKLib/NameTable.h"
 #include "MKLib/RefCount.h"
+#include "vrGraphics/particle/vrBounds.h"
 #include "vrGraphics/particle/vrMKPBuffer.h"
+#include "vrGraphics/particle/vrMKPLayer.h"
 #include "vrGraphics/plugins/modifiers/vrMKPModifier.h"
 #include "vrGraphics/plugins/spawners/vrMKPSpawner.h"
 #include "vrGraphics/plugins/stompers/vrMKPStomper.h"
@@ -13,12 +15,13 @@
 #include <vector>
 
 class vrMKParticleGroup;
+class vrMKPBoundsSum;
 class vrMKPBulletModifier;
 
 /// One layer of an effect: a name, four slots with one plugin each, a list of modifiers that run in its order, and the
 /// live buffer of one instance. The plugins are the definition. Definition is changed on the main thread or the loader,
 /// between frames.
-class vrMKParticle final : public RefCountClass
+class vrMKParticle final : public RefCountClass, public vrMKPLayer
 {
 public:
     /// Chunks of a layer in a file.
@@ -51,7 +54,7 @@ public:
     /// Ends a run and keeps the definition.
     void Restart();
 
-    const MK::String &Get_Name() const { return Name.Get_String(); }
+    const MK::String &Get_Name() const override { return Name.Get_String(); }
     void Set_Name(std::string_view name) { Name = NameTableRef(name); }
     vrMKParticleGroup *Get_Group() const { return Group; }
     /// Borrows the group that owns the layer, and tells it whether the layer is placed anew for each view.
@@ -66,6 +69,7 @@ public:
     void Set_Transformer(vrMKPTransformer *transformer) { Transformer = transformer; }
     void Set_Stomper(vrMKPStomper *stomper) { Stomper = stomper; }
     void Set_Visualizer(vrMKPVisualizer *visualizer) { Visualizer = visualizer; }
+    bool Is_Hardware() const { return Spawner && Spawner->Get_Plugin_Class() == kvrMKPHardwareSpawner; }
 
     int Get_Modifier_Count() const { return static_cast<int>(Modifiers.size()); }
     /// Null for an index out of range.
@@ -81,14 +85,43 @@ public:
 
     /// Copies the level of detail of the spawner into a running layer's buffer.
     void Push_LOD();
-    vrMKPBuffer *Get_Buffer() const { return Buffer.Get(); }
+    vrMKPBuffer *Get_Buffer() const override { return Buffer.Get(); }
     void Set_Buffer(vrMKPBuffer *buffer) { Buffer = buffer; }
+    /// The box of the particles as they are drawn, of the last frame.
+    const vrBounds &Get_Bounds() const { return Bounds; }
 
-    // A layer is suspended while any of the three is set.
-    void Set_Hidden_By_Spawner(bool hidden) { HiddenBySpawner = hidden; }
-    void Set_Hidden_By_Group(bool hidden) { HiddenByGroup = hidden; }
-    void Set_Hidden_By_LOD(bool hidden) { HiddenByLOD = hidden; }
+    // A layer is suspended while any of the three is set. The spawner is told when that changes.
+    void Set_Hidden_By_Spawner(bool hidden) { Set_Hidden_Flag(HiddenBySpawner, hidden); }
+    void Set_Hidden_By_Group(bool hidden) { Set_Hidden_Flag(HiddenByGroup, hidden); }
+    void Set_Hidden_By_LOD(bool hidden) { Set_Hidden_Flag(HiddenByLOD, hidden); }
     bool Is_Suspended() const { return HiddenBySpawner || HiddenByGroup || HiddenByLOD; }
+
+    /// Makes the buffer, or readies it for a new run. False when the layer stays without a live one: the spawner doesn't
+    /// want it yet, or its capacity is refused, which is logged once a run. Before a frame: it allocates, and draws from
+    /// counters of the process.
+    bool Prepare_Buffer(vrMKParticleGroup &group);
+    /// One frame of `dt` seconds, in the fixed order that makes a particle's life: age and remove the dead, move, spawn,
+    /// modifiers in list order, world positions, the stomper's condition, bounds. Does nothing without a live buffer.
+    void Update(float dt, vrMKParticleGroup &group);
+    /// The same for a layer that a graphics device simulates.
+    void Update_Hardware(float dt, vrMKParticleGroup &group);
+    /// Whether the layer may create particles in this frame, by its level of detail and by what its spawner says.
+    bool Should_Spawn() const;
+    /// Places the particles of a view-dependent layer for a camera.
+    void Pre_Render_Transform(const Mat3DClass &camera);
+    /// Picks what is drawn for a camera at `camera`.
+    void Select_Visible_Particles(const Vector3 &camera);
+    /// Whether the layer has particles, or may get some without its parent's.
+    bool Has_Work() const;
+    bool Needs_Serial_Frame() const;
+    /// Start, stop and life together, in seconds.
+    float Get_Lifetime() const;
+    void On_Parent_Particle_Death(const Vector3 &position, const Vector3 &velocity, float overshoot) override;
+    /// Decides by the spawner's chance whether the layer shows in the run that starts.
+    void Draw_Probability();
+    void Set_Alt_Index(int index);
+    /// The group was hidden or shown.
+    void On_Group_Hidden(bool hidden);
 
     /// Bytes of the layer and what it allocated; with `includePlugins`, of its plugins and their parameters too.
     size_t Get_Memory_Usage(bool includePlugins) const;
@@ -97,23 +130,30 @@ public:
     bool Is_Same_Definition(const vrMKParticle &other) const;
 
 private:
-    struct BoundsStruct
-    {
-        Vector3 Minimum{0.0f};
-        Vector3 Maximum{0.0f};
-    };
-
     bool Load_Chunk(ChunkFile::ChunkFileReaderClass &reader, uint32_t id);
     bool Load_Visualizer(ChunkFile::ChunkFileReaderClass &reader);
     bool Load_Modifier(ChunkFile::ChunkFileReaderClass &reader);
     /// `shared` has the assets to take over, when the layer is a clone; null after a load.
     void Post_Load(bool loadAssets, const vrMKPVisualizer *shared);
     void Find_Bullet_Modifier();
+    void Set_Hidden_Flag(bool &flag, bool hidden);
+    bool Make_Buffer(vrMKPRenderState &state, SmartPtr<vrMKPBufferPluginData> spawnData, int capacity);
+    void Pre_Simulate(vrMKParticleGroup &group);
+    void Step_Particles();
+    bool Fuses_Blocks() const;
+    void Prepare_Modifiers(size_t first, size_t last);
+    void Finish_Block(vrMKPSpan block, vrMKPSpan fresh, size_t first, size_t last, bool transforms,
+                      vrMKPBoundsSum *sum);
+    void Modify_And_Transform();
+    void Run_Modifiers(size_t first, size_t last);
+    void Measure(const vrMKPBoundsSum *sum);
+    bool Is_View_Dependent() const { return Transformer && Transformer->Needs_Camera(); }
 
     vrMKParticleGroup *Group = nullptr;
-    BoundsStruct Bounds;
+    vrBounds Bounds;
     NameTableRef Name;
     bool PreSimulated = false;
+    bool RefusedBuffer = false; ///< in this run
     bool HiddenBySpawner = false;
     bool HiddenByGroup = false;
     bool HiddenByLOD = false;

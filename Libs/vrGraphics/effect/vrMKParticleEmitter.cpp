@@ -5,6 +5,7 @@
 #include "vrGraphics/effect/vrMKPRenderablePool.h"
 #include "vrGraphics/effect/vrMKParticleGroup.h"
 #include "vrGraphics/plugins/ensembles/Bullet.h"
+#include "vrGraphics/scene/vrScene.h"
 
 MK_DEFINE_RUN_TIME_TYPE(vrMKParticleEmitter, vrParticleInterface)
 
@@ -93,6 +94,12 @@ SmartPtr<vrMKPRenderable> vrMKParticleEmitter::Get_Particle_Renderable(int index
     return MKPRenderables[static_cast<size_t>(index)];
 }
 
+vrMKPRenderable *vrMKParticleEmitter::Peek_Particle_Renderable(int index) const
+{
+    if (index < 0 || index >= Get_Particle_Renderable_Count()) return nullptr;
+    return MKPRenderables[static_cast<size_t>(index)].Get();
+}
+
 int vrMKParticleEmitter::Get_Renderable_Index(const vrMKPRenderable *renderable) const
 {
     int index = Get_Particle_Renderable_Count() - 1;
@@ -114,6 +121,7 @@ bool vrMKParticleEmitter::Insert_Renderable(vrMKPRenderable *renderable, int ind
     renderable->Set_Scale_Enabled(ScaleEnabled);
     renderable->Set_Emitter(this);
     MKPRenderables.emplace(MKPRenderables.begin() + index, renderable);
+    if (Get_Scene()) Get_Scene()->Enter(*renderable);
     Set_Flag(EMITTER_ALWAYS_SIMULATES, renderable->Get_Always_Simulate());
     return true;
 }
@@ -122,6 +130,7 @@ bool vrMKParticleEmitter::Remove_Renderable(const vrMKPRenderable *renderable)
 {
     const int index = Get_Renderable_Index(renderable);
     if (index < 0) return false;
+    if (Get_Scene()) Get_Scene()->Leave(*MKPRenderables[static_cast<size_t>(index)]);
     Release_Renderable(*MKPRenderables[static_cast<size_t>(index)], false);
     MKPRenderables.erase(MKPRenderables.begin() + index);
     return true;

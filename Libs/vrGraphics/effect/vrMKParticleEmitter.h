@@ -1,6 +1,7 @@
 #pragma once
 
 #include "MKLib/NameTable.h"
+#include "vrGraphics/effect/vrMKPGameState.h"
 #include "vrGraphics/scene/vrRenderable.h"
 
 #include <array>
@@ -63,6 +64,8 @@ public:
     int Get_Particle_Renderable_Count() const { return static_cast<int>(MKPRenderables.size()); }
     /// Null for an index out of range.
     SmartPtr<vrMKPRenderable> Get_Particle_Renderable(int index) const;
+    /// The same without a share in it, for those that only look.
+    vrMKPRenderable *Peek_Particle_Renderable(int index) const;
     /// Index by address, or -1. Searches from the end, where a load is at work.
     int Get_Renderable_Index(const vrMKPRenderable *renderable) const;
     /// False, with an assertion, for null.
@@ -89,9 +92,37 @@ public:
     vrMKPRenderablePhysics *Get_Shared_Physics() const { return SharedPhysics.Get(); }
     vrMKPBulletModifier *Get_Shared_Projectile() const { return SharedProjectile.Get(); }
 
+    // What game code tells the effect; in force from the next frame on.
+    const vrMKPGameState &Get_Game_State() const { return Game; }
+    void Set_Game_State(const vrMKPGameState &game) { Game = game; }
+    void Set_Hidden(bool hidden) override;
+    /// Of the variants of the effect the layers of one index show; -1 shows all.
+    void Set_Alt_Index(int index);
+    /// A request to the layers that code spawns into.
+    void Spawn_Code_Particles(int count);
+    /// Starts the effect over where it stands.
+    void Restart();
+    /// The way that the emitter went before this frame's motion.
+    const Vector3 &Get_Last_Way() const { return LastWay; }
+    /// Process-wide: what the graphics driver multiplies the alpha of effects with that ask for it.
+    static void Set_Driver_Tint_Alpha(float alpha) { DriverTintAlpha = alpha; }
+    /// Colour and alpha factors for what the effect draws, those of the scene included.
+    RGBAClass Get_Tint() const;
+    /// Whether nothing lives in any group, and nothing more will by itself.
+    bool Is_Depleted() const;
+
+    const char *Get_Think_Name() const override { return Get_Name().c_str(); }
+    void Think(float dt) override;
+    /// Leaves the scene once it is depleted.
+    void Post_Think(float dt) override;
+
     size_t Get_Object_Size() const override { return sizeof(*this); }
     /// Bytes of the emitter and its renderables; with `includePlugins`, of all plugins and parameters too.
     size_t Get_Memory_Usage(bool includePlugins) const;
+
+protected:
+    void On_Added(vrScene &scene) override;
+    void On_Removed(vrScene &scene) override;
 
 private:
     class InstanceCounterClass;
@@ -108,6 +139,13 @@ private:
     void Set_Flag(EmitterFlagsStruct flag, bool on);
     void Take_Projectile_From(const vrMKParticleEmitter &other);
     void Release_Renderable(vrMKPRenderable &renderable, bool isKept);
+    void Update_Depletion();
+    bool Has_Work() const;
+    bool Has_Finished() const;
+    /// Calls for each group of the emitter.
+    template <typename Call> void For_Groups(Call &&call) const;
+
+    static float DriverTintAlpha;
 
     NameTableRef Name;
     std::vector<SmartPtr<vrMKPRenderable>> MKPRenderables; ///< in the order of the file and of the tool's rows
@@ -115,6 +153,9 @@ private:
     SmartPtr<vrMKPBulletModifier> SharedProjectile;
     SmartPtr<vrMKPRenderablePool> Pool;
     SmartPtr<InstanceCounterClass> InstanceCounter; ///< its count is that of the instances
+    vrMKPGameState Game;
+    Vector3 LastPosition{0.0f};
+    Vector3 LastWay{0.0f};
     bool SceneReassignHint = false;
     bool KeepRenderables = false;
     bool ScaleEnabled = false;

@@ -8,9 +8,15 @@ MK_DEFINE_RUN_TIME_TYPE(vrMKParticleGroup, vrMKPRenderable)
 
 bool vrMKParticleGroup::ForceAdditionalAssetLoading = true;
 
+vrMKParticleGroup::vrMKParticleGroup()
+{
+    Get_State().Layers = this;
+}
+
 vrMKParticleGroup::vrMKParticleGroup(const vrMKParticleGroup &other)
     : vrMKPRenderable(other), ParticleGroupStates(other.ParticleGroupStates)
 {
+    Get_State().Layers = this;
     Particles.reserve(other.Particles.size());
     for (const auto &particle : other.Particles) Add_Particle(SmartPtr<vrMKParticle>(particle->Clone()).Get());
     Lights.reserve(other.Lights.size());

@@ -3,12 +3,13 @@
 #include "vrGraphics/effect/vrMKPRenderable.h"
 #include "vrGraphics/effect/vrMKParticle.h"
 #include "vrGraphics/plugins/lights/vrMKPLightSourceController.h"
+#include "vrGraphics/scene/vrParticleLight.h"
 
 class vrMKPAttachedModelParameters;
 
 /// The renderable that holds particle layers and lights. Layers run in list order, which matters where one is the
 /// parent of another.
-class vrMKParticleGroup final : public vrMKPRenderable
+class vrMKParticleGroup final : public vrMKPRenderable, public vrMKPLayerList
 {
 public:
     MK_RUN_TIME_TYPE
@@ -20,7 +21,7 @@ public:
         GROUP_STATE_NEEDS_CAMERA = 0x4   ///< some layer is placed anew for each view
     };
 
-    vrMKParticleGroup() = default;
+    vrMKParticleGroup();
     ~vrMKParticleGroup() override;
 
     vrMKParticleGroup *Clone(vrCloneType type) const override;
@@ -34,6 +35,31 @@ public:
     bool Load_Legacy_Group(ChunkFile::ChunkFileReaderClass *reader);
     /// Restarts each layer too.
     void Reset() override;
+    void Start() override;
+    void Set_Hidden(bool hidden) override;
+    /// Whether the group or its emitter is hidden.
+    bool Is_Group_Hidden() const;
+    /// The emitter was hidden or shown.
+    void On_Emitter_Hidden(bool hidden);
+    /// Of the variants of an effect the layers of one index show; -1 shows all.
+    void Set_Alt_Index(int index);
+    /// A request of game code to the layers that take them.
+    void Spawn_Code_Particles(int count);
+
+    void Pre_Think(float dt) override;
+    bool Wants_Particle_Think() const override { return Is_Started() && !Is_Ended(); }
+    bool Needs_Serial_Frame() const override;
+    void Think_Particles(float dt) override;
+    /// Whether nothing lives, and nothing more will by itself.
+    bool Is_Depleted() const { return LiveParticles == 0 && WaitingLayers == 0; }
+    /// The box around all layers, of the last frame.
+    vrBounds Get_Bounds() const;
+    vrMKPLayer *Find_Layer(std::string_view name) const override;
+    /// Hands the death of a parent's particle to the spawner of one of the group's layers.
+    void On_Parent_Particle_Death(vrMKParticle *particle, const Vector3 &position, const Vector3 &velocity,
+                                  float overshoot, vrMKPBuffer *buffer);
+    /// As it shines in this frame; expects an index of a light.
+    const vrParticleLight &Get_Light_State(int index) const { return LightStates[static_cast<size_t>(index)]; }
 
     /// Process-wide, true at the start: whether a load of a layer readies the visualizer's textures and shader.
     static void Enable_Forced_Additional_Asset_Loading(bool enabled) { ForceAdditionalAssetLoading = enabled; }
@@ -68,10 +94,17 @@ private:
     bool Load_Legacy_Lights(ChunkFile::ChunkFileReaderClass &reader);
     bool Load_Legacy_Physics(ChunkFile::ChunkFileReaderClass &reader);
     bool Split_Off_Model(vrMKPAttachedModelParameters *parameters);
+    void Count_Work();
+    void Update_Lights();
 
     static bool ForceAdditionalAssetLoading;
 
     std::vector<SmartPtr<vrMKParticle>> Particles;
     std::vector<SmartPtr<vrMKPLightSourceController>> Lights;
+    std::vector<SmartPtr<vrMKPBufferPluginData>> LightData; ///< one for each light
+    std::vector<vrParticleLight> LightStates;
+    int LiveParticles = 0; ///< of the last frame, like the next
+    int WaitingLayers = 0; ///< that may spawn by themselves
+    int AltIndex = -1;
     uint8_t ParticleGroupStates = 0;
 };

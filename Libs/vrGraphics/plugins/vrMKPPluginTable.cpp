@@ -22,6 +22,7 @@
 #include "vrGraphics/plugins/modifiers/Wander.h"
 #include "vrGraphics/plugins/renderables/KillerAndLightScale.h"
 #include "vrGraphics/plugins/renderables/Physics.h"
+#include "vrGraphics/plugins/renderables/Projectiles.h"
 #include "vrGraphics/plugins/spawners/CodeSpawner.h"
 #include "vrGraphics/plugins/spawners/MeshSpawner.h"
 #include "vrGraphics/plugins/spawners/ParticleSpawners.h"

@@ -1,12 +1,15 @@
 #pragma once
 
-/// The base of what can stand in a scene. Here is what an effect's definition needs of it: a run-time class that
-/// `MK_Dynamic_Cast` asks, cloning, and whether it is updated while nobody sees it.
+/// The base of what can stand in a scene: a run-time class that `MK_Dynamic_Cast` asks, cloning, a place in the world,
+/// and the steps of a frame.
 
+#include "MKLib/MKMath/Mat3D.h"
 #include "MKLib/RefCount.h"
 #include "MKLib/RunTimeType.h"
 
 #include <cstdint>
+
+class vrScene;
 
 /// What a clone is for.
 enum vrCloneType : int
@@ -22,6 +25,9 @@ public:
     MK_RUN_TIME_TYPE_ROOT
 };
 
+/// A frame of a scene calls, in this order, `Pre_Think` of all on one thread, `Think` of all, with those of one owner
+/// one after the other and owners side by side, `Think_Particles` of all that want it, side by side, and `Post_Think`
+/// of all on one thread.
 class vrRenderable : public CullObjectClass
 {
 public:
@@ -33,19 +39,56 @@ public:
         UPDATE_ALWAYS
     };
 
-    /// A new object with a count of 0.
+    /// A new object with a count of 0, in no scene.
     virtual vrRenderable *Clone(vrCloneType type) const = 0;
     virtual size_t Get_Object_Size() const = 0;
+    /// For messages.
+    virtual const char *Get_Think_Name() const { return ""; }
 
     UpdateModeType Get_Update_Mode() const { return UpdateMode; }
     void Set_Update_Mode(UpdateModeType mode) { UpdateMode = mode; }
 
+    vrScene *Get_Scene() const { return Scene; }
+    /// From its own frame to the world.
+    const Mat3DClass &Get_Transform() const { return Transform; }
+    virtual void Set_Transform(const Mat3DClass &transform) { Transform = transform; }
+    /// Hidden things aren't drawn. Nothing is hidden at the start.
+    bool Is_Hidden() const { return Hidden; }
+    virtual void Set_Hidden(bool hidden) { Hidden = hidden; }
+
+    /// The thing that this one is a part of, which may be itself.
+    virtual vrRenderable &Get_Top_Owner() { return *this; }
+    /// Whether it has particles to simulate in this frame.
+    virtual bool Wants_Particle_Think() const { return false; }
+    /// Whether its particles can't run beside those of others in this frame.
+    virtual bool Needs_Serial_Frame() const { return false; }
+    /// The only step that may allocate or draw from what the process shares.
+    virtual void Pre_Think(float /*dt*/) {}
+    virtual void Think(float /*dt*/) {}
+    virtual void Think_Particles(float /*dt*/) {}
+    /// May ask the scene to remove it.
+    virtual void Post_Think(float /*dt*/) {}
+
 protected:
+    friend class vrScene;
+
     vrRenderable() = default;
-    vrRenderable(const vrRenderable &) = default;
+    vrRenderable(const vrRenderable &other)
+        : CullObjectClass(other), Transform(other.Transform), UpdateMode(other.UpdateMode), Hidden(other.Hidden)
+    {
+    }
+
+    /// Enters a scene, which it then has; leaves it, which it still has.
+    virtual void On_Added(vrScene & /*scene*/) {}
+    virtual void On_Removed(vrScene & /*scene*/) {}
+    void Set_Scene(vrScene *scene) { Scene = scene; }
 
 private:
+    vrScene *Scene = nullptr;
+    Mat3DClass Transform;
     UpdateModeType UpdateMode = UPDATE_WHEN_VISIBLE;
+    bool Hidden = false;
+    int ThinkGroup = -1; ///< the scene's, of the frame that runs
 };
 
 /// The base of what a scene plays as particles.

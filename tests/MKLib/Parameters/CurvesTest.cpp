@@ -1,10 +1,12 @@
 #include "MKLib/Parameters/ParameterFiles.h"
 
 #include "MKLib/File/XMLDatabase.h"
+#include "MKLib/Random.h"
 #include "common/Reports.h"
 
 #include <gmock/gmock.h>
 
+#include <bit>
 #include <limits>
 #include <thread>
 
@@ -130,6 +132,85 @@ TEST(Curve, BlendsColoursAndRectanglesByComponent)
     Vector4 rectangle;
     rectangles.Evaluate(0.5f, true, rectangle);
     EXPECT_EQ(rectangle, Vector4(0.5f, 1.0f, 1.0f, 2.0f));
+}
+
+/// A time or value out of a few that meet, numbers of all sizes, and what is none.
+float Any_Number(RandomClass &random)
+{
+    const int kind = random.Get_Int(0, 9);
+    if (kind == 0) return NAN_VALUE;
+    if (kind == 1) return random.Get_Int(0, 1) ? INFINITE : -INFINITE;
+    if (kind == 2) return random.Get_Int(0, 1) ? 0.0f : -0.0f;
+    if (kind < 5) return static_cast<float>(random.Get_Int(-4, 4)) * 0.25f;
+    if (kind < 7) return 0.5f + static_cast<float>(random.Get_Int(-4, 4)) * 0.00005f;
+    return random.Get_Float(-2.0f, 2.0f);
+}
+
+float Number_From(const Vector4 &value, int component)
+{
+    return value[component];
+}
+float Number_From(const RGBAClass &value, int component)
+{
+    return (&value.R)[component];
+}
+float Number_From(float value, int)
+{
+    return value;
+}
+
+template <typename T>
+void Make_Value(RandomClass &random, T &value)
+{
+    if constexpr (std::is_same_v<T, float>)
+        value = Any_Number(random);
+    else
+        value = {Any_Number(random), Any_Number(random), Any_Number(random), Any_Number(random)};
+}
+
+template <typename T, typename Curve>
+void Expect_Many_As_One_By_One(bool spline)
+{
+    RandomClass random;
+    random.Seed(7);
+    MKTest::Reports reports; // splines of times that meet are told
+    for (int round = 0; round < 400; ++round) {
+        Curve curve("k", "");
+        curve.Set_Spline(spline);
+        const int keyCount = random.Get_Int(0, random.Get_Int(0, 3) ? 18 : 60);
+        for (int key = 0; key < keyCount; ++key) {
+            T value{};
+            Make_Value(random, value);
+            float time = Any_Number(random);
+            if (std::isnan(time) && random.Get_Int(0, 9)) time = random.Get_Float(0.0f, 1.0f);
+            curve.Add_Key(time, value);
+        }
+        std::vector<float> times(static_cast<size_t>(random.Get_Int(0, 600)));
+        for (float &time : times) time = Any_Number(random);
+        const bool smooth = round % 2 != 0;
+        std::vector<T> many(times.size());
+        curve.Evaluate_Many(times.data(), static_cast<int>(times.size()), smooth, many.data());
+        for (size_t i = 0; i < times.size(); ++i) {
+            T one{};
+            curve.Evaluate(times[i], smooth, one);
+            for (int component = 0; component < 4; ++component) {
+                const float expected = Number_From(one, component);
+                const float found = Number_From(many[i], component);
+                ASSERT_TRUE(std::isnan(expected) ? std::isnan(found)
+                                                 : std::bit_cast<uint32_t>(expected) == std::bit_cast<uint32_t>(found))
+                    << "round " << round << ", " << curve.Get_Key_Count() << " keys at " << times[i] << ": " << expected
+                    << " and " << found;
+            }
+        }
+    }
+}
+
+TEST(Curve, EvaluatesManyTimesToTheBitAsOneByOne)
+{
+    Expect_Many_As_One_By_One<float, KeyedFloatParameterClass>(false);
+    Expect_Many_As_One_By_One<float, KeyedFloatParameterClass>(true);
+    Expect_Many_As_One_By_One<RGBAClass, KeyedRGBAParameter>(false);
+    Expect_Many_As_One_By_One<Vector4, KeyedUVParameter>(false);
 }
 
 TEST(Spline, IsTheNaturalCubicThroughItsPoints)

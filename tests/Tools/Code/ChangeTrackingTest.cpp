@@ -85,7 +85,7 @@ TEST_F(ChangeTracking, OtherChangesOfTheListMarkNothing)
 TEST_F(ChangeTracking, AnEditReachesARunningLayer)
 {
     vrMKParticle &particle = *tool.Row(4).Get_Particle();
-    particle.Set_Buffer(new vrMKPBuffer);
+    particle.Set_Buffer(vrMKPBuffer::Create(1, "test"));
     tool.Select({4});
     ASSERT_TRUE(tool.form->Edit_Current("GlobalLOD", "2"));
     ASSERT_TRUE(tool.form->Edit_Current("MinimumDynamicLOD", "0.5"));

@@ -20,7 +20,8 @@ using vroTest::Workshop;
 namespace
 {
 
-const std::vector<std::string> COMMANDS = {"info", "dump", "build", "chunks", "rewrite", "check", "edit", "plugins"};
+const std::vector<std::string> COMMANDS = {"info", "dump", "build", "chunks", "rewrite", "check",
+                                           "edit", "plugins", "simulate", "bench"};
 
 /// A full disk, as near as a test may come: every write to a file fails.
 const std::string FULL_DISK = "trap '' XFSZ; ulimit -f 0;";
@@ -126,6 +127,8 @@ TEST(CommandLine, BadInputEndsWithItsNameAndTheReason)
              std::vector<std::vector<std::string>>{{"info", input.file},
                                                    {"dump", input.file},
                                                    {"check", input.file},
+                                                   {"simulate", input.file, "--frames", "1", "--dt", "0.1"},
+                                                   {"bench", input.file},
                                                    {"rewrite", input.file, "-o", "out.vro"},
                                                    {"dump", input.file, "-o", "out.vro"}})
         {
@@ -184,7 +187,8 @@ TEST(CommandLine, ADashStandsForTheStandardStreams)
     ASSERT_EQ(built.Code, 0) << built.Err;
     EXPECT_EQ(shop.Vro({"rewrite", "-", "-o", "-"}, built.Out).Out, built.Out);
     for (const std::vector<std::string> &line :
-         std::vector<std::vector<std::string>>{{"check", "-"}, {"info", "-"}, {"chunks", "-"}})
+         std::vector<std::vector<std::string>>{
+             {"check", "-"}, {"info", "-"}, {"chunks", "-"}, {"simulate", "-", "--frames", "2", "--dt", "0.1"}})
     {
         const Outcome outcome = shop.Vro(line, built.Out);
         EXPECT_EQ(outcome.Code, 0) << line[0] << outcome.Err;
@@ -240,7 +244,8 @@ TEST(CommandLine, AFullStandardOutputIsAFailure)
                                                {"check", "effect.vro"},
                                                {"chunks", "effect.vro"},
                                                {"chunks", "effect.vro", "--json"},
-                                               {"rewrite", "effect.vro", "-o", "-"}})
+                                               {"rewrite", "effect.vro", "-o", "-"},
+                                               {"simulate", "effect.vro", "--frames", "2", "--dt", "0.1"}})
     {
         const Outcome outcome = shop.Vro(line, "", "exec > /dev/full;");
         EXPECT_EQ(outcome.Code, 1) << testing::PrintToString(line);

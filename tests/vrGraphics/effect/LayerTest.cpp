@@ -198,7 +198,7 @@ TEST(Layer, PushedLevelsOfDetailReachARunningBufferOnly)
     layer.Push_LOD(); // nothing runs
     EXPECT_EQ(layer.Get_Buffer(), nullptr);
 
-    const SmartPtr<vrMKPBuffer> buffer(new vrMKPBuffer);
+    const SmartPtr<vrMKPBuffer> buffer(vrMKPBuffer::Create(1, "test"));
     layer.Set_Buffer(buffer.Get());
     layer.Get_Spawner()->Set_LOD(3);
     layer.Get_Spawner()->Set_Min_Dynamic_LOD(0.25f);
@@ -227,7 +227,7 @@ TEST(Layer, ACloneSharesPluginsAndInTheEditorOwnsThem)
 {
     const LoadedEmitter loaded = Load_Emitter(Rich_File());
     vrMKParticle &source = loaded.Layer_At(0, 1);
-    source.Set_Buffer(new vrMKPBuffer);
+    source.Set_Buffer(vrMKPBuffer::Create(1, "test"));
     source.Set_Hidden_By_Spawner(true);
     source.Set_Hidden_By_LOD(true);
     for (const bool inEditor : {false, true}) {
@@ -266,7 +266,7 @@ TEST(Layer, ALoadReplacesAllButTheName)
     const SmartPtr<vrMKParticle> layer(new vrMKParticle);
     layer->Set_Name("kept");
     layer->Set_Spawner(static_cast<vrMKPSpawner *>(vrMKPPlugin::Create_Plugin(34)));
-    layer->Set_Buffer(new vrMKPBuffer);
+    layer->Set_Buffer(vrMKPBuffer::Create(1, "test"));
     layer->Add_Modifier(static_cast<vrMKPModifier *>(vrMKPPlugin::Create_Plugin(kvrMKPBulletModifier)));
     const Bytes bytes = Build(Layer({Plugin(2, 26)}));
     RAMFileClass memory(bytes.data(), static_cast<int64_t>(bytes.size()));

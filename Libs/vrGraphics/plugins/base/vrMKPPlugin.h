@@ -10,7 +10,10 @@
 
 #include <cstdint>
 
+class vrMKPBuffer;
+class vrMKPBufferPluginData;
 struct vrMKPPluginInfo;
+struct vrMKPRenderState;
 
 class vrMKPPlugin : public RefCountClass
 {
@@ -91,6 +94,9 @@ public:
     size_t Get_Parameter_Memory() const { return Parameters.Get_Memory_Usage(); }
     virtual size_t Get_Object_Size() const = 0;
     bool Is_Obsolete() const;
+    /// What the plugin keeps for one buffer, with a count of 0; null for a kind that keeps nothing. Before a frame, on
+    /// the thread that owns the scene.
+    virtual vrMKPBufferPluginData *Create_Buffer_Data(const vrMKPRenderState & /*state*/) const { return nullptr; }
 
     ParameterListClass &Get_Parameters() { return Parameters; }
     const ParameterListClass &Get_Parameters() const { return Parameters; }

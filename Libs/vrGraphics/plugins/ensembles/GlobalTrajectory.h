@@ -9,4 +9,11 @@ class vrMKPGlobalTrajectoryStomper final : public vrMKPStomper
 public:
     vrMKPGlobalTrajectoryStomper();
     size_t Get_Object_Size() const override { return sizeof(*this); }
+
+protected:
+    void Stomp(vrMKPBuffer &buffer, bool spawnOnDeath) const override;
+
+private:
+    RangedFloatParameter *TrajectoryPosition;
+    BoolParameter *ReverseDirection;
 };

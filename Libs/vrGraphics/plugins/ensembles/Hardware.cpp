@@ -1,5 +1,6 @@
 #include "vrGraphics/plugins/ensembles/Hardware.h"
 
+#include "vrGraphics/particle/vrBounds.h"
 #include "vrGraphics/plugins/spawners/SpawnerTexts.h"
 #include "MKLib/Parameters/ShapeParameter.h"
 
@@ -12,6 +13,8 @@ constexpr const char *GEOMETRY_MODES[] = {"Billboard", "Velocity Aligned"};
 
 constexpr RGBAClass OPAQUE_WHITE{1.0f, 1.0f, 1.0f, 1.0f};
 constexpr RGBAClass CLEAR_WHITE{1.0f, 1.0f, 1.0f, 0.0f};
+
+constexpr float HALF_EXTENT = 5000.0f; ///< of the box that hardware particles are culled by, world units
 
 } // namespace
 
@@ -59,4 +62,9 @@ vrMKPHardwareBillboardVisualizer::vrMKPHardwareBillboardVisualizer() : vrMKPSimp
     Parameters.Add_Float(6412, "Mid Size", 1.0f, 0.0f, 200.0f, "Middle size");
     Parameters.Add_Float(6413, "End Size", 1.0f, 0.0f, 200.0f, "End size");
     Parameters.Add_Float(6414, "Mid Size Key Time", 0.5f, 0.0f, 1.0f, "Time (0..1) for the mid size key.");
+}
+
+void vrMKPHardwareBillboardVisualizer::Compute_Bounds(vrMKPBuffer & /*buffer*/, vrBounds *bounds) const
+{
+    if (bounds) *bounds = {Vector3(0.0f), Vector3(HALF_EXTENT)};
 }

@@ -7,6 +7,8 @@
 #include "vrGraphics/plugins/stompers/vrMKPStomper.h"
 #include "vrGraphics/plugins/visualizers/vrMKPVisualizer.h"
 
+/// Hands its values over to the device, its timing included: to the layer it is a spawner without an end, whose buffer
+/// stays empty. Without a device that simulates particles the layer shows nothing.
 class vrMKPHardwareSpawner final : public vrMKPSpawner
 {
 public:
@@ -19,10 +21,18 @@ class vrMKPHardwareBillboardVisualizer final : public vrMKPSimpleVisualizer
 public:
     vrMKPHardwareBillboardVisualizer();
     size_t Get_Object_Size() const override { return sizeof(*this); }
+    /// A box of a fixed size about the origin: nobody knows where the particles are.
+    void Compute_Bounds(vrMKPBuffer &buffer, vrBounds *bounds) const override;
+    bool Has_Plain_Bounds() const override { return false; }
+    void Select_Visible_Particles(vrMKPBuffer & /*buffer*/, const Vector3 & /*camera*/) const override {}
 };
 
+/// Does nothing: the device ends its own particles.
 class vrMKPHWStomper final : public vrMKPStomper
 {
 public:
     size_t Get_Object_Size() const override { return sizeof(*this); }
+    void Init_New_Particles(vrMKPBuffer & /*buffer*/) const override {}
+    bool Begin_Age(vrMKPBuffer & /*buffer*/) const override { return false; }
+    bool Has_Condition() const override { return false; }
 };

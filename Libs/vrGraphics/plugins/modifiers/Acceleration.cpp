@@ -1,47 +1,199 @@
 #include "vrGraphics/plugins/modifiers/Acceleration.h"
 
+#include "MKLib/MKDebug/Assert.h"
+#include "vrGraphics/plugins/modifiers/MotionLoops.h"
+
+#include <algorithm>
+#include <bit>
+
 namespace
 {
 
-/// Ids in a row.
-void Add_Acceleration(ParameterListClass &parameters, int32_t firstId)
+using namespace Motion;
+
+MK_SIMD bool Add_Keyed(const Run &run, const Vector3 &acceleration, const float *__restrict factors, float frameTime)
 {
-    parameters.Add_Vector3(firstId, "Acceleration", Vector3(0.0f, 0.0f, -1.0f),
-                           "Acceleration in units per second second");
-    parameters.Add_Bool(firstId + 1, "Local Space", false, "Is this acceleration local to the group");
+    const Vector3 add = acceleration;
+    return Push(run, [=](int i, const Vector3 &, Vector3 &velocity) MK_KERNEL {
+        velocity = Plus(velocity, Times(add, frameTime * factors[i]));
+        return true;
+    });
 }
 
-void Add_Wind_Response(ParameterListClass &parameters, float value)
+MK_SIMD bool Add_To_Moving(const Run &run, const Vector3 &addend)
 {
-    parameters.Add_Float(200, "Wind Response", value, 0.0f, 10.0f,
-                         "Responsive factor to scene wind (how much the particle responds to wind).");
+    const Vector3 add = addend;
+    return Push(run, [=](int, const Vector3 &, Vector3 &velocity) MK_KERNEL {
+        velocity = Plus(velocity, add);
+        return true;
+    });
+}
+
+/// A pattern of three floats repeats after 3 vectors of 16 floats.
+constexpr int PATTERN = 48;
+
+/// Adds to each float of `vectors`, three by three, and answers whether a sum is infinite or no number: of those alone
+/// x - x isn't 0. Each lane of the pattern has its own answer, so that they stay in registers.
+MK_SIMD bool Add_To_All(float *__restrict vectors, int count, const Vector3 &add)
+{
+    float pattern[PATTERN];
+    uint32_t invalid[PATTERN];
+    for (int lane = 0; lane < PATTERN; ++lane) {
+        pattern[lane] = add[lane % 3];
+        invalid[lane] = 0;
+    }
+    int at = 0;
+    for (; at + PATTERN <= count; at += PATTERN)
+        for (int lane = 0; lane < PATTERN; ++lane) {
+            const float value = vectors[at + lane] + pattern[lane];
+            vectors[at + lane] = value;
+            invalid[lane] |= std::bit_cast<uint32_t>(value - value);
+        }
+    for (int lane = 0; at < count; ++at, ++lane) {
+        vectors[at] += pattern[lane];
+        invalid[lane] |= std::bit_cast<uint32_t>(vectors[at] - vectors[at]);
+    }
+    uint32_t anyInvalid = 0;
+    for (int lane = 0; lane < PATTERN; ++lane) anyInvalid |= invalid[lane];
+    return anyInvalid != 0;
+}
+
+/// The same vector to all but those at rest, of one of the vector channels.
+bool Add_Alike(vrMKPBuffer &buffer, Vector3 *channel, vrMKPSpan span, const Vector3 &add)
+{
+    if (!buffer.MayHaveStopped) return Add_To_All(&channel[span.First].x, span.Count * 3, add);
+    Run run(buffer, span);
+    run.Velocity = channel + span.First;
+    return Add_To_Moving(run, add);
+}
+
+void Accelerate(vrMKPBuffer &buffer, vrMKPSpan span, const Vector3 &acceleration)
+{
+    const bool invalid = Add_Alike(buffer, buffer.Velocity, span, acceleration * buffer.State->FrameTime);
+    MK_ASSERT(!invalid, INVALID_VELOCITY);
+}
+
+RangedFloatParameter *Add_Wind_Response(ParameterListClass &parameters, float value)
+{
+    return parameters.Add_Float(200, "Wind Response", value, 0.0f, 10.0f,
+                                "Responsive factor to scene wind (how much the particle responds to wind).");
+}
+
+Vector3 Get_Wind(const vrMKPBuffer &buffer)
+{
+    return buffer.Is_World() ? buffer.State->Wind : buffer.State->InverseTransform.Rotate(buffer.State->Wind);
 }
 
 } // namespace
 
+void vrMKPFramedAcceleration::Add_To(ParameterListClass &parameters, int32_t firstId)
+{
+    Acceleration = parameters.Add_Vector3(firstId, "Acceleration", Vector3(0.0f, 0.0f, -1.0f),
+                                          "Acceleration in units per second second");
+    IsLocal = parameters.Add_Bool(firstId + 1, "Local Space", false, "Is this acceleration local to the group");
+}
+
+Vector3 vrMKPFramedAcceleration::In_Frame_Of(const vrMKPBuffer &buffer) const
+{
+    const Vector3 &acceleration = Acceleration->Get_Value();
+    if (IsLocal->Get_Value() != buffer.Is_World()) return acceleration;
+    const vrMKPRenderState &state = *buffer.State;
+    return (buffer.Is_World() ? state.Transform : state.InverseTransform).Rotate(acceleration);
+}
+
 vrMKPAccelerationModifier::vrMKPAccelerationModifier()
 {
-    Add_Acceleration(Parameters, 200);
+    Acceleration.Add_To(Parameters, 200);
+}
+
+void vrMKPAccelerationModifier::Apply(vrMKPBuffer &buffer, int, vrMKPSpan span) const
+{
+    Accelerate(buffer, span, Acceleration.In_Frame_Of(buffer));
 }
 
 vrMKPKeyedAccelerationModifier::vrMKPKeyedAccelerationModifier()
 {
-    Parameters.Add_Vector3(300, "Direction", Vector3(0.0f, 0.0f, -1.0f), "Direction vector of acceleration.");
-    Parameters.Add_Keyed_Float(301, "Acceleration", "Accelerations of particle");
-    Parameters.Add_Bool(302, "Local Space", false, "Apply acceleration in particle's local space");
+    Direction.Acceleration =
+        Parameters.Add_Vector3(300, "Direction", Vector3(0.0f, 0.0f, -1.0f), "Direction vector of acceleration.");
+    Acceleration = Parameters.Add_Keyed_Float(301, "Acceleration", "Accelerations of particle");
+    Direction.IsLocal = Parameters.Add_Bool(302, "Local Space", false, "Apply acceleration in particle's local space");
+}
+
+void vrMKPKeyedAccelerationModifier::Apply(vrMKPBuffer &buffer, int, vrMKPSpan span) const
+{
+    const Vector3 direction = Direction.In_Frame_Of(buffer);
+    float factors[MKP_CURVE_BLOCK];
+    bool invalid = false;
+    For_Each_Curve_Block(span, [&](int first, int count) {
+        const Run run(buffer, {first, count});
+        Acceleration->Evaluate_Many(run.Time, count, Is_Smooth(), factors);
+        invalid |= Add_Keyed(run, direction, factors, buffer.State->FrameTime);
+    });
+    MK_ASSERT(!invalid, INVALID_VELOCITY);
 }
 
 vrMKPCircleTargetAccelerationModifier::vrMKPCircleTargetAccelerationModifier()
 {
-    Add_Acceleration(Parameters, 7000);
+    Acceleration.Add_To(Parameters, 7000);
+}
+
+void vrMKPCircleTargetAccelerationModifier::Modify(vrMKPBuffer &buffer, int index) const
+{
+    vrMKPTargetModifier::Modify(buffer, index);
+    if (buffer.SpawnedThisFrame > 0 && buffer.State->ProjectileSpeed != 0.0f) Throw_New_Particles(buffer, index);
+}
+
+void vrMKPCircleTargetAccelerationModifier::Apply(vrMKPBuffer &buffer, int, vrMKPSpan span) const
+{
+    Accelerate(buffer, span, Acceleration.In_Frame_Of(buffer));
+}
+
+/// The level speed is that of the projectile. It is in the air for T = D / V, in which the height comes to
+/// v.z T + a T^2 / 2.
+void vrMKPCircleTargetAccelerationModifier::Throw_New_Particles(vrMKPBuffer &buffer, int index) const
+{
+    const Vector3 target = Get_Buffer_Target(buffer, index);
+    const float speed = buffer.State->ProjectileSpeed;
+    const float fall = Acceleration.Acceleration->Get_Value().z * 0.5f;
+    const float radius = buffer.State->TargetCircleRadius;
+    RandomClass &random = buffer.State->Random;
+    bool invalid = false;
+    for (const vrMKPSpan span : buffer.New_Spans())
+        for (int slot = span.First; slot < span.First + span.Count; ++slot) {
+            if (buffer.Flags[slot] & PARTICLE_STOPPED) continue;
+            const Vector3 &position = buffer.Position[slot];
+            const float angle = random.Get_Float(0.0f, Particle::TWO_PI);
+            const float distance = random.Get_Float(std::min(0.0f, radius), std::max(0.0f, radius));
+            const Vector3 way(std::cos(angle) * distance + target.x - position.x,
+                              std::sin(angle) * distance + target.y - position.y, 0.0f);
+            const float squared = Dot(way, way);
+            if (!(squared > 0.0001f)) continue;
+            const Vector3 direction = Particle::Unit(way);
+            const float duration = std::sqrt(squared) / speed;
+            const float rise = (target.z - position.z) / duration;
+            buffer.Velocity[slot] = {direction.x * speed, direction.y * speed, rise - fall * duration};
+            invalid |= Is_Invalid(buffer.Velocity[slot]);
+        }
+    MK_ASSERT(!invalid, INVALID_VELOCITY);
 }
 
 vrMKPWindAccelerationModifier::vrMKPWindAccelerationModifier()
 {
-    Add_Wind_Response(Parameters, 0.5f);
+    WindResponse = Add_Wind_Response(Parameters, 0.5f);
+}
+
+void vrMKPWindAccelerationModifier::Apply(vrMKPBuffer &buffer, int, vrMKPSpan span) const
+{
+    Accelerate(buffer, span, Get_Wind(buffer) * WindResponse->Get_Value());
 }
 
 vrMKPWindVelocityModifier::vrMKPWindVelocityModifier()
 {
-    Add_Wind_Response(Parameters, 0.25f);
+    WindResponse = Add_Wind_Response(Parameters, 0.25f);
+}
+
+void vrMKPWindVelocityModifier::Apply(vrMKPBuffer &buffer, int, vrMKPSpan span) const
+{
+    const Vector3 way = Get_Wind(buffer) * buffer.State->FrameTime * WindResponse->Get_Value();
+    Add_Alike(buffer, buffer.Position, span, way);
 }

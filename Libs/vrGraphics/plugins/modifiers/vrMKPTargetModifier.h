@@ -1,6 +1,18 @@
 #pragma once
 
+#include "MKLib/Parameters/ParametersFwd.h"
+#include "vrGraphics/particle/TargetPoint.h"
 #include "vrGraphics/plugins/modifiers/vrMKPModifier.h"
+
+/// The bone that a target modifier found for a buffer.
+class vrMKPTargetModifierPluginData final : public vrMKPBufferPluginData
+{
+public:
+    MK_RUN_TIME_TYPE
+    void Reset() override { Bone.Reset(); }
+
+    vrMKPBoneCache Bone;
+};
 
 /// The base of the modifiers that act about a point: the parameters tell which.
 class vrMKPTargetModifier : public vrMKPModifier
@@ -26,6 +38,23 @@ public:
         LOOPING_PING_PONG
     };
 
+    vrMKPBufferPluginData *Create_Buffer_Data(const vrMKPRenderState &state) const override;
+    /// In the world; `index` is the modifier's place in the layer.
+    Vector3 Get_Target_Position(const vrMKPBuffer &buffer, int index) const;
+
 protected:
     vrMKPTargetModifier();
+    /// In the space of the buffer's particles.
+    Vector3 Get_Buffer_Target(const vrMKPBuffer &buffer, int index) const;
+
+private:
+    Vector3 Get_Keyed_Position(float age) const;
+
+    EnumParameterClass *Target;
+    StringParameterClass *BoneName;
+    Vector3Parameter *FixedPosition;
+    RangedFloatParameter *StartTime;
+    RangedFloatParameter *EndTime;
+    KeyedFloatParameterClass *Translate[3];
+    EnumParameterClass *Looping;
 };

@@ -11,6 +11,8 @@ class vrMKPChainVisualizer : public vrMKPSimpleVisualizer
 public:
     vrMKPChainVisualizer();
     size_t Get_Object_Size() const override { return sizeof(*this); }
+    /// All particles are links: a chain with holes in it is another chain.
+    void Select_Visible_Particles(vrMKPBuffer & /*buffer*/, const Vector3 & /*camera*/) const override {}
 };
 
 /// One ribbon that lies flat in the X-Y plane.

@@ -54,4 +54,6 @@ class vrMKPKiteVisualizer final : public vrMKPBillboardVisualizer
 {
 public:
     size_t Get_Object_Size() const override { return sizeof(*this); }
+    void Compute_Bounds(vrMKPBuffer & /*buffer*/, vrBounds * /*bounds*/) const override {}
+    bool Has_Plain_Bounds() const override { return false; }
 };

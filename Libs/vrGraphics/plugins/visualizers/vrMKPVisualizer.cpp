@@ -1,5 +1,16 @@
 #include "vrGraphics/plugins/visualizers/vrMKPVisualizer.h"
 
+#include "MKLib/MKDebug/Assert.h"
+#include "MKLib/Parameters/SimpleParameters.h"
+#include "vrGraphics/particle/ParticleMath.h"
+#include "vrGraphics/particle/vrBounds.h"
+#include "vrGraphics/particle/vrMKPRenderState.h"
+
+#include <glm/geometric.hpp>
+
+#include <algorithm>
+#include <cmath>
+
 namespace
 {
 
@@ -14,13 +25,125 @@ constexpr const char *LIGHTING_SOURCES[] = {"Sun", "Particle Light Source"};
 
 constexpr RGBAClass OPAQUE_BLACK{0.0f, 0.0f, 0.0f, 1.0f};
 
+/// A least fraction so close to 1 thins nothing.
+constexpr float LOD_TOLERANCE = 0.0001f;
+constexpr float GREATEST_ID = 65535.0f;
+/// A centroid farther off than that has jumped.
+constexpr float MAX_CENTROID_LAG_DISTANCE = 1000.0f;
+
+/// Up to which random value a particle is drawn for a camera at a distance.
+int Visible_Threshold(const vrMKPBuffer &buffer, float distance)
+{
+    const float nearDistance = buffer.DynamicLODNear;
+    const float farDistance = buffer.DynamicLODFar;
+    float thinning = 0.0f;
+    if (distance <= nearDistance)
+        thinning = 0.0f;
+    else if (distance >= farDistance)
+        thinning = 1.0f;
+    else
+        thinning = Particle::Smooth_Step((distance - nearDistance) / (farDistance - nearDistance));
+    float fraction = (1.0f - thinning) * buffer.State->GlobalDensity;
+    if (buffer.MinDynamicLOD > fraction) fraction = buffer.MinDynamicLOD;
+    if (fraction > 1.0f) fraction = 1.0f;
+    return Particle::Truncate(fraction * GREATEST_ID);
+}
+
+MK_SIMD void List_All(uint32_t *__restrict render, int first, int count)
+{
+    for (int at = 0; at < count; ++at) render[at] = static_cast<uint32_t>(first + at);
+}
+
+/// Writes each slot and steps only past those that count: which do is as good as random, and a branch on it would be
+/// guessed wrong half the time.
+int List_Visible(uint32_t *__restrict render, const uint32_t *__restrict ids, int first, int count, int threshold)
+{
+    int visible = 0;
+    for (int at = 0; at < count; ++at) {
+        render[visible] = static_cast<uint32_t>(first + at);
+        visible += static_cast<int>(ids[at] & 0xffff) <= threshold ? 1 : 0;
+    }
+    return visible;
+}
+
 } // namespace
 
 vrMKPVisualizer::vrMKPVisualizer()
 {
-    Parameters.Add_Float(10000, "Centroid Lag", 1.0f, 0.0f, 5.0f,
-                         "Time over which to smooth out the centroid.\nIncrease this to prevent \"popping\" of the "
-                         "shadows as particles pop in and out of existence.");
+    CentroidLag =
+        Parameters.Add_Float(10000, "Centroid Lag", 1.0f, 0.0f, 5.0f,
+                             "Time over which to smooth out the centroid.\nIncrease this to prevent \"popping\" of the "
+                             "shadows as particles pop in and out of existence.");
+}
+
+void vrMKPVisualizer::Select_Visible_Particles(vrMKPBuffer &buffer, const Vector3 &camera) const
+{
+    const bool selects = !(std::abs(buffer.MinDynamicLOD - 1.0f) <= LOD_TOLERANCE);
+    const int threshold = selects ? Visible_Threshold(buffer, glm::length(camera - buffer.State->Get_Position())) : 0;
+    int visible = 0;
+    for (const vrMKPSpan span : buffer.Live_Spans()) {
+        uint32_t *render = buffer.Render + visible;
+        if (selects) {
+            visible += List_Visible(render, buffer.ID + span.First, span.First, span.Count, threshold);
+        } else {
+            List_All(render, span.First, span.Count);
+            visible += span.Count;
+        }
+    }
+    buffer.VisibleCount = visible;
+}
+
+vrMKPBoundsSum vrMKPVisualizer::Begin_Bounds(const vrMKPBuffer &buffer) const
+{
+    const vrMKPRenderState &state = *buffer.State;
+    const bool isScaledAtSpawn = buffer.ScaleType == PARTICLE_SCALE_AT_SPAWN;
+    vrMKPBoundsSum::AspectRange range;
+    return vrMKPBoundsSum(isScaledAtSpawn ? state.RenderSizeMultiplier * state.SizeScale : state.RenderSizeMultiplier,
+                          Get_Aspect_Range(range) ? &range : nullptr);
+}
+
+void vrMKPVisualizer::End_Bounds(vrMKPBuffer &buffer, const vrMKPBoundsSum &sum, vrBounds *bounds) const
+{
+    if (bounds) {
+        const vrMKPRenderState &state = *buffer.State;
+        const bool isScaledAtDraw = buffer.ScaleType == PARTICLE_SCALE_AT_DRAW;
+        const float scale = isScaledAtDraw ? state.PositionScale : 1.0f;
+        const Vector3 offset = isScaledAtDraw ? state.PositionOffset : Vector3(0.0f);
+        Vector3 minimum = state.Get_Position();
+        Vector3 maximum = minimum;
+        if (sum.Get_Count() > 0) {
+            minimum = sum.Get_Minimum();
+            maximum = sum.Get_Maximum();
+            buffer.Centroid = sum.Get_Sum() / static_cast<float>(sum.Get_Count()) * scale + offset;
+        }
+        minimum = minimum * scale + offset;
+        maximum = maximum * scale + offset;
+        bounds->Center = (minimum + maximum) * 0.5f;
+        bounds->Extent = (maximum - minimum) * 0.5f;
+        MK_ASSERT(Is_Valid(bounds->Center), "set_bounds->Center.Is_Valid()");
+        MK_ASSERT(Is_Valid(bounds->Extent), "set_bounds->Extent.Is_Valid()");
+    }
+    Smooth_Centroid(buffer);
+}
+
+void vrMKPVisualizer::Compute_Bounds(vrMKPBuffer &buffer, vrBounds *bounds) const
+{
+    vrMKPBoundsSum sum = Begin_Bounds(buffer);
+    if (bounds)
+        for (const vrMKPSpan span : buffer.Live_Spans()) sum.Add_Span(buffer, span);
+    End_Bounds(buffer, sum, bounds);
+}
+
+void vrMKPVisualizer::Smooth_Centroid(vrMKPBuffer &buffer) const
+{
+    const float lag = CentroidLag->Get_Value();
+    const bool isNear = glm::length(buffer.Centroid - buffer.SmoothedCentroid) <= MAX_CENTROID_LAG_DISTANCE;
+    if (buffer.State->IsInstantMove || lag == 0.0f || !isNear) {
+        buffer.SmoothedCentroid = buffer.Centroid;
+        return;
+    }
+    const float share = std::min(lag, buffer.State->FrameTime) / lag;
+    buffer.SmoothedCentroid = buffer.SmoothedCentroid * (1.0f - share) + buffer.Centroid * share;
 }
 
 vrMKPSimpleVisualizer::vrMKPSimpleVisualizer(bool usesAspectRatio)
@@ -38,11 +161,18 @@ vrMKPSimpleVisualizer::vrMKPSimpleVisualizer(bool usesAspectRatio)
                          "Depth offset for each particle. Positive value \"pushes\" them further away. Negative value "
                          "\"pulls\" them closer.");
     if (usesAspectRatio) {
-        Parameters.Add_Float(5, "Min Aspect Ratio", 1.0f, 0.0f, 100.0f,
-                             "Minimum possible aspect ratio for each particle.");
-        Parameters.Add_Float(6, "Max Aspect Ratio", 1.0f, 0.0f, 100.0f,
-                             "Maximum possible aspect ratio for each particle.");
+        MinAspectRatio = Parameters.Add_Float(5, "Min Aspect Ratio", 1.0f, 0.0f, 100.0f,
+                                              "Minimum possible aspect ratio for each particle.");
+        MaxAspectRatio = Parameters.Add_Float(6, "Max Aspect Ratio", 1.0f, 0.0f, 100.0f,
+                                              "Maximum possible aspect ratio for each particle.");
     }
+}
+
+bool vrMKPSimpleVisualizer::Get_Aspect_Range(vrMKPBoundsSum::AspectRange &range) const
+{
+    if (!MinAspectRatio) return false;
+    range = {MinAspectRatio->Get_Value(), MaxAspectRatio->Get_Value()};
+    return true;
 }
 
 TextureNameParameterClass *vrMKPSimpleVisualizer::Add_Texture_Name(int32_t id, std::string_view value)

@@ -5,7 +5,11 @@
 /// visualizer's.
 
 #include "MKLib/Parameters/StringParameters.h"
+#include "vrGraphics/particle/vrMKPBuffer.h"
 #include "vrGraphics/plugins/base/vrMKPPlugin.h"
+#include "vrGraphics/plugins/visualizers/vrMKPBoundsSum.h"
+
+struct vrBounds;
 
 class vrMKPVisualizer : public vrMKPPlugin
 {
@@ -18,8 +22,27 @@ public:
     /// The text of "Shader Name"; empty for a visualizer that has none.
     virtual std::string_view Get_Shader_Name() const { return {}; }
 
+    /// Measures the layer at the end of its frame: the centroid of the live particles and the box around them as they
+    /// will be drawn; then smooths the centroid. Null for no box.
+    virtual void Compute_Bounds(vrMKPBuffer &buffer, vrBounds *bounds) const;
+    /// Whether `Compute_Bounds` is `Begin_Bounds`, the sum of all live particles, and `End_Bounds`, so that a frame may
+    /// add them as it goes.
+    virtual bool Has_Plain_Bounds() const { return true; }
+    vrMKPBoundsSum Begin_Bounds(const vrMKPBuffer &buffer) const;
+    /// Null for no box, which takes no sum either.
+    void End_Bounds(vrMKPBuffer &buffer, const vrMKPBoundsSum &sum, vrBounds *bounds) const;
+    /// Fills the channel "Render" with the slots that are drawn for a camera at `camera`, in ring order.
+    virtual void Select_Visible_Particles(vrMKPBuffer &buffer, const Vector3 &camera) const;
+
 protected:
     vrMKPVisualizer();
+    /// The range of "Aspect Ratio" for a kind that has one.
+    virtual bool Get_Aspect_Range(vrMKPBoundsSum::AspectRange & /*range*/) const { return false; }
+
+private:
+    void Smooth_Centroid(vrMKPBuffer &buffer) const;
+
+    RangedFloatParameter *CentroidLag;
 };
 
 /// The base of all visualizers that draw, with the render modes, the depth switches and the shader's name.
@@ -38,6 +61,7 @@ public:
 protected:
     /// `usesAspectRatio` adds the two parameters that stretch each particle at random.
     explicit vrMKPSimpleVisualizer(bool usesAspectRatio);
+    bool Get_Aspect_Range(vrMKPBoundsSum::AspectRange &range) const override;
 
     // The forms in which the derived kinds have these. Until a kind adds its shader's name it is "Unknown", and is
     // neither saved nor shown.
@@ -54,4 +78,6 @@ protected:
 
 private:
     SmartPtr<StringParameterClass> ShaderName;
+    RangedFloatParameter *MinAspectRatio = nullptr; ///< null, like the other, in a kind that doesn't use them
+    RangedFloatParameter *MaxAspectRatio = nullptr;
 };

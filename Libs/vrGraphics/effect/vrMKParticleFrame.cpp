@@ -1,0 +1,307 @@
+#include "vrGraphics/effect/vrMKParticle.h"
+
+#include "MKLib/MKDebug/Logger.h"
+#include "vrGraphics/effect/vrMKParticleGroup.h"
+#include "vrGraphics/particle/ParticleMath.h"
+#include "vrGraphics/particle/vrHWParticleBuffer.h"
+#include "vrGraphics/plugins/visualizers/vrMKPBoundsSum.h"
+
+#include <algorithm>
+
+static MKDebug::Logger ParticleLog("ParticleLog");
+
+namespace
+{
+
+/// Slots that all behaviours work on before the next ones: their channels stay in the first cache meanwhile.
+constexpr int BLOCK = 512;
+constexpr float PRE_SIMULATION_STEP = 0.033f;
+constexpr float PRE_SIMULATION_RATE = 30.30303f; ///< steps a second
+/// What a file may ask for at most, ten times the greatest value of the parameter.
+constexpr int MAX_PRE_SIMULATION_STEPS = 3030;
+
+template <typename Work> void For_Blocks(const vrMKPSpans &spans, Work &&work)
+{
+    for (const vrMKPSpan span : spans)
+        for (int at = 0; at < span.Count; at += BLOCK)
+            work(vrMKPSpan{span.First + at, std::min(BLOCK, span.Count - at)});
+}
+
+} // namespace
+
+bool vrMKParticle::Prepare_Buffer(vrMKParticleGroup &group)
+{
+    if (!Spawner || !Stomper || RefusedBuffer) return false;
+    vrMKPRenderState &state = group.Get_State();
+    SmartPtr<vrMKPBufferPluginData> data = Buffer ? Buffer->SpawnerData : nullptr;
+    if (!Spawner->Create_Spawn_Data(state, &data)) return false;
+    Stomper->Update_Life();
+    const int capacity = Spawner->Get_Max_Particles(state, data.Get(), Stomper.Get());
+    if (!Make_Buffer(state, std::move(data), capacity)) {
+        RefusedBuffer = true;
+        return false;
+    }
+    Buffer->Active = true;
+    Buffer->State = &state;
+    Buffer->Companion = Spawner->Get_Buffer_Companion(*Buffer);
+    Buffer->Random.Seed(Spawner->Get_Run_Seed(state));
+    Buffer->Owner = this;
+    Buffer->Layer = this;
+    return true;
+}
+
+bool vrMKParticle::Make_Buffer(vrMKPRenderState &state, SmartPtr<vrMKPBufferPluginData> spawnData, int capacity)
+{
+    if (Buffer) return Buffer->Capacity == capacity || Buffer->Resize(capacity, Get_Name());
+    Buffer = vrMKPBuffer::Create(capacity, Get_Name());
+    if (!Buffer) return false;
+    Buffer->State = &state;
+    Buffer->SpawnerData = std::move(spawnData);
+    Buffer->HardLifetime = Spawner->Has_Hard_Lifetime();
+    Buffer->InverseMaxAge = 1.0f / Stomper->Get_Max_Life(state);
+    Push_LOD();
+    Buffer->StomperData = Stomper->Create_Buffer_Data(state);
+    Buffer->ModifierData.reserve(Modifiers.size());
+    for (const auto &modifier : Modifiers) Buffer->ModifierData.emplace_back(modifier->Create_Buffer_Data(state));
+    if (Visualizer) Buffer->VisualizerData = Visualizer->Create_Buffer_Data(state);
+    return true;
+}
+
+void vrMKParticle::Update(float dt, vrMKParticleGroup &group)
+{
+    if (Is_Suspended() || Is_Hardware() || !Buffer || !Buffer->Active) return;
+    vrMKPRenderState &state = group.Get_State();
+    if (Transformer) {
+        Buffer->TransformType = Transformer->Get_Transform_Type();
+        // A slave has its parent's world positions, whatever its own transformer does.
+        Buffer->Share_World_Positions(Transformer->Keeps_Positions() && Spawner &&
+                                      Spawner->Get_Plugin_Class() != kvrMKPSlaveSpawner);
+    }
+    Pre_Simulate(group);
+    state.FrameTime = dt;
+    if (Spawner && Stomper)
+        Step_Particles();
+    else
+        Measure(nullptr);
+
+    state.ParticleCount += Buffer->ActiveCount;
+    if (Spawner && Spawner->Get_Contribute_To_Lighting()) state.LightingParticleCount += Buffer->ActiveCount;
+    Buffer->SpawnedThisFrame = 0;
+}
+
+void vrMKParticle::Pre_Simulate(vrMKParticleGroup &group)
+{
+    if (PreSimulated) return;
+    PreSimulated = true;
+    const float seconds = Spawner ? Spawner->Get_Pre_Simulate_Seconds() : 0.0f;
+    if (!(seconds > 0.0f)) return;
+    int steps = Particle::Truncate(seconds * PRE_SIMULATION_RATE);
+    if (steps > MAX_PRE_SIMULATION_STEPS) {
+        MK_LOG(ParticleLog, MKDebug::LogLevel::Warning, "Layer \"%s\" asks for %g seconds ahead of its start, gets %g",
+               Get_Name().c_str(), static_cast<double>(seconds),
+               static_cast<double>(MAX_PRE_SIMULATION_STEPS * PRE_SIMULATION_STEP));
+        steps = MAX_PRE_SIMULATION_STEPS;
+    }
+    for (int step = 0; step < steps; ++step) Update(PRE_SIMULATION_STEP, group);
+}
+
+/// Everything that happens to a particle in a frame but for its birth and the stomper's condition happens to one block of
+/// particles after the other, as long as they are in the cache, where the plugins allow it: `Fuses_Blocks`.
+void vrMKParticle::Step_Particles()
+{
+    vrMKPBuffer &buffer = *Buffer;
+    buffer.ScaleType = buffer.State->IsProjectile && Spawner->Uses_Scaled_Transform_Data() && Transformer
+                           ? Transformer->Get_Scale_Type()
+                           : PARTICLE_SCALE_NONE;
+    const bool ages = Stomper->Begin_Age(buffer);
+    buffer.Begin_Move(Spawner->Get_Auto_Update_Positions());
+    const bool fuses = Fuses_Blocks();
+    const bool hasOld = buffer.ActiveCount > 0;
+    const bool hasPlainBounds = fuses && Visualizer && Visualizer->Has_Plain_Bounds() && !Stomper->Has_Condition();
+    vrMKPBoundsSum sum = Visualizer ? Visualizer->Begin_Bounds(buffer) : vrMKPBoundsSum(1.0f);
+    vrMKPBoundsSum *const inBlocks = hasPlainBounds ? &sum : nullptr;
+
+    if (fuses && hasOld) Prepare_Modifiers(0, Modifiers.size());
+    bool isValid = true;
+    For_Blocks(buffer.Live_Spans(), [&](vrMKPSpan block) {
+        if (ages) Stomper->Age_Span(buffer, block);
+        isValid &= buffer.Move_Span(block);
+        if (fuses) Finish_Block(block, {block.First, 0}, 0, Modifiers.size(), true, inBlocks);
+    });
+    MK_ASSERT(isValid, "Position[where].Is_Valid()");
+
+    if (Should_Spawn() || Spawner->Get_Plugin_Class() == kvrMKPSlaveSpawner) {
+        Spawner->Spawn(buffer);
+        if (buffer.SpawnedThisFrame > 0) Stomper->Init_New_Particles(buffer);
+    }
+    if (buffer.ActiveCount < 1) {
+        if (buffer.Companion && Transformer && !Is_View_Dependent()) Transformer->Transform(buffer);
+    } else if (fuses) {
+        if (!hasOld) Prepare_Modifiers(0, Modifiers.size());
+        For_Blocks(buffer.New_Spans(),
+                   [&](vrMKPSpan block) { Finish_Block(block, block, 0, Modifiers.size(), true, inBlocks); });
+        if (Transformer && !Is_View_Dependent()) Transformer->Transform_Companion(buffer);
+        Stomper->Kill_Particles(buffer);
+    } else {
+        Modify_And_Transform();
+        Stomper->Kill_Particles(buffer);
+    }
+    Measure(inBlocks);
+}
+
+/// Whether the particles of the last frame can be modified and placed before this frame's are born. What a modifier
+/// does to one particle must not depend on the others, and it must draw nothing.
+bool vrMKParticle::Fuses_Blocks() const
+{
+    return Spawner->Get_Plugin_Class() != kvrMKPSlaveSpawner &&
+           std::none_of(Modifiers.begin(), Modifiers.end(), [](const auto &modifier) {
+               return modifier->Get_Walk() == vrMKPModifier::WALK_WHOLE || modifier->Depends_On_Count() ||
+                      modifier->Needs_Serial_Frame();
+           });
+}
+
+void vrMKParticle::Prepare_Modifiers(size_t first, size_t last)
+{
+    for (size_t index = first; index < last; ++index)
+        Modifiers[index]->Prepare_Frame(*Buffer, static_cast<int>(index));
+}
+
+/// Runs modifiers `first` to `last` on a block, of which `fresh` was born in this frame, and then places and measures it.
+void vrMKParticle::Finish_Block(vrMKPSpan block, vrMKPSpan fresh, size_t first, size_t last, bool transforms,
+                                vrMKPBoundsSum *sum)
+{
+    vrMKPBuffer &buffer = *Buffer;
+    for (size_t index = first; index < last; ++index) {
+        const vrMKPModifier &modifier = *Modifiers[index];
+        if (modifier.Get_Walk() == vrMKPModifier::WALK_LIVE)
+            modifier.Apply(buffer, static_cast<int>(index), block);
+        else if (fresh.Count > 0)
+            modifier.Apply(buffer, static_cast<int>(index), fresh);
+    }
+    if (transforms && Transformer && !Is_View_Dependent()) Transformer->Transform_Span(buffer, block);
+    if (sum) sum->Add_Span(buffer, block);
+}
+
+void vrMKParticle::Modify_And_Transform()
+{
+    size_t first = 0;
+    while (first < Modifiers.size()) {
+        size_t last = first;
+        while (last < Modifiers.size() && Modifiers[last]->Get_Walk() != vrMKPModifier::WALK_WHOLE) ++last;
+        Run_Modifiers(first, last);
+        if (last < Modifiers.size()) Modifiers[last]->Modify(*Buffer, static_cast<int>(last));
+        first = last + 1;
+    }
+    if (Transformer && !Is_View_Dependent()) Transformer->Transform(*Buffer);
+}
+
+/// Modifiers between two that walk the whole ring share blocks.
+void vrMKParticle::Run_Modifiers(size_t first, size_t last)
+{
+    if (first == last) return;
+    Prepare_Modifiers(first, last);
+    int untilNew = std::max(Buffer->ActiveCount - Buffer->SpawnedThisFrame, 0); // the new ones are the last of the ring
+    For_Blocks(Buffer->Live_Spans(), [&](vrMKPSpan block) {
+        const int old = std::min(untilNew, block.Count);
+        untilNew -= old;
+        Finish_Block(block, {block.First + old, block.Count - old}, first, last, false, nullptr);
+    });
+}
+
+/// The bounds of the frame, with what was summed up by blocks where that is all of it.
+void vrMKParticle::Measure(const vrMKPBoundsSum *sum)
+{
+    if (!Visualizer || !Transformer || Is_View_Dependent()) return;
+    if (sum)
+        Visualizer->End_Bounds(*Buffer, *sum, &Bounds);
+    else
+        Visualizer->Compute_Bounds(*Buffer, &Bounds);
+}
+
+bool vrMKParticle::Should_Spawn() const
+{
+    if (!Spawner || !Buffer || !Buffer->State) return false;
+    int level = vrMKPSpawner::Get_Global_LOD();
+    if (Spawner->Get_Duration_Flags() & vrMKPSpawner::DURATION_HAS_END)
+        level = std::min(level, Buffer->State->QualitySnapshot);
+    return Spawner->Get_LOD() <= level && Spawner->Can_Spawn(Buffer.Get(), *Buffer->State, Stomper.Get());
+}
+
+void vrMKParticle::Update_Hardware(float dt, vrMKParticleGroup &group)
+{
+    if (Is_Suspended() || dt == 0.0f) return;
+    Bounds = {};
+    if (Spawner && (!Buffer || !Buffer->Active)) return;
+    vrMKPRenderState &state = group.Get_State();
+    if (!Buffer->Companion) return;
+    const vrBounds box = group.Get_Bounds();
+    if (Buffer->Companion->Update(dt, box.Center - box.Extent, box.Center + box.Extent)) ++state.HardwareCycles;
+    if (!state.Is_Showing()) Buffer->Companion->Stop_Spawning();
+}
+
+void vrMKParticle::Pre_Render_Transform(const Mat3DClass &camera)
+{
+    if (!Buffer || !Buffer->Active || !Visualizer || Is_Suspended() || !Is_View_Dependent()) return;
+    Transformer->Transform_For_View(Buffer.Get(), &camera, Bounds);
+}
+
+void vrMKParticle::Select_Visible_Particles(const Vector3 &camera)
+{
+    if (!Buffer || !Buffer->Active || !Visualizer || Is_Suspended()) return;
+    Visualizer->Select_Visible_Particles(*Buffer, camera);
+}
+
+bool vrMKParticle::Has_Work() const
+{
+    if (Is_Suspended() || !Buffer || !Buffer->Active) return false;
+    if (Buffer->ActiveCount > 0) return true;
+    return Spawner && !Spawner->Follows_Parent() && Should_Spawn();
+}
+
+bool vrMKParticle::Needs_Serial_Frame() const
+{
+    return std::any_of(Modifiers.begin(), Modifiers.end(),
+                       [](const auto &modifier) { return modifier->Needs_Serial_Frame(); });
+}
+
+float vrMKParticle::Get_Lifetime() const
+{
+    if (!Spawner || !Stomper || !Group) return 0.0f;
+    const vrMKPRenderState &state = Group->Get_State();
+    return Spawner->Get_Start_Time(state) + Spawner->Get_Stop_Time() + Stomper->Get_Max_Life(state);
+}
+
+void vrMKParticle::On_Parent_Particle_Death(const Vector3 &position, const Vector3 &velocity, float overshoot)
+{
+    if (Group) Group->On_Parent_Particle_Death(this, position, velocity, overshoot, Buffer.Get());
+}
+
+void vrMKParticle::Draw_Probability()
+{
+    if (Spawner && Group) Set_Hidden_By_LOD(!(Spawner->Get_Probability() > Group->Get_State().Random.Get_Float(0.0f, 1.0f)));
+}
+
+void vrMKParticle::Set_Alt_Index(int index)
+{
+    if (Spawner) Set_Hidden_By_Group(!Spawner->Passes_Alt_Index(index));
+}
+
+void vrMKParticle::Set_Hidden_Flag(bool &flag, bool hidden)
+{
+    const bool wasSuspended = Is_Suspended();
+    flag = hidden;
+    if (!Spawner || Is_Suspended() == wasSuspended) return;
+    if (!wasSuspended)
+        Spawner->On_Hidden(Buffer.Get());
+    else if (!Group || !Group->Is_Group_Hidden())
+        Spawner->On_Shown(Buffer.Get());
+}
+
+void vrMKParticle::On_Group_Hidden(bool hidden)
+{
+    if (!Spawner || Is_Suspended()) return;
+    if (hidden)
+        Spawner->On_Hidden(Buffer.Get());
+    else
+        Spawner->On_Shown(Buffer.Get());
+}

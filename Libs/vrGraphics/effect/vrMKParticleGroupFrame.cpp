@@ -1,0 +1,146 @@
+#include "vrGraphics/effect/vrMKParticleGroup.h"
+
+#include "vrGraphics/effect/vrMKParticleEmitter.h"
+
+#include <glm/common.hpp>
+
+#include <algorithm>
+#include <strings.h>
+
+void vrMKParticleGroup::Start()
+{
+    vrMKPRenderable::Start();
+    for (const auto &particle : Particles) {
+        particle->Restart();
+        particle->Draw_Probability();
+        particle->Set_Alt_Index(AltIndex);
+    }
+    LightStates.assign(Lights.size(), {});
+    LightData.clear();
+    for (const auto &light : Lights) LightData.emplace_back(light->Create_Buffer_Data(Get_State()));
+    LiveParticles = 0;
+    WaitingLayers = Particle_Count(); // until a frame has looked
+}
+
+void vrMKParticleGroup::Set_Hidden(bool hidden)
+{
+    const bool wasHidden = Is_Group_Hidden();
+    vrMKPRenderable::Set_Hidden(hidden);
+    if (Is_Group_Hidden() != wasHidden) On_Emitter_Hidden(hidden);
+}
+
+bool vrMKParticleGroup::Is_Group_Hidden() const
+{
+    return Is_Hidden() || (Get_Emitter() && Get_Emitter()->Is_Hidden());
+}
+
+void vrMKParticleGroup::On_Emitter_Hidden(bool hidden)
+{
+    Get_State().Hidden = hidden;
+    for (const auto &particle : Particles) particle->On_Group_Hidden(hidden);
+}
+
+void vrMKParticleGroup::Set_Alt_Index(int index)
+{
+    AltIndex = index;
+    for (const auto &particle : Particles) particle->Set_Alt_Index(index);
+}
+
+void vrMKParticleGroup::Spawn_Code_Particles(int count)
+{
+    for (const auto &particle : Particles) {
+        vrMKPBuffer *buffer = particle->Get_Buffer();
+        if (buffer && buffer->Active && particle->Get_Spawner())
+            particle->Get_Spawner()->Spawn_Code_Particle(*buffer, count);
+    }
+}
+
+void vrMKParticleGroup::Pre_Think(float)
+{
+    if (!Wants_Particle_Think()) return;
+    for (const auto &particle : Particles) {
+        const vrMKPBuffer *buffer = particle->Get_Buffer();
+        if (!particle->Is_Suspended() && (!buffer || !buffer->Active)) particle->Prepare_Buffer(*this);
+    }
+}
+
+bool vrMKParticleGroup::Needs_Serial_Frame() const
+{
+    return std::any_of(Particles.begin(), Particles.end(),
+                       [](const auto &particle) { return particle->Needs_Serial_Frame(); });
+}
+
+void vrMKParticleGroup::Think_Particles(float dt)
+{
+    if (Is_Ended()) return;
+    for (const auto &particle : Particles) {
+        if (particle->Is_Hardware())
+            particle->Update_Hardware(dt, *this);
+        else
+            particle->Update(dt, *this);
+    }
+    Get_State().FrameTime = dt;
+    Count_Work();
+    Update_Lights();
+}
+
+void vrMKParticleGroup::Count_Work()
+{
+    LiveParticles = 0;
+    WaitingLayers = 0;
+    for (const auto &particle : Particles) {
+        const vrMKPBuffer *buffer = particle->Get_Buffer();
+        if (!particle->Has_Work()) continue;
+        if (buffer->ActiveCount > 0)
+            LiveParticles += buffer->ActiveCount;
+        else
+            ++WaitingLayers;
+    }
+}
+
+void vrMKParticleGroup::Update_Lights()
+{
+    for (size_t index = 0; index < Lights.size() && index < LightStates.size(); ++index) {
+        auto context = Make_Context<vrMKPLightContext>(LightData[index].Get());
+        context.Transform = Get_Motion();
+        context.FirstLayer = Get_Particle(0);
+        Lights[index]->Update(LightStates[index], context);
+    }
+}
+
+vrBounds vrMKParticleGroup::Get_Bounds() const
+{
+    Vector3 lowest(0.0f);
+    Vector3 highest(0.0f);
+    bool isFirst = true;
+    for (const auto &particle : Particles) {
+        const vrBounds &box = particle->Get_Bounds();
+        lowest = isFirst ? box.Center - box.Extent : glm::min(lowest, box.Center - box.Extent);
+        highest = isFirst ? box.Center + box.Extent : glm::max(highest, box.Center + box.Extent);
+        isFirst = false;
+    }
+    return {(lowest + highest) * 0.5f, (highest - lowest) * 0.5f};
+}
+
+vrMKPLayer *vrMKParticleGroup::Find_Layer(std::string_view name) const
+{
+    for (const auto &particle : Particles) {
+        const MK::String &candidate = particle->Get_Name();
+        if (candidate.size() == name.size() && strncasecmp(candidate.c_str(), name.data(), name.size()) == 0)
+            return particle.Get();
+    }
+    return nullptr;
+}
+
+void vrMKParticleGroup::On_Parent_Particle_Death(vrMKParticle *particle, const Vector3 &position,
+                                                 const Vector3 &velocity, float overshoot, vrMKPBuffer *buffer)
+{
+    // The texts name the fault.
+    if (!MK_VERIFY(particle != nullptr, "particle == NULL")) return;
+    const vrMKPSpawner *spawner = particle->Get_Spawner();
+    if (!MK_VERIFY(spawner != nullptr, "particle->Get_Spawner() == NULL")) return;
+    if (!MK_VERIFY(spawner->Get_Plugin_Class() == kvrMKPDeathSpawner,
+                   "particle->Get_Spawner()->Get_Plugin_Class() != vrMKPPlugin::kvrMKPDeathSpawner"))
+        return;
+    if (buffer && buffer->Active) spawner->On_Parent_Particle_Death(*buffer, position, velocity, overshoot);
+}

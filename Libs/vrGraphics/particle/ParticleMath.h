@@ -1,0 +1,127 @@
+#pragma once
+
+/// The arithmetic that plugins share. Everything here is branch-free and inlined, so that a loop over it vectorises.
+/// Values that a file holds may be anything: conversions to integers are defined for all floats.
+
+#include "MKLib/MKMath/Simd.h"
+#include "vrGraphics/particle/vrColor.h"
+
+#include <cmath>
+#include <cstdint>
+
+struct Mat3DClass;
+
+namespace Particle
+{
+
+constexpr float UNIT_ID = 1.5259022e-05f; ///< 1 / 65535: turns a 16-bit random value into 0..1
+constexpr float TWO_PI = 6.2831855f;
+
+/// 0 for what is no number.
+MK_INLINE float Clamp_01(float value)
+{
+    const float raised = value > 0.0f ? value : 0.0f;
+    return raised < 1.0f ? raised : 1.0f;
+}
+
+/// Toward zero; beyond the integers, and for what is no number, the nearest float that is one.
+MK_INLINE int32_t Truncate(float value)
+{
+    constexpr float LIMIT = 2147483520.0f;
+    const float raised = value > -LIMIT ? value : -LIMIT;
+    return static_cast<int32_t>(raised < LIMIT ? raised : LIMIT);
+}
+
+/// Scaled to unit length; a zero vector stays.
+MK_INLINE Vector3 Unit(const Vector3 &vector)
+{
+    const float length = std::sqrt(vector.x * vector.x + vector.y * vector.y + vector.z * vector.z);
+    const float scale = length > 0.0f ? 1.0f / length : 1.0f;
+    return {vector.x * scale, vector.y * scale, vector.z * scale};
+}
+
+/// (3 - 2u) u^2
+MK_INLINE float Smooth_Step(float u)
+{
+    return (3.0f - 2.0f * u) * u * u;
+}
+
+// Randomness by ID. `id` has the 16 random bits.
+MK_INLINE float Unit_ID(uint32_t id)
+{
+    return static_cast<float>(static_cast<int32_t>(id & 0xffff)) * UNIT_ID;
+}
+/// A value in [-variation, variation], in this form to the last bit; 0 for a variation of 0.
+MK_INLINE float Signed_Factor(uint32_t bits, float variation)
+{
+    return variation == 0.0f
+               ? 0.0f
+               : static_cast<float>(static_cast<int32_t>(bits & 0xffff)) * UNIT_ID * (variation - (-variation)) +
+                     (-variation);
+}
+// The bits that vary width and height apart from each other.
+MK_INLINE uint32_t Width_Bits(uint32_t id)
+{
+    return id & 0xff00;
+}
+MK_INLINE uint32_t Height_Bits(uint32_t id)
+{
+    return (id & 0xff) << 8;
+}
+
+/// 4096 steps a turn.
+MK_INLINE uint32_t Encode_Rotation(float turns)
+{
+    return static_cast<uint32_t>(Truncate(turns * 4096.0f)) & 0xfff;
+}
+
+// Packed colours.
+MK_INLINE uint32_t Color_Byte(float channel)
+{
+    return static_cast<uint32_t>(Truncate(channel * 255.0f)) & 0xff;
+}
+MK_INLINE vrColor Pack(const RGBAClass &color)
+{
+    return Pack_Color(Color_Byte(color.R), Color_Byte(color.G), Color_Byte(color.B), Color_Byte(color.A));
+}
+/// A weight in 0..1 as the 16.16 fraction that `Lerp_Color` takes.
+MK_INLINE int32_t Fixed_Weight(float weight)
+{
+    return static_cast<int32_t>(weight * 65536.0f);
+}
+/// By channel: (a * 65536 + (b - a) * fraction) >> 16, for a fraction of 0 to 65536.
+MK_INLINE vrColor Lerp_Color(vrColor a, vrColor b, int32_t fraction)
+{
+    vrColor result = 0;
+    for (int shift = 0; shift < 32; shift += 8) {
+        const auto from = static_cast<int32_t>((a >> shift) & 0xff);
+        const auto to = static_cast<int32_t>((b >> shift) & 0xff);
+        result |= static_cast<uint32_t>((from * 65536 + (to - from) * fraction) >> 16) << shift;
+    }
+    return result;
+}
+/// By channel: a * b / 255, truncated.
+MK_INLINE vrColor Multiply_Color(vrColor a, vrColor b)
+{
+    vrColor result = 0;
+    for (int shift = 0; shift < 32; shift += 8) {
+        // x / 255 for x up to 65025: 0x8081 / 2^23 is exact over all of them.
+        const uint32_t product = ((a >> shift) & 0xff) * ((b >> shift) & 0xff);
+        result |= ((product * 0x8081u) >> 23) << shift;
+    }
+    return result;
+}
+
+// Loops over vector channels, which are runs of floats three by three.
+/// Adds one vector to `count` vectors.
+void Add_Vector(Vector3 *vectors, int count, const Vector3 &add);
+/// to += from * factor.
+void Add_Scaled(Vector3 *to, const Vector3 *from, int count, float factor);
+/// to = from + velocity * step. False when a result is infinite or no number.
+bool Integrate(Vector3 *to, const Vector3 *from, const Vector3 *velocity, int count, float step);
+/// Whether a component of the vectors is infinite or no number.
+bool Has_Invalid(const Vector3 *vectors, int count);
+/// to = the transform of from; the two may be the same array.
+void Transform_Points(Vector3 *to, const Vector3 *from, int count, const Mat3DClass &transform);
+
+} // namespace Particle

@@ -1,0 +1,301 @@
+#include "vrGraphics/particle/vrMKPBuffer.h"
+
+#include "MKLib/MKDebug/Assert.h"
+#include "MKLib/MKDebug/Logger.h"
+#include "MKPlatform/Memory.h"
+#include "vrGraphics/particle/ParticleMath.h"
+#include "vrGraphics/particle/vrHWParticleBuffer.h"
+#include "vrGraphics/particle/vrMKPLayer.h"
+#include "vrGraphics/particle/vrMKPRenderState.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstring>
+
+static MKDebug::Logger ParticleLog("ParticleLog");
+
+MK_DEFINE_RUN_TIME_TYPE_ROOT(vrMKPBufferPluginData)
+
+namespace
+{
+
+constexpr size_t ALIGNMENT = 64;
+
+std::atomic<uint32_t> nextSeed{1};
+std::atomic<size_t> bytesInUse{0};
+
+constexpr size_t ELEMENT_SIZES[] = {
+    sizeof(Vector3), sizeof(Vector3),  sizeof(Vector3),  sizeof(Vector3),  sizeof(Vector3),
+    sizeof(float),   sizeof(float),    sizeof(float),    sizeof(float),    sizeof(uint32_t),
+    sizeof(uint32_t), sizeof(uint32_t), sizeof(Vector2), sizeof(Vector2),  sizeof(vrColor),
+    sizeof(Vector2), sizeof(uint32_t), sizeof(Vector3),  sizeof(uint32_t), sizeof(float)};
+static_assert(std::size(ELEMENT_SIZES) == MKP_ATTRIBUTE_COUNT);
+
+size_t Channel_Bytes(uint32_t channel, int capacity)
+{
+    const size_t bytes = ELEMENT_SIZES[channel] * static_cast<size_t>(capacity);
+    return (bytes + ALIGNMENT - 1) / ALIGNMENT * ALIGNMENT;
+}
+
+/// Room for a bit for each word of a slot in the channels of one, two and three words, by groups of 8 slots; the two
+/// runs of a ring may both end in a part of a group, and a word at a time is written.
+size_t Stay_Bytes(int capacity)
+{
+    return (static_cast<size_t>(capacity) / 8 + 2) * (1 + 2 + 3) + 3 * sizeof(uint32_t);
+}
+
+} // namespace
+
+void vrMKPBuffer::FreeMemory::operator()(void *memory) const
+{
+    Free_Pages(memory, Bytes);
+    bytesInUse.fetch_sub(Bytes, std::memory_order_relaxed);
+}
+
+vrMKPBuffer::vrMKPBuffer() : Random(nextSeed.fetch_add(1, std::memory_order_relaxed))
+{
+}
+
+vrMKPBuffer::~vrMKPBuffer() = default;
+
+vrMKPBuffer *vrMKPBuffer::Create(int capacity, std::string_view layerName)
+{
+    Memory memory = Allocate(capacity, layerName);
+    if (!memory) return nullptr;
+    auto *buffer = new vrMKPBuffer;
+    buffer->Take_Memory(std::move(memory), capacity);
+    return buffer;
+}
+
+vrMKPBuffer::Memory vrMKPBuffer::Allocate(int capacity, std::string_view layerName)
+{
+    const auto refuse = [&](const char *reason) {
+        MK_LOG(ParticleLog, MKDebug::LogLevel::Error, "Layer \"%.*s\" gets no particles: room for %d, %s",
+               static_cast<int>(layerName.size()), layerName.data(), capacity, reason);
+        return Memory();
+    };
+    if (capacity < 0) return refuse("expected a count");
+    if (capacity > MAX_CAPACITY) return refuse("and a layer has at most 2097152");
+    size_t bytes = ALIGNMENT + Stay_Bytes(capacity);
+    for (uint32_t channel = 0; channel < MKP_ATTRIBUTE_COUNT; ++channel) bytes += Channel_Bytes(channel, capacity);
+    if (bytesInUse.fetch_add(bytes, std::memory_order_relaxed) + bytes > MAX_TOTAL_BYTES) {
+        bytesInUse.fetch_sub(bytes, std::memory_order_relaxed);
+        return refuse("and all layers together have more than 4 GiB then");
+    }
+    // Fresh pages take no memory until they are used, so a ring that never fills costs little.
+    void *memory = Allocate_Pages(bytes);
+    if (!memory) {
+        bytesInUse.fetch_sub(bytes, std::memory_order_relaxed);
+        return refuse("out of memory");
+    }
+    return Memory(memory, FreeMemory{bytes});
+}
+
+void vrMKPBuffer::Take_Memory(Memory memory, int capacity)
+{
+    Block = std::move(memory);
+    Capacity = capacity;
+    const auto address = reinterpret_cast<uintptr_t>(Block.get());
+    auto *at = static_cast<uint8_t *>(Block.get()) + (ALIGNMENT - address % ALIGNMENT) % ALIGNMENT;
+    for (uint32_t channel = 0; channel < MKP_ATTRIBUTE_COUNT; ++channel) {
+        Channels[channel] = at;
+        at += Channel_Bytes(channel, capacity);
+    }
+    StayBits = at;
+    const auto take = [this](auto *&pointer, MKPAttribTypes channel) {
+        pointer = static_cast<std::remove_reference_t<decltype(pointer)>>(Channels[channel]);
+    };
+    take(ProjectileStartingPosition, MKP_PROJECTILE_STARTING_POSITION);
+    take(PreviousPosition, MKP_PREVIOUS_POSITION);
+    take(Position, MKP_POSITION);
+    take(ProjectileTargetPosition, MKP_PROJECTILE_TARGET_POSITION);
+    take(Velocity, MKP_VELOCITY);
+    take(Age, MKP_AGE);
+    take(MaxAge, MKP_MAX_AGE);
+    take(Time, MKP_TIME);
+    take(ProjectileFlightDuration, MKP_PROJECTILE_FLIGHT_DURATION);
+    take(Flags, MKP_FLAGS);
+    take(ID, MKP_ID);
+    take(Number, MKP_NUMBER);
+    take(UV, MKP_UV);
+    take(DUV, MKP_DUV);
+    take(Color, MKP_COLOR);
+    take(Size, MKP_SIZE);
+    take(Rotation, MKP_ROTATION);
+    take(WorldPosition, MKP_WORLD_POSITION);
+    take(Render, MKP_RENDER);
+    take(SortingRelativeToGroup, MKP_SORTING_RELATIVE_TO_GROUP);
+}
+
+bool vrMKPBuffer::Resize(int capacity, std::string_view layerName)
+{
+    if (capacity != Capacity) {
+        Memory memory = Allocate(capacity, layerName);
+        if (!memory) return false;
+        Take_Memory(std::move(memory), capacity);
+    }
+    Clear_Particles();
+    PendingCount = 0;
+    return true;
+}
+
+void vrMKPBuffer::Clear_Particles()
+{
+    ActiveCount = 0;
+    VisibleCount = 0;
+    SpawnedThisFrame = 0;
+    Head = -1;
+    Tail = -1;
+    FirstNew = -1;
+}
+
+void vrMKPBuffer::Reset()
+{
+    Clear_Particles();
+    MayHaveStopped = false;
+    KillOnRemoval = false;
+    TimeSinceDeath = 0.0f;
+    Centroid = Vector3(0.0f);
+    SmoothedCentroid = Vector3(0.0f);
+    SpawnerState = SPAWNER_WAITING;
+    SpawnClock = 0.0f;
+    FirstSpawn = true;
+    LastSpawnTime = 0.0f;
+    PendingCount = 0;
+    NextSerial = 0;
+    if (SpawnerData) SpawnerData->Reset();
+    if (StomperData) StomperData->Reset();
+    if (VisualizerData) VisualizerData->Reset();
+    for (const auto &data : ModifierData)
+        if (data) data->Reset();
+}
+
+void vrMKPBuffer::Copy_Particle_From(int from, int to, const vrMKPBuffer &other)
+{
+    ProjectileStartingPosition[to] = other.ProjectileStartingPosition[from];
+    PreviousPosition[to] = other.PreviousPosition[from];
+    Position[to] = other.Position[from];
+    ProjectileTargetPosition[to] = other.ProjectileTargetPosition[from];
+    Velocity[to] = other.Velocity[from];
+    Age[to] = other.Age[from];
+    MaxAge[to] = other.MaxAge[from];
+    Time[to] = other.Time[from];
+    ProjectileFlightDuration[to] = other.ProjectileFlightDuration[from];
+    Flags[to] = other.Flags[from];
+    ID[to] = other.ID[from];
+    Number[to] = other.Number[from];
+    UV[to] = other.UV[from];
+    DUV[to] = other.DUV[from];
+    Color[to] = other.Color[from];
+    Size[to] = other.Size[from];
+    Rotation[to] = other.Rotation[from];
+    WorldPosition[to] = other.WorldPosition[from];
+    SortingRelativeToGroup[to] = other.SortingRelativeToGroup[from];
+}
+
+int vrMKPBuffer::Grant_Slots(int count, int &firstGranted)
+{
+    const int granted = std::clamp(count, 0, Capacity - ActiveCount);
+    if (granted == 0) return 0;
+    if (Head < 0) {
+        Head = 0;
+        Tail = Capacity - 1;
+    }
+    firstGranted = Next_Slot(Tail);
+    if (ActiveCount == 0) Head = firstGranted;
+    if (SpawnedThisFrame == 0) FirstNew = firstGranted;
+    Tail = (Tail + granted) % Capacity;
+    ActiveCount += granted;
+    SpawnedThisFrame += granted;
+    return granted;
+}
+
+void vrMKPBuffer::Remove_Oldest(int count)
+{
+    Head = (Head + count) % Capacity;
+    ActiveCount -= count;
+}
+
+void vrMKPBuffer::Begin_Move(bool integrates)
+{
+    if (!integrates || ActiveCount == 0) {
+        Move = MOVE_NOTHING;
+    } else if (MayHaveStopped) {
+        Move = MOVE_IN_PLACE;
+    } else {
+        // All live positions are written anew, so the old ones need no copy.
+        Move = MOVE_ACROSS;
+        const bool isShared = WorldPosition == Position;
+        std::swap(Position, PreviousPosition);
+        std::swap(Channels[MKP_POSITION], Channels[MKP_PREVIOUS_POSITION]);
+        if (isShared) WorldPosition = Position;
+    }
+}
+
+bool vrMKPBuffer::Move_Span(vrMKPSpan span)
+{
+    Vector3 *position = Position + span.First;
+    const Vector3 *velocity = Velocity + span.First;
+    if (Move == MOVE_ACROSS)
+        return Particle::Integrate(position, PreviousPosition + span.First, velocity, span.Count, State->FrameTime);
+    std::memcpy(static_cast<void *>(PreviousPosition + span.First), position,
+                static_cast<size_t>(span.Count) * sizeof(Vector3));
+    if (Move == MOVE_IN_PLACE)
+        for (int at = 0; at < span.Count; ++at)
+            if (!(Flags[span.First + at] & PARTICLE_STOPPED)) position[at] += velocity[at] * State->FrameTime;
+    return !Particle::Has_Invalid(position, span.Count);
+}
+
+void vrMKPBuffer::Move_Positions(bool integrates)
+{
+    Begin_Move(integrates);
+    bool isValid = true;
+    for (const vrMKPSpan span : Live_Spans()) isValid &= Move_Span(span);
+    MK_ASSERT(isValid, "Position[where].Is_Valid()");
+}
+
+void vrMKPBuffer::Share_World_Positions(bool shared)
+{
+    WorldPosition = shared ? Position : static_cast<Vector3 *>(Channels[MKP_WORLD_POSITION]);
+}
+
+void vrMKPBuffer::Offset_Positions(const Vector3 &delta)
+{
+    if (!Is_World()) return;
+    bool isValid = true;
+    for (const vrMKPSpan span : Live_Spans()) {
+        for (int slot = span.First; slot < span.First + span.Count; ++slot)
+            if (!(Flags[slot] & PARTICLE_STOPPED)) Position[slot] += delta;
+        isValid &= !Particle::Has_Invalid(Position + span.First, span.Count);
+    }
+    MK_ASSERT(isValid, "Position[where].Is_Valid()");
+}
+
+void vrMKPBuffer::Notify_Death(int slot, float overshoot) const
+{
+    for (vrMKPLayer *listener : DeathListeners)
+        listener->On_Parent_Particle_Death(Position[slot], Velocity[slot], overshoot);
+}
+
+void vrMKPBuffer::Add_Death_Listener(vrMKPLayer &listener)
+{
+    if (std::find(DeathListeners.begin(), DeathListeners.end(), &listener) == DeathListeners.end())
+        DeathListeners.push_back(&listener);
+}
+
+size_t vrMKPBuffer::Get_Memory_Usage() const
+{
+    return Get_Particle_Size() * static_cast<size_t>(Capacity);
+}
+
+size_t vrMKPBuffer::Get_Particle_Size()
+{
+    size_t bytes = 0;
+    for (const size_t size : ELEMENT_SIZES) bytes += size;
+    return bytes;
+}
+
+size_t vrMKPBuffer::Get_Element_Size(MKPAttribTypes channel)
+{
+    return ELEMENT_SIZES[channel];
+}

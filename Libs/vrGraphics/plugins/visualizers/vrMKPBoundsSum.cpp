@@ -1,0 +1,147 @@
+#include "vrGraphics/plugins/visualizers/vrMKPBoundsSum.h"
+
+#include "vrGraphics/particle/ParticleMath.h"
+
+#include <algorithm>
+
+namespace
+{
+
+constexpr int LANES = vrMKPBoundsSum::LANES;
+using Axes = float[3][LANES];
+
+/// The arrays of a run, and how its radii come about.
+struct Source
+{
+    const float *Positions;
+    const float *Sizes;
+    const uint32_t *IDs;
+    float SizeScale;
+    float AspectMinimum;
+    float AspectSpan;
+};
+
+template <bool HAS_ASPECT>
+MK_INLINE float Radius(const Source &source, int at)
+{
+    const float radius = (source.Sizes[at * 2] + source.Sizes[at * 2 + 1]) * source.SizeScale;
+    if constexpr (!HAS_ASPECT) return radius;
+    return radius * (Particle::Unit_ID(source.IDs[at]) * source.AspectSpan + source.AspectMinimum);
+}
+
+template <bool HAS_ASPECT>
+MK_INLINE void Merge(const Source &source, int at, int lane, Axes &least, Axes &greatest, Axes &sum)
+{
+    const float radius = Radius<HAS_ASPECT>(source, at);
+    for (int axis = 0; axis < 3; ++axis) {
+        const float position = source.Positions[at * 3 + axis];
+        const float low = position - radius;
+        const float high = position + radius;
+        least[axis][lane] = low < least[axis][lane] ? low : least[axis][lane];
+        greatest[axis][lane] = high > greatest[axis][lane] ? high : greatest[axis][lane];
+        sum[axis][lane] += position;
+    }
+}
+
+/// Whole rows of lanes, from lane 0 on.
+template <bool HAS_ASPECT>
+MK_INLINE void Merge_Rows(const Source &source, int first, int count, Axes &least, Axes &greatest, Axes &sum)
+{
+    Axes low;
+    Axes high;
+    Axes total;
+    std::copy_n(&least[0][0], 3 * LANES, &low[0][0]);
+    std::copy_n(&greatest[0][0], 3 * LANES, &high[0][0]);
+    std::copy_n(&sum[0][0], 3 * LANES, &total[0][0]);
+    for (int at = first; at < first + count; at += LANES)
+        for (int lane = 0; lane < LANES; ++lane) Merge<HAS_ASPECT>(source, at + lane, lane, low, high, total);
+    std::copy_n(&low[0][0], 3 * LANES, &least[0][0]);
+    std::copy_n(&high[0][0], 3 * LANES, &greatest[0][0]);
+    std::copy_n(&total[0][0], 3 * LANES, &sum[0][0]);
+}
+
+MK_SIMD void Merge_Plain_Rows(const Source &source, int first, int count, Axes &least, Axes &greatest, Axes &sum)
+{
+    Merge_Rows<false>(source, first, count, least, greatest, sum);
+}
+
+MK_SIMD void Merge_Aspect_Rows(const Source &source, int first, int count, Axes &least, Axes &greatest, Axes &sum)
+{
+    Merge_Rows<true>(source, first, count, least, greatest, sum);
+}
+
+template <typename Join>
+Vector3 Reduce(const Axes &lanes, Join &&join)
+{
+    Vector3 result;
+    for (int axis = 0; axis < 3; ++axis) {
+        float values[LANES];
+        std::copy_n(lanes[axis], LANES, values);
+        for (int half = LANES / 2; half > 0; half /= 2)
+            for (int lane = 0; lane < half; ++lane) values[lane] = join(values[lane], values[lane + half]);
+        result[axis] = values[0];
+    }
+    return result;
+}
+
+} // namespace
+
+vrMKPBoundsSum::vrMKPBoundsSum(float sizeScale, const AspectRange *aspect)
+    : SizeScale(sizeScale), HasAspect(aspect != nullptr), Aspect(aspect ? *aspect : AspectRange{1.0f, 1.0f})
+{
+    Start_At(Vector3(0.0f));
+}
+
+void vrMKPBoundsSum::Start_At(const Vector3 &position)
+{
+    for (int axis = 0; axis < 3; ++axis) {
+        std::fill_n(Least.Values[axis], LANES, position[axis]);
+        std::fill_n(Greatest.Values[axis], LANES, position[axis]);
+        std::fill_n(Sum.Values[axis], LANES, 0.0f);
+    }
+}
+
+void vrMKPBoundsSum::Add_Span(const vrMKPBuffer &buffer, vrMKPSpan span)
+{
+    if (span.Count <= 0) return;
+    if (Count == 0) Start_At(buffer.WorldPosition[span.First]);
+    const Source source{&buffer.WorldPosition[span.First].x,
+                        &buffer.Size[span.First].x,
+                        buffer.ID + span.First,
+                        SizeScale,
+                        Aspect.Minimum,
+                        Aspect.Maximum - Aspect.Minimum};
+    const auto mergeSingles = [&](int from, int to) {
+        for (int at = from; at < to; ++at) {
+            const int lane = (Count + at) % LANES;
+            if (HasAspect)
+                Merge<true>(source, at, lane, Least.Values, Greatest.Values, Sum.Values);
+            else
+                Merge<false>(source, at, lane, Least.Values, Greatest.Values, Sum.Values);
+        }
+    };
+    const int head = std::min((LANES - Count % LANES) % LANES, span.Count);
+    const int rows = (span.Count - head) / LANES * LANES;
+    mergeSingles(0, head);
+    if (HasAspect)
+        Merge_Aspect_Rows(source, head, rows, Least.Values, Greatest.Values, Sum.Values);
+    else
+        Merge_Plain_Rows(source, head, rows, Least.Values, Greatest.Values, Sum.Values);
+    mergeSingles(head + rows, span.Count);
+    Count += span.Count;
+}
+
+Vector3 vrMKPBoundsSum::Get_Minimum() const
+{
+    return Reduce(Least.Values, [](float a, float b) { return b < a ? b : a; });
+}
+
+Vector3 vrMKPBoundsSum::Get_Maximum() const
+{
+    return Reduce(Greatest.Values, [](float a, float b) { return b > a ? b : a; });
+}
+
+Vector3 vrMKPBoundsSum::Get_Sum() const
+{
+    return Reduce(Sum.Values, [](float a, float b) { return a + b; });
+}

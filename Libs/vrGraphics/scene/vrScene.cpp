@@ -1,0 +1,132 @@
+#include "vrGraphics/scene/vrScene.h"
+
+#include "MKLib/MKDebug/Assert.h"
+#include "MKLib/MKDebug/Logger.h"
+#include "MKLib/ThreadPool.h"
+#include "vrGraphics/RenderThread/RenderThread.h"
+
+#include <algorithm>
+
+MK_DEFINE_RUN_TIME_TYPE(vrScene, vrRenderable)
+
+static MKDebug::Logger VorenLog("VorenLog");
+
+namespace
+{
+
+/// While one lives, work of a frame runs in parallel.
+struct ParallelSection
+{
+    ParallelSection() { RenderThread::InParallelSection = true; }
+    ~ParallelSection() { RenderThread::InParallelSection = false; }
+};
+
+} // namespace
+
+vrScene::~vrScene() = default;
+
+vrRenderable *vrScene::Clone(vrCloneType) const
+{
+    MK_ASSERT(false, "false && \"Cloning is not allowed on scene.\"");
+    return nullptr;
+}
+
+void vrScene::Update(float dt)
+{
+    InUpdate = true;
+    ++FrameCount;
+    Time += dt;
+    if (Time > TIME_WRAP) Time -= TIME_WRAP;
+    FrameTime = dt;
+    ElapsedTime += dt;
+    Process_Think_List(dt);
+    InUpdate = false;
+    for (const auto &renderable : ReleaseList) Remove_Renderable(renderable.Get());
+    ReleaseList.clear();
+}
+
+void vrScene::Process_Think_List(float dt)
+{
+    for (vrRenderable *renderable : ThinkList) renderable->Pre_Think(dt);
+    Group_By_Owner();
+    Think_Groups(dt);
+    Think_Particles_Of_All(dt);
+    for (vrRenderable *renderable : ThinkList) renderable->Post_Think(dt);
+}
+
+void vrScene::Group_By_Owner()
+{
+    ParticleList.clear();
+    ThinkGroupCount = 0;
+    for (vrRenderable *renderable : ThinkList) renderable->Get_Top_Owner().ThinkGroup = -1;
+    for (vrRenderable *renderable : ThinkList) {
+        if (renderable->Wants_Particle_Think()) ParticleList.push_back(renderable);
+        vrRenderable &owner = renderable->Get_Top_Owner();
+        if (owner.ThinkGroup < 0) {
+            owner.ThinkGroup = ThinkGroupCount++;
+            if (ThinkGroupCount > static_cast<int>(ThinkGroups.size())) ThinkGroups.emplace_back();
+            RenderThinkGroup &fresh = ThinkGroups[static_cast<size_t>(owner.ThinkGroup)];
+            fresh.Owner = nullptr;
+            fresh.Count = 0;
+        }
+        RenderThinkGroup &group = ThinkGroups[static_cast<size_t>(owner.ThinkGroup)];
+        if (renderable == &owner) {
+            MK_ASSERT(group.Owner == nullptr, "group.Owner == NULL");
+            group.Owner = renderable;
+        } else if (group.Count < MAX_THINK_GROUP_SIZE) {
+            group.Entries[group.Count++] = renderable;
+        } else {
+            MK_LOG(VorenLog, MKDebug::LogLevel::Error, "Renderable=%s has too many sub-renderables",
+                   owner.Get_Think_Name());
+        }
+    }
+}
+
+void vrScene::Think_Groups(float dt)
+{
+    const ParallelSection section;
+    ThreadPool::Parallel_For(0, ThinkGroupCount, 1, [&](int first, int last) {
+        for (int index = first; index < last; ++index) {
+            const RenderThinkGroup &group = ThinkGroups[static_cast<size_t>(index)];
+            if (group.Owner) group.Owner->Think(dt);
+            for (int entry = 0; entry < group.Count; ++entry) group.Entries[entry]->Think(dt);
+        }
+    });
+}
+
+void vrScene::Think_Particles_Of_All(float dt)
+{
+    const auto think = [&](int first, int last) {
+        for (int index = first; index < last; ++index) ParticleList[static_cast<size_t>(index)]->Think_Particles(dt);
+    };
+    const int count = static_cast<int>(ParticleList.size());
+    const bool isSerial = std::any_of(ParticleList.begin(), ParticleList.end(),
+                                      [](const vrRenderable *renderable) { return renderable->Needs_Serial_Frame(); });
+    const ParallelSection section;
+    if (isSerial)
+        think(0, count);
+    else
+        ThreadPool::Parallel_For(0, count, 1, think);
+}
+
+void vrScene::Remove_Object(vrRenderable &renderable, int)
+{
+    if (InUpdate)
+        ReleaseList.emplace_back(&renderable);
+    else
+        Remove_Renderable(&renderable);
+}
+
+void vrScene::Enter(vrRenderable &renderable)
+{
+    renderable.Set_Scene(this);
+    ThinkList.push_back(&renderable);
+    renderable.On_Added(*this);
+}
+
+void vrScene::Leave(vrRenderable &renderable)
+{
+    renderable.On_Removed(*this);
+    std::erase(ThinkList, &renderable);
+    renderable.Set_Scene(nullptr);
+}

@@ -1,0 +1,401 @@
+#include "EffectTestFiles.h"
+
+#include "common/Reports.h"
+
+#include "MKLib/Parameters/EnumParameter.h"
+#include "MKLib/Parameters/KeyedParameters.h"
+#include "MKLib/Parameters/ShapeParameter.h"
+#include "MKLib/Parameters/SimpleParameters.h"
+#include "vrGraphics/effect/vrMKPContext.h"
+#include "vrGraphics/scene/vrSimpleScene.h"
+
+#include <gmock/gmock.h>
+
+#include <cstring>
+#include <limits>
+
+namespace
+{
+
+using MKTest::EditorMode;
+
+/// Creates the plugin of a slot and sets its parameters by name.
+template <typename Plugin> SmartPtr<Plugin> Make(uint32_t id)
+{
+    return static_cast<Plugin *>(vrMKPPlugin::Create_Plugin(id));
+}
+
+void Set(const vrMKPPlugin *plugin, const char *name, float value)
+{
+    dynamic_cast<RangedFloatParameter &>(*plugin->Get_Parameter_By_Name(name)).Set_Value(value);
+}
+void Set(const vrMKPPlugin *plugin, const char *name, bool value)
+{
+    dynamic_cast<BoolParameter &>(*plugin->Get_Parameter_By_Name(name)).Set_Value(value);
+}
+void Set(const vrMKPPlugin *plugin, const char *name, int value)
+{
+    dynamic_cast<RangedIntParameter &>(*plugin->Get_Parameter_By_Name(name)).Set_Value(value);
+}
+void Set_Velocity(const vrMKPPlugin *plugin, const Vector3 &velocity)
+{
+    ShapeStruct shape;
+    shape.Center = velocity;
+    dynamic_cast<ShapeParameterClass &>(*plugin->Get_Parameter_By_Name("Velocity")).Set_Value(shape);
+}
+
+/// An emitter with one group in a simple scene, whose layers spawn at a point, one particle each tenth of a second, which
+/// live a second and stay where they are.
+struct Stage
+{
+    vrSimpleScene Scene;
+    SmartPtr<vrMKParticleEmitter> Emitter{new vrMKParticleEmitter};
+    vrMKParticleGroup *Group = new vrMKParticleGroup;
+
+    Stage()
+    {
+        Emitter->Add_Renderable(Group);
+        Group->Complete_Definition();
+    }
+
+    vrMKParticle &Add_Layer(const char *name = "layer", uint32_t spawner = 34)
+    {
+        auto *layer = new vrMKParticle;
+        layer->Set_Name(name);
+        layer->Set_Spawner(Make<vrMKPSpawner>(spawner).Get());
+        layer->Set_Transformer(Make<vrMKPTransformer>(27).Get());
+        layer->Set_Stomper(Make<vrMKPStomper>(19).Get());
+        layer->Set_Visualizer(Make<vrMKPVisualizer>(22).Get());
+        Set(layer->Get_Stomper(), "Stomp Time", 1.0f);
+        if (spawner == 34) {
+            Set(layer->Get_Spawner(), "Particles / Second", 10.0f);
+            Set(layer->Get_Spawner(), "Random Seed", 7);
+            Set_Velocity(layer->Get_Spawner(), Vector3(0.0f));
+        }
+        Group->Add_Particle(layer);
+        return *layer;
+    }
+    void Play(int frames, float dt = 0.1f)
+    {
+        if (!Emitter->Get_Scene() && Scene.Get_Frame_Count() == 0) Scene.Add_Renderable(Emitter.Get());
+        for (int frame = 0; frame < frames; ++frame) Scene.Update(dt);
+    }
+    int Live(int layer = 0) const { return Group->Get_Particle(layer)->Get_Buffer()->ActiveCount; }
+};
+
+TEST(Frame, AParticleIsBornMovesAgesAndDiesInTheOrderOfTheFrame)
+{
+    Stage stage;
+    vrMKParticle &layer = stage.Add_Layer();
+    Set(layer.Get_Spawner(), "Particles / Second", 2.0f);
+    Set_Velocity(layer.Get_Spawner(), Vector3(8.0f, 0.0f, 0.0f));
+    stage.Play(1, 0.25f);
+    const vrMKPBuffer &buffer = *layer.Get_Buffer();
+    // Born at the head of the frame, it has moved by its share of it, and is not moved again.
+    ASSERT_EQ(buffer.ActiveCount, 1);
+    EXPECT_EQ(buffer.Age[0], 0.25f);
+    EXPECT_EQ(buffer.Time[0], 0.25f);
+    EXPECT_EQ(buffer.Position[0], Vector3(2.0f, 0.0f, 0.0f));
+    EXPECT_EQ(buffer.WorldPosition[0], Vector3(2.0f, 0.0f, 0.0f));
+    stage.Play(3, 0.25f);
+    EXPECT_EQ(buffer.ActiveCount, 2);
+    EXPECT_EQ(buffer.Age[0], 1.0f); // at its greatest age it lives on
+    EXPECT_EQ(buffer.Position[0], Vector3(8.0f, 0.0f, 0.0f));
+    EXPECT_EQ(buffer.PreviousPosition[0], Vector3(6.0f, 0.0f, 0.0f));
+    EXPECT_EQ(buffer.Head, 0);
+    stage.Play(1, 0.25f);
+    EXPECT_EQ(buffer.ActiveCount, 2); // the second one, at 6, and a third one, at 2
+    EXPECT_EQ(buffer.Head, 1);
+    EXPECT_EQ(layer.Get_Bounds().Center, Vector3(4.0f, 0.0f, 0.0f));
+    EXPECT_EQ(layer.Get_Bounds().Extent, Vector3(4.0f, 2.0f, 2.0f)); // a size of 1 and 1 reaches 2 each way
+}
+
+TEST(Frame, PreSimulationRunsWholeStepsOnceAndCountsThem)
+{
+    Stage stage;
+    vrMKParticle &layer = stage.Add_Layer();
+    Set(layer.Get_Spawner(), "PreSimulateSeconds", 0.5f);
+    Set(layer.Get_Stomper(), "Stomp Time", 100.0f);
+    stage.Play(1, 0.0f);
+    // 15 steps of 0.033 seconds, at ten a second, from 0 on: at 0, 0.1 ... 0.4.
+    EXPECT_EQ(stage.Live(), 5);
+    EXPECT_NEAR(layer.Get_Buffer()->SpawnClock, 15 * 0.033f, 1e-5f);
+    // Each step is charged: three steps each with one to five particles, and the frame itself.
+    EXPECT_EQ(stage.Group->Get_State().ParticleCount, 3 * (1 + 2 + 3 + 4 + 5) + 5);
+    stage.Play(1, 0.0f);
+    EXPECT_EQ(stage.Live(), 5);
+    EXPECT_EQ(stage.Group->Get_State().ParticleCount, 5);
+}
+
+TEST(Frame, ALayerRunsByItsQualityChanceIndexAndHiding)
+{
+    const struct
+    {
+        const char *what;
+        void (*arrange)(Stage &, vrMKParticle &);
+        bool runs;
+    } cases[] = {
+        {"as it stands", [](Stage &, vrMKParticle &) {}, true},
+        {"no chance", [](Stage &, vrMKParticle &l) { Set(l.Get_Spawner(), "Probability", 0.0f); }, false},
+        {"too low a quality",
+         [](Stage &, vrMKParticle &l) {
+             l.Get_Spawner()->Set_LOD(4);
+             vrMKPSpawner::Set_Global_LOD(0.75f);
+         },
+         false},
+        {"just enough quality",
+         [](Stage &, vrMKParticle &l) {
+             l.Get_Spawner()->Set_LOD(3);
+             vrMKPSpawner::Set_Global_LOD(0.75f);
+         },
+         true},
+        {"another index",
+         [](Stage &s, vrMKParticle &l) {
+             dynamic_cast<MaskParameter &>(*l.Get_Spawner()->Get_Parameter_By_Name("Alt Indices")).Set_Value(0b100);
+             s.Emitter->Set_Alt_Index(1);
+         },
+         false},
+        {"its index",
+         [](Stage &s, vrMKParticle &l) {
+             dynamic_cast<MaskParameter &>(*l.Get_Spawner()->Get_Parameter_By_Name("Alt Indices")).Set_Value(0b100);
+             s.Emitter->Set_Alt_Index(2);
+         },
+         true},
+        {"hidden, endless", [](Stage &s, vrMKParticle &) { s.Emitter->Set_Hidden(true); }, false},
+        {"hidden, with an end",
+         [](Stage &s, vrMKParticle &l) {
+             Set(l.Get_Spawner(), "Stop Time", 5.0f);
+             s.Emitter->Set_Hidden(true);
+         },
+         true},
+        {"hidden, which trumps the end",
+         [](Stage &s, vrMKParticle &l) {
+             Set(l.Get_Spawner(), "Stop Time", 5.0f);
+             Set(l.Get_Spawner(), "Hide Trumps Stop Time", true);
+             s.Emitter->Set_Hidden(true);
+         },
+         false},
+    };
+    for (const auto &row : cases) {
+        SCOPED_TRACE(row.what);
+        Stage stage;
+        stage.Emitter->Set_Remove_On_Depleted(false);
+        vrMKParticle &layer = stage.Add_Layer();
+        row.arrange(stage, layer);
+        stage.Play(3);
+        const vrMKPBuffer *buffer = layer.Get_Buffer();
+        EXPECT_EQ(buffer && buffer->ActiveCount > 0, row.runs);
+        vrMKPSpawner::Set_Global_LOD_Level(4);
+    }
+}
+
+TEST(Frame, AnEffectWithAnEndKeepsTheQualityThatItStartedWith)
+{
+    Stage stage;
+    vrMKParticle &layer = stage.Add_Layer();
+    Set(layer.Get_Spawner(), "Stop Time", 60.0f);
+    layer.Get_Spawner()->Set_LOD(3);
+    vrMKPSpawner::Set_Global_LOD_Level(2);
+    stage.Emitter->Set_Remove_On_Depleted(false);
+    stage.Play(2);
+    vrMKPSpawner::Set_Global_LOD_Level(4);
+    stage.Play(2);
+    EXPECT_EQ(stage.Live(), 0);
+    stage.Emitter->Restart();
+    stage.Play(2);
+    EXPECT_GT(stage.Live(), 0);
+}
+
+TEST(Frame, ASpentEmitterLeavesItsScene)
+{
+    const EditorMode editor(true);
+    Stage stage;
+    Set(stage.Add_Layer().Get_Spawner(), "Stop Time", 0.5f);
+    Set(stage.Add_Layer("late").Get_Spawner(), "Stop Time", 0.2f);
+    Set(stage.Group->Get_Particle(1)->Get_Spawner(), "Start Delay", 0.4f);
+    stage.Play(14); // 0.5 s of spawning, the last of 1 s of life
+    EXPECT_NE(stage.Emitter->Get_Scene(), nullptr);
+    stage.Play(4);
+    EXPECT_EQ(stage.Emitter->Get_Scene(), nullptr);
+    EXPECT_TRUE(stage.Emitter->Is_Depleted());
+    EXPECT_EQ(stage.Emitter->Get_Particle_Renderable_Count(), 1); // an editor keeps the definition
+}
+
+TEST(Frame, ARestartPlaysTheSameAgain)
+{
+    Stage stage;
+    vrMKParticle &layer = stage.Add_Layer();
+    dynamic_cast<ShapeParameterClass &>(*layer.Get_Spawner()->Get_Parameter_By_Name("Velocity"))
+        .Set_Value({.ShapeType = SHAPE_SPHERE});
+    stage.Play(7);
+    const vrMKPBuffer &buffer = *layer.Get_Buffer();
+    const std::vector<Vector3> first(buffer.Position, buffer.Position + buffer.ActiveCount);
+    stage.Emitter->Restart();
+    EXPECT_FALSE(buffer.Active);
+    stage.Play(7);
+    EXPECT_EQ(first, std::vector<Vector3>(buffer.Position, buffer.Position + buffer.ActiveCount));
+}
+
+/// Blocks hand each modifier the ring in pieces; the outcome is that of whole walks, one modifier after the other.
+TEST(Frame, BlocksOfTheRingGiveWhatWholeWalksGive)
+{
+    const auto build = [](Stage &stage, bool byBlocks) -> vrMKParticle & {
+        vrMKParticle &layer = stage.Add_Layer();
+        Set(layer.Get_Spawner(), "Particles / Second", 3000.0f);
+        dynamic_cast<ShapeParameterClass &>(*layer.Get_Spawner()->Get_Parameter_By_Name("Velocity"))
+            .Set_Value({.ShapeType = SHAPE_SPHERE});
+        for (const uint32_t id : {10u, 57u, 8u, 78u, 9u, 42u, 13u, 30u}) {
+            layer.Add_Modifier(Make<vrMKPModifier>(id).Get());
+            // A modifier of the whole ring between two others keeps them from sharing blocks.
+            if (!byBlocks) layer.Add_Modifier(Make<vrMKPModifier>(75).Get());
+        }
+        for (int index = 0; index < layer.Get_Modifier_Count(); ++index) {
+            if (layer.Get_Modifier(index)->Get_Plugin_Class() != vrMKPPlugin::kvrMKPRandomWalkModifier) continue;
+            dynamic_cast<Vector3Parameter &>(*layer.Get_Modifier(index)->Get_Parameter_By_Name("Velocity Scale"))
+                .Set_Value(Vector3(0.0f));
+        }
+        return layer;
+    };
+    Stage blocks;
+    Stage whole;
+    const vrMKParticle &left = build(blocks, true);
+    const vrMKParticle &right = build(whole, false);
+    for (int frame = 0; frame < 25; ++frame) {
+        blocks.Play(1, 0.07f);
+        whole.Play(1, 0.07f);
+        const vrMKPBuffer &a = *left.Get_Buffer();
+        const vrMKPBuffer &b = *right.Get_Buffer();
+        ASSERT_EQ(a.ActiveCount, b.ActiveCount);
+        ASSERT_EQ(a.Head, b.Head);
+        for (const vrMKPSpan span : a.Live_Spans())
+            for (int slot = span.First; slot < span.First + span.Count; ++slot) {
+                ASSERT_EQ(a.WorldPosition[slot], b.WorldPosition[slot]) << frame << " " << slot;
+                ASSERT_EQ(a.Color[slot], b.Color[slot]);
+                ASSERT_EQ(a.Size[slot], b.Size[slot]);
+                ASSERT_EQ(a.Rotation[slot], b.Rotation[slot]);
+            }
+    }
+    EXPECT_GT(left.Get_Buffer()->Head, 0); // the ring went round
+}
+
+TEST(Frame, CapacitiesOfAnySizePlayOrAreRefusedByName)
+{
+    const struct
+    {
+        const char *what;
+        float rate;
+        float life;
+        int capacity; ///< -1 for none
+    } cases[] = {
+        {"none", 0.0f, 1.0f, 1},
+        {"one", 0.5f, 1.0f, 1},
+        {"few", 10.0f, 1.0f, 11},
+        {"negative", -10.0f, 1.0f, 1},
+        {"ten million", 10000.0f, 1000.0f, -1},
+        {"endless life", 30.0f, std::numeric_limits<float>::infinity(), 1}, // a part of it is no number
+        {"no number", std::numeric_limits<float>::quiet_NaN(), 1.0f, 1},
+    };
+    for (const auto &row : cases) {
+        SCOPED_TRACE(row.what);
+        const MKTest::Reports reports;
+        Stage stage;
+        stage.Emitter->Set_Remove_On_Depleted(false);
+        vrMKParticle &layer = stage.Add_Layer("embers");
+        Set(layer.Get_Spawner(), "Particles / Second", row.rate);
+        Set(layer.Get_Stomper(), "Stomp Time", row.life);
+        stage.Play(5);
+        EXPECT_EQ(layer.Get_Buffer() ? layer.Get_Buffer()->Capacity : -1, row.capacity);
+        EXPECT_EQ(reports.Count_Logs("Layer \"embers\" gets no particles"), row.capacity < 0 ? 1 : 0)
+            << reports.Get_Text();
+    }
+}
+
+TEST(Frame, ScaleTurnsIntoSizesAndTheTransformIsFreeOfIt)
+{
+    const struct
+    {
+        float scale;
+        float multiplier;
+        float positionScale;
+    } cases[] = {{1.0f, 1.0f, 1.0f}, {1.004f, 1.003f, 1.0f}, {3.0f, 2.5f, 3.0f}, {0.5f, 0.5f, 0.5f}, {0.0f, 0.01f, 0.01f}};
+    for (const auto &row : cases) {
+        SCOPED_TRACE(row.scale);
+        Stage stage;
+        stage.Add_Layer();
+        stage.Group->Set_Scale_Enabled(true);
+        Mat3DClass place = Mat3DClass().Scaled(row.scale);
+        place.Set_Translation({10.0f, 0.0f, 0.0f});
+        stage.Emitter->Set_Transform(place);
+        stage.Play(1);
+        const vrMKPRenderState &state = stage.Group->Get_State();
+        EXPECT_NEAR(state.RenderSizeMultiplier, row.multiplier, 1e-5f);
+        EXPECT_NEAR(state.PositionScale, row.positionScale, 1e-5f);
+        EXPECT_NEAR(state.PositionOffset.x, 10.0f - 10.0f * row.positionScale, 1e-4f);
+        EXPECT_EQ(state.Get_Position(), Vector3(10.0f, 0.0f, 0.0f));
+        if (row.scale > 0.0f) {
+            EXPECT_NEAR(state.Transform.Get_Uniform_Scale(), 1.0f, 1e-5f);
+        }
+    }
+}
+
+TEST(Frame, DeathsReachTheirListenerAndFaultsAreNamed)
+{
+    Stage stage;
+    vrMKParticle &parent = stage.Add_Layer("parent");
+    Set(parent.Get_Stomper(), "Spawn on Age", true);
+    vrMKParticle &child = stage.Add_Layer("child", 40);
+    dynamic_cast<StringParameterClass &>(*child.Get_Spawner()->Get_Parameter_By_Name("Parent Name")).Set_Value("PARENT");
+    Set(child.Get_Spawner(), "Particles / Death", 3.0f);
+    stage.Play(8);
+    EXPECT_EQ(stage.Live(1), 0);
+    stage.Play(4);
+    EXPECT_GT(stage.Live(1), 0);
+    EXPECT_EQ(stage.Live(1) % 3, 0);
+
+    const MKTest::Reports reports;
+    stage.Group->On_Parent_Particle_Death(nullptr, {}, {}, 0.0f, nullptr);
+    stage.Group->On_Parent_Particle_Death(&parent, {}, {}, 0.0f, nullptr);
+    parent.Set_Spawner(nullptr);
+    stage.Group->On_Parent_Particle_Death(&parent, {}, {}, 0.0f, nullptr);
+    EXPECT_THAT(reports.Get_Asserts(),
+                testing::ElementsAre("particle == NULL",
+                                     "particle->Get_Spawner()->Get_Plugin_Class() != vrMKPPlugin::kvrMKPDeathSpawner",
+                                     "particle->Get_Spawner() == NULL"));
+}
+
+TEST(Frame, ModifierDataStaysWithItsModifier)
+{
+    Stage stage;
+    vrMKParticle &layer = stage.Add_Layer();
+    layer.Add_Modifier(Make<vrMKPModifier>(67).Get()); // keeps a clock
+    layer.Add_Modifier(Make<vrMKPModifier>(10).Get());
+    stage.Play(2);
+    const vrMKPBuffer &buffer = *layer.Get_Buffer();
+    const vrMKPBufferPluginData *clock = buffer.ModifierData[0].Get();
+    ASSERT_NE(clock, nullptr);
+    EXPECT_TRUE(layer.Swap_Modifiers(0, 1));
+    EXPECT_EQ(buffer.ModifierData[1].Get(), clock);
+    layer.Add_Modifier(Make<vrMKPModifier>(67).Get());
+    ASSERT_EQ(buffer.ModifierData.size(), 3u);
+    EXPECT_NE(buffer.ModifierData[2].Get(), nullptr);
+    EXPECT_TRUE(layer.Remove_Modifier(0));
+    EXPECT_EQ(buffer.ModifierData[0].Get(), clock);
+    stage.Play(2);
+}
+
+TEST(Frame, LayersWithoutASlotDoNothing)
+{
+    Stage stage;
+    stage.Emitter->Set_Remove_On_Depleted(false);
+    stage.Add_Layer("no stomper").Set_Stomper(nullptr);
+    stage.Add_Layer("no spawner").Set_Spawner(nullptr);
+    stage.Add_Layer("no transformer").Set_Transformer(nullptr);
+    stage.Add_Layer("no visualizer").Set_Visualizer(nullptr);
+    stage.Play(3);
+    EXPECT_EQ(stage.Group->Get_Particle(0)->Get_Buffer(), nullptr);
+    EXPECT_EQ(stage.Group->Get_Particle(1)->Get_Buffer(), nullptr);
+    EXPECT_GT(stage.Live(2), 0);
+    EXPECT_GT(stage.Live(3), 0);
+}
+
+} // namespace

@@ -1,0 +1,500 @@
+#include "vrGraphics/plugins/renderables/vrMKPRenderablePhysics.h"
+
+#include "PluginBuilders.h"
+
+#include "MKLib/Parameters/EnumParameter.h"
+#include "MKLib/Parameters/KeyedParameters.h"
+#include "MKLib/Parameters/SimpleParameters.h"
+#include "MKLib/Parameters/StringParameters.h"
+#include "vrGraphics/particle/vrMKPBuffer.h"
+#include "vrGraphics/particle/vrMKPLayer.h"
+#include "vrGraphics/plugins/lights/vrMKPLightSourceController.h"
+#include "vrGraphics/scene/vrParticleLight.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <utility>
+#include <variant>
+#include <vector>
+
+using namespace MKTest;
+
+namespace
+{
+
+constexpr float NEAR = 1e-4f;
+
+void Expect_Near(const Vector3 &value, const Vector3 &expected, const char *what)
+{
+    for (int axis = 0; axis < 3; ++axis) EXPECT_NEAR(value[axis], expected[axis], NEAR) << what << ", axis " << axis;
+}
+
+/// A curve from time 0 to time 1.
+struct Keys
+{
+    float First, Last;
+};
+/// The value of a parameter; an int is an index into an enum's labels.
+using Value = std::variant<float, bool, int, Vector3, Keys, const char *>;
+using Values = std::vector<std::pair<const char *, Value>>;
+
+struct Assign
+{
+    const vrMKPPlugin &Plugin;
+    const char *Name;
+
+    void operator()(float value) const { Parameter_Of<RangedFloatParameter>(Plugin, Name).Set_Value(value); }
+    void operator()(bool value) const { Parameter_Of<BoolParameter>(Plugin, Name).Set_Value(value); }
+    void operator()(int index) const { Parameter_Of<EnumParameterClass>(Plugin, Name).Set_Index(index); }
+    void operator()(const Vector3 &value) const { Parameter_Of<Vector3Parameter>(Plugin, Name).Set_Value(value); }
+    void operator()(const char *value) const { Parameter_Of<StringParameterClass>(Plugin, Name).Set_Value(value); }
+    void operator()(const Keys &keys) const
+    {
+        auto &curve = Parameter_Of<KeyedFloatParameterClass>(Plugin, Name);
+        curve.Clear_Keys();
+        curve.Add_Key(0.0f, keys.First);
+        curve.Add_Key(1.0f, keys.Last);
+    }
+};
+
+/// One instance of a plugin of a renderable, whose clock runs.
+template <typename Plugin>
+struct Instance
+{
+    SmartPtr<vrMKPPlugin> Made;
+    vrMKPRenderState State;
+    RandomGeneratorClass Random;
+    SmartPtr<vrMKPBufferPluginData> Data;
+    float Time = 0.0f;
+
+    explicit Instance(int id, const Values &values = {}) : Made(Make_Plugin(id)), Data(Made->Create_Buffer_Data(State))
+    {
+        Set(values);
+    }
+    void Set(const Values &values)
+    {
+        for (const auto &[name, value] : values) std::visit(Assign{*Made, name}, value);
+    }
+
+    const Plugin &Get() const { return dynamic_cast<const Plugin &>(*Made); }
+
+    template <typename Context>
+    Context Step(float step)
+    {
+        Time += step;
+        return Context{{State, Time, step, Random, Data.Get()}};
+    }
+};
+
+struct Mover : Instance<vrMKPRenderablePhysics>
+{
+    Mat3DClass Base;
+    const vrMKPRenderableFinder *Ahead = nullptr;
+
+    using Instance::Instance;
+
+    /// A projectile on its way from the origin.
+    void Launch(const Vector3 &target, float speed)
+    {
+        State.TargetPosition = State.ProjectileTargetStart = State.ProjectileTarget = target;
+        State.ProjectileSpeed = speed;
+    }
+    Mat3DClass Move(float step)
+    {
+        auto context = Step<vrMKPMotionContext>(step);
+        context.Base = Base;
+        context.Ahead = Ahead;
+        return Get().Get_Motion(context);
+    }
+    bool Has_Hit() const { return Get().Has_Hit(Data.Get()); }
+};
+
+constexpr int NULL_PHYSICS = 83;
+constexpr int WAVE_AND_SPIN = 84;
+constexpr int SIMPLE = 85;
+constexpr auto SPIRAL = static_cast<int>(kvrMKPSpiralAndSeekProjectileRenderablePhysics);
+constexpr auto KEYED = static_cast<int>(kvrMKPKeyedTransformRenderablePhysics);
+constexpr auto FOLLOW = static_cast<int>(kvrMKPFollowRenderablePhysics);
+
+// clang-format off
+// Each renderable moves in one step of so many seconds, and in a hundred of a hundredth.
+const struct
+{
+    const char *what;
+    int id;
+    Values values;
+    Vector3 source; ///< in a frame scaled by 2
+    Vector3 target;
+    float speed;
+    float seconds;
+    Vector3 position, xAxis;
+    bool hits = false;
+} Motions[] = {
+    {"null stays where it stands", NULL_PHYSICS, {}, {1, 2, 3}, {9, 0, 0}, 9, 9, {1, 2, 3}, {2, 0, 0}},
+    {"sine at a quarter, without an amplitude along x", WAVE_AND_SPIN,
+     {{"Wave Amplitude", Vector3(0, 0, 10)}, {"Wave Frequency", Vector3(1, 1, 0.5f)}},
+     {1, 0, 0}, {}, 0, 0.5f, {1, 0, 20}, {2, 0, 0}},
+    {"triangle on its way up, down and back", WAVE_AND_SPIN,
+     {{"Waveform", 1}, {"Wave Amplitude", Vector3(4, 4, 4)}, {"Wave Phase", Vector3(0, 0.5f, 0.75f)}},
+     {}, {}, 0, 0.125f, {4, -4, -4}, {2, 0, 0}},
+    {"square in its second half and in its first", WAVE_AND_SPIN,
+     {{"Waveform", 2}, {"Wave Amplitude", Vector3(0, 3, 1)}, {"Wave Phase", Vector3(0, 0.5f, 0)}},
+     {}, {}, 0, 0.25f, {0, -6, 2}, {2, 0, 0}},
+    {"sawtooth at three quarters and at a quarter", WAVE_AND_SPIN,
+     {{"Waveform", 3}, {"Wave Amplitude", Vector3(8, 8, 0)}, {"Wave Phase", Vector3(0, 0.5f, 0)}},
+     {}, {}, 0, 0.75f, {-8, 8, 0}, {2, 0, 0}},
+    {"spin after a start rotation", WAVE_AND_SPIN,
+     {{"Spin Rate", Vector3(0, 0, 45)}, {"Start Rotation", Vector3(0, 0, 45)}},
+     {}, {}, 0, 1, {}, {0, 2, 0}},
+    {"keys, in the second round", KEYED,
+     {{"Duration", 2.0f}, {"Translate X", Keys{0, 10}}, {"Rotate Z", Keys{90, 90}}, {"Scale", Keys{1, 3}}},
+     {}, {}, 0, 3, {10, 0, 0}, {0, 4, 0}},
+    {"keys, played once", KEYED, {{"Duration", 2.0f}, {"Loop", false}, {"Translate Y", Keys{0, 10}}},
+     {}, {}, 0, 3, {0, 20, 0}, {2, 0, 0}},
+    {"without a speed there is no flight", SIMPLE, {}, {1, 0, 0}, {30, 40, 0}, 0, 3, {1, 0, 0}, {2, 0, 0}},
+    {"a line of 50, at 10 by 2", SIMPLE, {{"Speed Multiplier", 2.0f}},
+     {}, {30, 40, 0}, 10, 1, {12, 16, 0}, {1.2f, 1.6f, 0}},
+    {"the end of a line, not aligned", SIMPLE, {{"Align To Motion", false}},
+     {0, 40, 0}, {30, 40, 0}, 10, 3.5f, {30, 40, 0}, {2, 0, 0}, true},
+    // 2 s of flight; z = 10/2 * 0.5 * 1.5, dz = 10 * (1 - 0.5) beside dx = 10.
+    {"an arc at a quarter", SIMPLE, {{"Trajectory Types", 1}, {"Gravity", 10.0f}},
+     {}, {20, 0, 0}, 10, 0.5f, {5, 0, 3.75f}, {1.7888544f, 0, 0.8944272f}},
+    // 2 s of flight; dz = 6 + 4 * (1 - 2) beside dx = 8.
+    {"an arc's end, higher than its start", SIMPLE, {{"Trajectory Types", 1}, {"Gravity", 4.0f}},
+     {0, 0, -4}, {16, 0, 8}, 10, 5, {16, 0, 8}, {1.9402850f, 0, 0.4850713f}, true},
+    // A quarter turn, a quarter of the radius and of the way; out 4/s along y, around -1 * 2 pi along x, up 10/s.
+    {"a spiral after a quarter of its time", SPIRAL,
+     {{"Random Spiral Start", false}, {"Spiral Time", 1.0f}, {"Spiral Speed", 10.0f}, {"Spiral Radius", 4.0f}, {"Spiral Rate", 1.0f}},
+     {}, {100, 0, 0}, 10, 0.25f, {0, 1, 2.5f}, {-1.0078010f, 0.6415861f, 1.6039652f}},
+    // From 10 to 30 takes 1 s and 20 units.
+    {"seeking straight ahead, up to the projectile's speed", SPIRAL,
+     {{"Spiral Time", 0.0f}, {"Spiral Axis", Vector3(1, 0, 0)}, {"Spiral Speed", 10.0f}, {"Seek Acceleration", 20.0f}},
+     {}, {1000, 0, 0}, 30, 1, {20, 0, 0}, {2, 0, 0}},
+};
+// clang-format on
+
+/// A layer with particles somewhere.
+struct FakeLayer final : vrMKPLayer, vrMKPLayerList
+{
+    MK::String Name = "sparks";
+    SmartPtr<vrMKPBuffer> Buffer = vrMKPBuffer::Create(4, "test");
+
+    const MK::String &Get_Name() const override { return Name; }
+    vrMKPBuffer *Get_Buffer() const override { return Buffer.Get(); }
+    void On_Parent_Particle_Death(const Vector3 &, const Vector3 &, float) override {}
+    vrMKPLayer *Find_Layer(std::string_view name) const override
+    {
+        return name == Name ? const_cast<FakeLayer *>(this) : nullptr;
+    }
+};
+
+struct Lamp : Instance<vrMKPLightSourceController>
+{
+    vrParticleLight Light;
+    const vrMKPLayer *First = nullptr;
+
+    using Instance::Instance;
+
+    const vrParticleLight &Shine(float step)
+    {
+        auto context = Step<vrMKPLightContext>(step);
+        context.Transform = Mat3DClass::From_Angles({0, 0, 1.5707964f});
+        context.Transform.Set_Translation({100, 0, 0});
+        context.FirstLayer = First;
+        Get().Update(Light, context);
+        return Light;
+    }
+};
+
+constexpr auto LEGACY_LIGHT = static_cast<int>(kvrMKPLegacyLightSourceController);
+constexpr auto KEYED_LIGHT = static_cast<int>(kvrMKPKeyedLightSourceController);
+constexpr auto CENTROID_LIGHT = static_cast<int>(kvrMKPCentroidLightSourceController);
+
+constexpr auto KILLER = static_cast<int>(kvrMKPRenderableKillerModifier);
+
+vrMKPRenderableOutcome Outcome_Of(Instance<vrMKPRenderableModifier> &instance, float step, bool hit = false)
+{
+    vrMKPRenderableOutcome outcome;
+    auto context = instance.Step<vrMKPRenderableModifierContext>(step);
+    context.ProjectileHit = hit;
+    instance.Get().Update(outcome, context);
+    return outcome;
+}
+
+void Set_All(const vrMKPPlugin &plugin, float value)
+{
+    for (int index = 0; index < plugin.Get_Parameters().Get_Parameter_Count(); ++index) {
+        ParameterClass *const parameter = plugin.Get_Parameters().Get_Parameter(index);
+        if (auto *number = dynamic_cast<RangedFloatParameter *>(parameter)) number->Set_Value(value);
+        if (auto *vector = dynamic_cast<Vector3Parameter *>(parameter)) vector->Set_Value(Vector3(value));
+        if (auto *count = dynamic_cast<RangedIntParameter *>(parameter)) count->Set_Value(0);
+        if (auto *flag = dynamic_cast<BoolParameter *>(parameter)) flag->Set_Value(true);
+        if (auto *choice = dynamic_cast<EnumParameterClass *>(parameter)) choice->Set_Index(1);
+        if (auto *curve = dynamic_cast<KeyedFloatParameterClass *>(parameter)) {
+            curve->Clear_Keys();
+            curve->Add_Key(0.0f, value);
+        }
+    }
+}
+
+} // namespace
+
+TEST(RenderableMotion, IsThatOfTheTable)
+{
+    for (const auto &row : Motions) {
+        for (const int steps : {1, 100}) {
+            Mover mover(row.id, row.values);
+            mover.Base = mover.Base.Scaled(2.0f);
+            mover.Base.Set_Translation(row.source);
+            mover.Launch(row.target, row.speed);
+            Mat3DClass motion;
+            for (int step = 0; step < steps; ++step) motion = mover.Move(row.seconds / static_cast<float>(steps));
+            // A hundred steps add their rounding up; a flight in one step goes on from where it is.
+            Expect_Near(motion.Get_Translation() * 0.1f, row.position * 0.1f, row.what);
+            Expect_Near(motion.Get_Axis(0), row.xAxis, row.what);
+            EXPECT_EQ(mover.Has_Hit(), row.hits) << row.what;
+        }
+    }
+}
+
+TEST(RenderableMotion, OfASeekerTurnsNoFasterThanItsRate)
+{
+    Mover mover(SPIRAL);
+    mover.Set(
+        {{"Spiral Time", 0.0f}, {"Spiral Axis", Vector3(1, 0, 0)}, {"Spiral Speed", 10.0f}, {"Seek Turn Rate", 90.0f}});
+    mover.Launch({0, 100, 0}, 10);
+    // 45 of 90 degrees in half a second, and 5 units that way.
+    const Mat3DClass motion = mover.Move(0.5f);
+    Expect_Near(motion.Get_Translation(), {3.5355339f, 3.5355339f, 0}, "place");
+    Expect_Near(motion.Get_Axis(0), {0.70710678f, 0.70710678f, 0}, "direction");
+    for (int frame = 0; frame < 30 && !mover.Has_Hit(); ++frame) mover.Move(0.5f);
+    EXPECT_TRUE(mover.Has_Hit());
+    Expect_Near(mover.Move(0.5f).Get_Translation(), {0, 100, 0}, "the end");
+}
+
+TEST(RenderableMotion, OfAHomingProjectileFollowsItsTargetAndEndsWhereItHit)
+{
+    for (const bool homing : {false, true}) {
+        Mover mover(SIMPLE);
+        mover.Set({{"Track Mode", homing ? 1 : 0}});
+        mover.Launch({10, 0, 0}, 5);
+        mover.Move(1.0f);
+        mover.State.ProjectileTarget = {5, 10, 0};
+        Expect_Near(mover.Move(1.0f).Get_Translation(), homing ? Vector3(5, 5, 0) : Vector3(10, 0, 0), "two seconds");
+        mover.Move(1.0f);
+        mover.State.ProjectileTarget = {0, 0, 50};
+        EXPECT_TRUE(mover.Has_Hit());
+        Expect_Near(mover.Move(1.0f).Get_Translation(), homing ? Vector3(5, 10, 0) : Vector3(10, 0, 0), "after");
+
+        mover.Data->Reset();
+        EXPECT_FALSE(mover.Has_Hit());
+        mover.Launch({10, 0, 0}, 5);
+        Expect_Near(mover.Move(1.0f).Get_Translation(), {5, 0, 0}, "again");
+    }
+}
+
+TEST(RenderableMotion, TakesARandomPhaseOncePerRun)
+{
+    Mover mover(WAVE_AND_SPIN);
+    mover.Set({{"Random Phase", true}, {"Wave Amplitude", Vector3(10, 10, 0)}, {"Wave Phase", Vector3(0, 0.25f, 0)}});
+    mover.Random.Seed(5);
+    RandomGeneratorClass same;
+    same.Seed(5);
+    const float turns = same.Get_Float(0.0f, 1.0f) * 6.2831855f;
+    // Both axes start at the same point of the wave, so that a circle stays a circle; a second later it is there again.
+    const Vector3 expected(10 * std::sin(turns), 10 * std::cos(turns), 0);
+    Expect_Near(mover.Move(0.0f).Get_Translation(), expected, "start");
+    Expect_Near(mover.Move(1.0f).Get_Translation(), expected, "a round later");
+    mover.Data->Reset();
+    EXPECT_GT(glm::length(mover.Move(0.0f).Get_Translation() - expected), 0.01f);
+}
+
+TEST(RenderableMotion, OfAFollowerIsItsParents)
+{
+    struct Finder final : vrMKPRenderableFinder
+    {
+        Mat3DClass Parent;
+        bool Find_Motion(std::string_view name, Mat3DClass &transform) const override
+        {
+            if (name == "torch") transform = Parent;
+            return name == "torch";
+        }
+    } finder;
+    finder.Parent = Mat3DClass::From_Angles({0, 0, 1.5707964f}).Scaled(3.0f);
+    finder.Parent.Set_Translation({7, 8, 9});
+    const struct
+    {
+        const char *parent;
+        bool rotation, scale;
+        Vector3 position, xAxis;
+    } rows[] = {
+        {"torch", true, true, {7, 8, 9}, {0, 3, 0}},  {"torch", false, true, {7, 8, 9}, {3, 0, 0}},
+        {"torch", true, false, {7, 8, 9}, {0, 2, 0}}, {"torch", false, false, {7, 8, 9}, {2, 0, 0}},
+        {"", true, true, {1, 0, 0}, {2, 0, 0}},       {"nobody", true, true, {1, 0, 0}, {2, 0, 0}},
+    };
+    for (const auto &row : rows) {
+        Mover mover(FOLLOW);
+        mover.Base = mover.Base.Scaled(2.0f);
+        mover.Base.Set_Translation({1, 0, 0});
+        mover.Ahead = &finder;
+        mover.Set({{"Parent Name", row.parent}, {"Follow Rotation", row.rotation}, {"Follow Scale", row.scale}});
+        const Mat3DClass motion = mover.Move(0.1f);
+        Expect_Near(motion.Get_Translation(), row.position, row.parent);
+        Expect_Near(motion.Get_Axis(0), row.xAxis, row.parent);
+    }
+}
+
+TEST(RenderableKiller, FadesAndKillsAtTheEndOfTheLifetime)
+{
+    Instance<vrMKPRenderableModifier> killer(KILLER);
+    killer.Set({{"Fade Out Time", 2.0f}});
+    EXPECT_FALSE(Outcome_Of(killer, 1000.0f).Killed); // a lifetime of 0 is for ever
+    killer.Time = 0.0f;
+    killer.Set({{"Lifetime", 5.0f}});
+    EXPECT_EQ(Outcome_Of(killer, 2.0f).Fade, 1.0f);
+    EXPECT_EQ(Outcome_Of(killer, 2.0f).Fade, 0.5f);
+    EXPECT_FALSE(Outcome_Of(killer, 0.5f).Killed);
+    EXPECT_TRUE(Outcome_Of(killer, 0.5f).Killed);
+    EXPECT_EQ(Outcome_Of(killer, 1.0f).Fade, 0.0f);
+}
+
+TEST(RenderableKiller, DrawsTheVariationOnce)
+{
+    for (const uint32_t seed : {1u, 2u, 3u, 4u}) {
+        Instance<vrMKPRenderableModifier> killer(KILLER);
+        killer.Set({{"Lifetime", 10.0f}, {"Lifetime Variation", 50.0f}});
+        killer.Random.Seed(seed);
+        RandomGeneratorClass same;
+        same.Seed(seed);
+        const float life = 10.0f + 5.0f * same.Get_Float(-1.0f, 1.0f);
+        int frames = 0;
+        while (!Outcome_Of(killer, 0.125f).Killed && frames < 200) ++frames;
+        EXPECT_EQ(frames, static_cast<int>(std::ceil(life / 0.125f)) - 1) << seed;
+    }
+}
+
+TEST(RenderableKiller, KillsWithTheProjectileWhenToldTo)
+{
+    Instance<vrMKPRenderableModifier> killer(KILLER);
+    EXPECT_FALSE(Outcome_Of(killer, 1.0f, true).Killed);
+    killer.Set({{"Kill With Projectile", true}});
+    EXPECT_FALSE(Outcome_Of(killer, 1.0f, false).Killed);
+    EXPECT_TRUE(Outcome_Of(killer, 1.0f, true).Killed);
+}
+
+TEST(RenderableLightScale, MultipliesByItsKeys)
+{
+    Instance<vrMKPRenderableModifier> scale(static_cast<int>(kvrMKPKeyedLightScaleRenderableModifier));
+    scale.Set({{"Light Scale R", Keys{0, 1}}, {"Light Scale B", Keys{2, 2}}});
+    Expect_Near(Outcome_Of(scale, 0.25f).LightScale, {0.25f, 1, 2}, "a quarter");
+}
+
+TEST(ParticleLights, RunThroughTheLegacySpan)
+{
+    Lamp lamp(LEGACY_LIGHT);
+    lamp.Set({{"Start Delay", 1.0f},
+              {"Duration", 4.0f},
+              {"Fade In Time", 1.0f},
+              {"Fade Out Time", 2.0f},
+              {"Intensity", 8.0f}});
+    for (const auto &[time, intensity] :
+         {std::pair{0.5f, 0.0f}, {1.5f, 4.0f}, {2.5f, 8.0f}, {4.0f, 4.0f}, {4.75f, 1.0f}, {5.0f, 0.0f}, {9.0f, 0.0f}})
+    {
+        lamp.Time = time;
+        EXPECT_FLOAT_EQ(lamp.Shine(0.0f).Intensity, intensity) << time;
+        EXPECT_EQ(lamp.Light.IsOn, intensity > 0.0f) << time;
+    }
+}
+
+TEST(ParticleLights, ScaleWithTheCountOfParticles)
+{
+    Lamp lamp(KEYED_LIGHT);
+    lamp.Set({{"Intensity", Keys{2, 4}}, {"Radius Scale", Keys{1, 3}}, {"Offset", Vector3(10, 0, 0)}});
+    lamp.State.LightingParticleCount = 25;
+    EXPECT_FLOAT_EQ(lamp.Shine(0.5f).Intensity, 3.0f);
+    lamp.Set({{"Use Particle Count", true}});
+    EXPECT_FLOAT_EQ(lamp.Shine(0.0f).Intensity, 0.75f);
+    lamp.State.LightingParticleCount = 300;
+    EXPECT_FLOAT_EQ(lamp.Shine(0.0f).Intensity, 3.0f);
+    EXPECT_FLOAT_EQ(lamp.Light.InnerRadius, 100.0f);
+    EXPECT_FLOAT_EQ(lamp.Light.OuterRadius, 400.0f);
+    Expect_Near(lamp.Light.Position, {100, 10, 0}, "offset in the turned frame");
+    EXPECT_EQ(lamp.Light.Name.Get_String(), "Light");
+    lamp.State.LightingParticleCount = 0;
+    EXPECT_FALSE(lamp.Shine(0.0f).IsOn);
+}
+
+TEST(ParticleLights, SitOnTheCentroidOfTheLayerWhileItLives)
+{
+    FakeLayer layer;
+    layer.Buffer->SmoothedCentroid = {1, 2, 3};
+    Lamp lamp(CENTROID_LIGHT);
+    lamp.State.Layers = &layer;
+    lamp.Set({{"Offset", Vector3(10, 0, 0)}});
+    lamp.Set({{"Layer Name", "sparks"}});
+    EXPECT_FALSE(lamp.Shine(0.1f).IsOn);
+    layer.Buffer->ActiveCount = 1;
+    EXPECT_TRUE(lamp.Shine(0.1f).IsOn);
+    Expect_Near(lamp.Light.Position, {1, 12, 3}, "by name");
+    lamp.Set({{"Layer Name", "smoke"}});
+    EXPECT_FALSE(lamp.Shine(0.1f).IsOn);
+    lamp.Set({{"Layer Name", ""}});
+    EXPECT_FALSE(lamp.Shine(0.1f).IsOn);
+    lamp.First = &layer;
+    EXPECT_TRUE(lamp.Shine(0.1f).IsOn);
+}
+
+TEST(ParticleLights, FlickerWithinTheirPartAndWithoutJumps)
+{
+    Lamp lamp(LEGACY_LIGHT);
+    lamp.Set({{"Intensity", 10.0f}, {"Flicker Amount", 0.4f}, {"Flicker Rate", 2.0f}});
+    float before = lamp.Shine(0.0f).Intensity;
+    float lowest = before;
+    float highest = before;
+    for (int frame = 0; frame < 400; ++frame) {
+        const float now = lamp.Shine(0.05f).Intensity;
+        // A tenth of the way between two values that are 4 apart at most.
+        EXPECT_LE(std::abs(now - before), 0.4001f);
+        lowest = std::min(lowest, now);
+        highest = std::max(highest, now);
+        before = now;
+    }
+    EXPECT_GE(lowest, 6.0f);
+    EXPECT_LE(highest, 10.0f);
+    EXPECT_GT(highest - lowest, 2.0f);
+}
+
+TEST(RenderablePlugins, SurviveAnyValueOfAFile)
+{
+    const float infinity = std::numeric_limits<float>::infinity();
+    for (const float value : {0.0f, -1.0f, 1e-40f, 3e38f, -3e38f, infinity, -infinity, std::nanf("")}) {
+        for (const int id : Plugin_IDs_Of(vrMKPPlugin::RENDERABLE_PHYSICS_PLUGIN)) {
+            Mover mover(id);
+            Set_All(*mover.Made, value);
+            mover.Launch({30, 40, 0}, 10);
+            for (int frame = 0; frame < 5; ++frame) mover.Move(0.25f);
+        }
+        for (const auto family : {vrMKPPlugin::RENDERABLE_MODIFIER_PLUGIN, vrMKPPlugin::RENDERABLE_KILLER_PLUGIN}) {
+            for (const int id : Plugin_IDs_Of(family)) {
+                Instance<vrMKPRenderableModifier> modifier(id);
+                Set_All(*modifier.Made, value);
+                const float fade = Outcome_Of(modifier, 0.25f).Fade;
+                EXPECT_TRUE(fade >= 0.0f && fade <= 1.0f) << Plugin_Label(id) << " " << value;
+            }
+        }
+        for (const int id : Plugin_IDs_Of(vrMKPPlugin::LIGHT_CONTROLLER_PLUGIN)) {
+            FakeLayer layer;
+            layer.Buffer->ActiveCount = 1;
+            Lamp lamp(id);
+            lamp.First = &layer;
+            Set_All(*lamp.Made, value);
+            for (int frame = 0; frame < 5; ++frame) {
+                const vrParticleLight &light = lamp.Shine(0.25f);
+                EXPECT_TRUE(!light.IsOn || (Is_Valid(light.Position) && Is_Valid(light.Intensity)))
+                    << Plugin_Label(id) << " " << value;
+            }
+        }
+    }
+}
