@@ -30,8 +30,10 @@ class Stage
 public:
     Stage(int emitters, int particlesEach, vro::WorkloadViewer viewer)
     {
+        // Instances of one effect share its plugins, as they do in a game.
+        const SmartPtr<vrMKParticleEmitter> prototype = vro::Make_Steady(particlesEach, viewer);
         for (int index = 0; index < emitters; ++index) {
-            Emitters.push_back(vro::Make_Steady(particlesEach, viewer));
+            Emitters.emplace_back(prototype->Clone(VR_CLONE_COPY));
             Scene.Add_Renderable(Emitters.back().Get());
         }
         for (int frame = 0; frame < WARM_UP; ++frame) Scene.Update(STEP);

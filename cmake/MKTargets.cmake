@@ -20,6 +20,9 @@ add_library(MKOptions INTERFACE)
 target_compile_options(MKOptions INTERFACE -Wall -Wextra -Werror -ffp-contract=off)
 # GCC 12 sees overlaps in sums of strings that aren't there (its bug 105651).
 target_compile_options(MKOptions INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
+# clang has no use for GCC's hints to its vectoriser, and minds the `&` of conditions that must not branch.
+target_compile_options(MKOptions INTERFACE
+  $<$<CXX_COMPILER_ID:Clang>:-Wno-unknown-pragmas> $<$<CXX_COMPILER_ID:Clang>:-Wno-bitwise-instead-of-logical>)
 target_include_directories(MKOptions INTERFACE ${CMAKE_CURRENT_SOURCE_DIR}/Libs ${CMAKE_CURRENT_SOURCE_DIR}/Tools)
 if(MK_SANITIZE)
   # What a sanitizer adds makes GCC 12 see uninitialised members in the standard library's own code.

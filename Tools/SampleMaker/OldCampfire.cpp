@@ -89,7 +89,7 @@ void Sparks(OldFormWriter &out)
         out.Sphere_Parameter(107, 20.0f, 60.0f);
     });
     out.Plugin(TRANSFORMER, kvrMKPWorldTransformer);
-    Age(out, 1.5f, 50.0f);
+    Age(out, 2.4f, 25.0f);
     out.Plugin(VISUALIZER, kvrMKPLineVisualizer);
     Colors(out, {1.0f, 0.875f, 0.5f, 1.0f}, {1.0f, 0.25f, 0.0f, 0.0f});
     out.Plugin(MODIFIER, kvrMKPTurbulenceModifier);

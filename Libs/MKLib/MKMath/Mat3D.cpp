@@ -44,8 +44,7 @@ Mat3DClass Mat3DClass::From_Translation(const Vector3 &position)
 Mat3DClass Mat3DClass::From_Angles(const Vector3 &radians)
 {
     const auto about = [](int axis, float angle) {
-        const float sine = Portable::Sine(angle);
-        const float cosine = Portable::Cosine(angle);
+        const auto [sine, cosine] = Portable::Sine_And_Cosine(static_cast<double>(angle));
         const int next = (axis + 1) % 3;
         const int last = (axis + 2) % 3;
         Mat3DClass turn;
@@ -90,8 +89,9 @@ Mat3DClass Mat3DClass::Inverse() const
     if (!(std::abs(determinant) > NO_VOLUME) || !std::isfinite(determinant)) return {};
     const Vector3 rows[3] = {Vector3(Row[0]), Vector3(Row[1]), Vector3(Row[2])};
     // The inverse of a 3 by 3 matrix has the cross products of its rows as columns, over the determinant.
-    Mat3DClass result = From_Axes(glm::cross(rows[1], rows[2]) / determinant, glm::cross(rows[2], rows[0]) / determinant,
-                                  glm::cross(rows[0], rows[1]) / determinant, Vector3(0.0f));
+    Mat3DClass result =
+        From_Axes(glm::cross(rows[1], rows[2]) / determinant, glm::cross(rows[2], rows[0]) / determinant,
+                  glm::cross(rows[0], rows[1]) / determinant, Vector3(0.0f));
     result.Set_Translation(-result.Rotate(Get_Translation()));
     return result;
 }

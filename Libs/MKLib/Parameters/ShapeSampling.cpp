@@ -1,6 +1,6 @@
 // How points are drawn from shapes. The order of the draws is part of what a seed means.
 
-#include "MKLib/MKMath/Trigonometry.h"
+#include "MKLib/MKMath/PortableMath.h"
 #include "MKLib/Parameters/ShapeParameter.h"
 #include "MKLib/Random.h"
 
@@ -16,7 +16,6 @@ namespace
 constexpr float PI = 3.1415927f;
 constexpr float HALF_PI = 1.5707964f;
 constexpr float TWO_PI = 6.2831855f;
-constexpr double THIRD = 0.3333333432674408; ///< the float nearest to 1/3
 
 /// Bounds that a file has in the wrong order are no news in each draw.
 float Uniform(RandomClass &random, float low, float high)
@@ -31,14 +30,13 @@ Vector3 Unit(const Vector3 &vector)
 }
 
 /// A level vector of unit length at an angle.
-Vector3 At_Angle(float radians)
+MK_INLINE Vector3 At_Angle(float radians)
 {
-    Vector3 result(0.0f);
-    MKMath::Sin_Cos(radians, result.y, result.x);
-    return result;
+    const auto [sine, cosine] = Portable::Sine_And_Cosine(static_cast<double>(radians));
+    return {cosine, sine, 0.0f};
 }
 
-Vector3 Draw_Direction(RandomClass &random)
+MK_INLINE Vector3 Draw_Direction(RandomClass &random)
 {
     const float u = random.Get_Float(0.0f, 1.0f);
     const float v = random.Get_Float(0.0f, 1.0f);
@@ -56,15 +54,15 @@ Vector3 Draw_In_Cube(RandomClass &random)
 
 /// A radius between two, as a fraction of the outer one. The even form is a cube root that is stretched to the ends, as
 /// effects were tuned against; it has an even density only where the inner radius is 0.
-float Draw_Shell(RandomClass &random, float inner, float outer, bool even)
+MK_INLINE float Draw_Shell(RandomClass &random, float inner, float outer, bool even)
 {
     if (inner == outer) return 1.0f;
     const float least = inner / outer;
     const float fraction = Uniform(random, least, 1.0f);
     if (!even) return fraction;
-    const double root = std::pow(static_cast<double>(fraction), THIRD);
+    const double root = Portable::Power_Of_Third(fraction);
     if (least == 0.0f) return static_cast<float>(root);
-    const double leastRoot = std::pow(static_cast<double>(least), THIRD);
+    const double leastRoot = Portable::Power_Of_Third(least);
     return static_cast<float>(1.0 - (1.0 - root) / ((1.0 - leastRoot) / (1.0 - static_cast<double>(least))));
 }
 
@@ -133,11 +131,9 @@ Vector3 ShapeParameterClass::Sample_Sphere_Cap(RandomClass &random, bool hollow,
     const float inner = Value.E[2];
     const float outer = Value.E[3];
     const auto place = [](float elevation, float azimuth, float radius) {
-        float sine = 0.0f;
-        float cosine = 0.0f;
-        MKMath::Sin_Cos(elevation, sine, cosine);
+        const Vector3 upright = At_Angle(elevation);
         const Vector3 level = At_Angle(azimuth);
-        return Vector3(level.x * cosine, level.y * cosine, sine) * radius;
+        return Vector3(level.x * upright.x, level.y * upright.x, upright.y) * radius;
     };
     // The inner and the outer shell, then the lower and the upper edge.
     constexpr int SURFACES = 4;
@@ -290,15 +286,13 @@ void ShapeParameterClass::Prepare_Sphere_Cap_Table()
     const float inner = Value.E[2];
     const float outer = Value.E[3];
     if (!(outer > 0.0f && inner >= 0.0f)) return;
-    float sines[2];
-    float cosines[2];
-    for (int limit = 0; limit < 2; ++limit) MKMath::Sin_Cos(Value.E[limit] * HALF_PI, sines[limit], cosines[limit]);
+    const Vector3 limits[] = {At_Angle(Value.E[0] * HALF_PI), At_Angle(Value.E[1] * HALF_PI)};
     const auto shell = [&](float radius) {
         const float half = TWO_PI * radius * radius;
-        return half * (1.0f - cosines[1]) - half * (1.0f - cosines[0]);
+        return half * (1.0f - limits[1].x) - half * (1.0f - limits[0].x);
     };
     const float ring = outer * outer - inner * inner;
-    const float areas[] = {shell(inner), shell(outer), sines[1] * PI * ring, sines[0] * PI * ring};
+    const float areas[] = {shell(inner), shell(outer), limits[1].y * PI * ring, limits[0].y * PI * ring};
     const float sum = areas[0] + areas[1] + areas[2] + areas[3];
     const float total = sum > 0.0f ? sum : 1.0f;
     SurfaceTable[0] = areas[0] / total;

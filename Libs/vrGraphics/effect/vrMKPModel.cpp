@@ -88,6 +88,19 @@ vrMKPModel::vrMKPModel(const vrMKPModel &other)
     if (vrMKPContext::InEditor && AttachedModel) AttachedModel = new vrMKPAttachedModelParameters(*other.AttachedModel);
 }
 
+void vrMKPModel::Start()
+{
+    vrMKPRenderable::Start();
+    KillerData = Killer ? Killer->Create_Buffer_Data(Get_State()) : nullptr;
+}
+
+void vrMKPModel::Update_Modifiers(vrMKPRenderableModifierContext context)
+{
+    vrMKPRenderable::Update_Modifiers(context);
+    context.Data = KillerData.Get();
+    if (Killer) Killer->Update(Get_Outcome(), context);
+}
+
 vrMKPModel *vrMKPModel::Clone(vrCloneType) const
 {
     return new vrMKPModel(*this);

@@ -49,9 +49,15 @@ public:
     /// that the parameters tell. When the group had physics, the model takes them and a killer, and the group follows.
     void Split_From_Group(vrMKParticleGroup &group, vrMKPAttachedModelParameters *parameters);
 
+    void Start() override;
+
     size_t Get_Object_Size() const override { return sizeof(*this); }
     size_t Get_Memory_Usage(bool includePlugins) const override;
     bool Is_Same_Definition(const vrMKPRenderable &other) const override;
+
+protected:
+    /// The killer after the others.
+    void Update_Modifiers(vrMKPRenderableModifierContext context) override;
 
 private:
     vrMKPModel(const vrMKPModel &other);
@@ -60,4 +66,5 @@ private:
 
     SmartPtr<vrMKPAttachedModelParameters> AttachedModel;
     SmartPtr<vrMKPRenderableModifier> Killer;
+    SmartPtr<vrMKPBufferPluginData> KillerData;
 };

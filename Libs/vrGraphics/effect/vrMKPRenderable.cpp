@@ -57,6 +57,7 @@ void vrMKPRenderable::Finish_Load()
     if (!Physics) Physics = PluginSlots::Make<vrMKPRenderablePhysics>(kvrMKPRenderableNullPhysicsModifier);
     Reset();
     Set_Always_Simulate(AlwaysSimulate);
+    if (Is_In_Scene()) Start();
 }
 
 void vrMKPRenderable::Seed_Instance()
@@ -98,13 +99,22 @@ vrMKPRenderableModifier *vrMKPRenderable::Get_Modifier(int index) const
 
 void vrMKPRenderable::Add_Modifier(vrMKPRenderableModifier *modifier)
 {
-    if (MK_VERIFY(modifier != nullptr, "modifier == NULL")) Modifiers.emplace_back(modifier);
+    if (!MK_VERIFY(modifier != nullptr, "modifier == NULL")) return;
+    Modifiers.emplace_back(modifier);
+    if (Is_Started()) ModifierData.emplace_back(modifier->Create_Buffer_Data(State));
+}
+
+void vrMKPRenderable::Set_Physics(vrMKPRenderablePhysics *physics)
+{
+    Physics = physics;
+    PhysicsData = Physics && Is_Started() ? Physics->Create_Buffer_Data(State) : nullptr;
 }
 
 bool vrMKPRenderable::Remove_Modifier(int index)
 {
     if (!Get_Modifier(index)) return false;
     Modifiers.erase(Modifiers.begin() + index);
+    if (index < static_cast<int>(ModifierData.size())) ModifierData.erase(ModifierData.begin() + index);
     return true;
 }
 

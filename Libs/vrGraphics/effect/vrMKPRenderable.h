@@ -64,11 +64,16 @@ public:
     const Mat3DClass &Get_Motion() const { return Motion; }
     /// What its modifiers made of this frame: fade, light, end.
     const vrMKPRenderableOutcome &Get_Outcome() const { return Outcome; }
+    vrMKPRenderableOutcome &Get_Outcome() { return Outcome; }
+    /// Makes a renderable that played in another instance one that never did: it is shown, where and how the definition
+    /// has it, and holds no particles.
+    virtual void Begin_Instance(const vrMKPRenderable &definition);
 
     /// Sets one of the values that game code may change while the renderable plays; `fadeTime` in seconds. An index
     /// out of range asserts and does nothing.
     void Set_Dynamic_Setting(int setting, const Vector4 &value, float fadeTime);
     const vrMKPDynamicSettings &Get_Dynamic_Settings() const { return *DynamicSettings; }
+    bool Was_Given_Homing_Target() const { return WasGivenHomingTarget; }
 
     const char *Get_Think_Name() const override { return Get_Name().c_str(); }
     vrRenderable &Get_Top_Owner() override;
@@ -119,7 +124,7 @@ public:
 
     /// Null only until a load, or `Complete_Definition`.
     vrMKPRenderablePhysics *Get_Physics() const { return Physics.Get(); }
-    void Set_Physics(vrMKPRenderablePhysics *physics) { Physics = physics; }
+    void Set_Physics(vrMKPRenderablePhysics *physics);
     int Get_Modifier_Count() const { return static_cast<int>(Modifiers.size()); }
     /// Null for an index out of range.
     vrMKPRenderableModifier *Get_Modifier(int index) const;
@@ -181,6 +186,7 @@ private:
     void Take_World_Facts();
     Mat3DClass Get_Base_Transform();
     void Move();
+    void Stay();
     void Take_Scale(float scale, const Vector3 &position);
 
     static bool RemoveWithEmitter;
@@ -209,6 +215,7 @@ private:
     std::vector<SmartPtr<vrMKPBufferPluginData>> ModifierData; ///< one for each modifier
     vrMKPRenderableOutcome Outcome;
     bool HasPlace = false; ///< moved at least once in this run
+    bool WasGivenHomingTarget = false;
     uint8_t RenderableState = 0;
     bool AlwaysSimulate = false;
     bool VelocityAligned = false;

@@ -81,14 +81,25 @@ void vrMKPRenderable::Start()
     State.RunningTime = 0.0f;
     State.StartTimeOffset = ActualStartDelay;
     State.Seed = RandomSeed;
+    Random.Seed(static_cast<uint32_t>(RandomSeed));
     State.QualitySnapshot = vrMKPSpawner::Get_Global_LOD();
     State.HardwareCycles = 0;
     Outcome = {};
     HasPlace = false;
+    Heading = Vector3(1.0f, 0.0f, 0.0f);
     Take_World_Facts();
     State.ProjectileTargetStart = State.TargetPosition;
     Motion = Get_Base_Transform();
     Make_Plugin_Data();
+}
+
+void vrMKPRenderable::Begin_Instance(const vrMKPRenderable &definition)
+{
+    Seed_Instance();
+    vrRenderable::Set_Hidden(false);
+    Set_Transform(definition.Get_Transform());
+    DynamicSettings = vrMKPDynamicSettings::Get_Shared_Default();
+    WasGivenHomingTarget = false;
 }
 
 void vrMKPRenderable::Make_Plugin_Data()
@@ -136,6 +147,7 @@ Mat3DClass vrMKPRenderable::Get_Base_Transform()
         base = (Mat3DClass::Look_Along(Heading) * Mat3DClass::From_Angles({0.0f, -90.0f * DEGREE, 0.0f})).Scaled(scale);
         base.Set_Translation(position);
     }
+    if (RotateOffset == Vector3(0.0f) && TranslateOffset == Vector3(0.0f) && ScaleOffset == 1.0f) return base;
     Mat3DClass offset = Mat3DClass::From_Angles(RotateOffset * DEGREE).Scaled(ScaleOffset);
     offset.Set_Translation(TranslateOffset);
     return base * offset;
@@ -159,10 +171,11 @@ void vrMKPRenderable::Think(float dt)
 
 void vrMKPRenderable::Set_Dynamic_Setting(int setting, const Vector4 &value, float fadeTime)
 {
-    if (Is_In_Scene() && !Is_Started()) Start();
+    const bool isSetting = setting >= 0 && setting < EMITTER_DS_COUNT;
+    if (isSetting && Is_In_Scene() && !Is_Started()) Start();
     if (vrMKPDynamicSettings::Set(DynamicSettings, setting, value, fadeTime) &&
         setting == vrMKPDynamicSettings::HOMING_TARGET)
-        Set_Marker(true);
+        WasGivenHomingTarget = true;
 }
 
 void vrMKPRenderable::Move()
@@ -174,6 +187,7 @@ void vrMKPRenderable::Move()
     const Mat3DClass motion = Physics ? Physics->Get_Motion(context) : context.Base;
     const bool isValid = Is_Valid(motion);
     MK_ASSERT(isValid, "tm_motion.Row[0].Is_Valid() && tm_motion.Row[1].Is_Valid() && tm_motion.Row[2].Is_Valid()");
+    if (HasPlace && motion == Motion) return Stay();
     if (isValid)
         Motion = motion;
     else if (Is_Valid(context.Base))
@@ -189,7 +203,14 @@ void vrMKPRenderable::Move()
         State.Place_At(unscaled);
     State.IsInstantMove = !HasPlace;
     HasPlace = true;
-    Set_Transform(Motion);
+    if (Emitter) Set_Transform(Motion); // without one the transform is what the motion starts from
+}
+
+/// What hasn't moved needs nothing but to know it.
+void vrMKPRenderable::Stay()
+{
+    State.PreviousTransform = State.Transform;
+    State.IsInstantMove = false;
 }
 
 void vrMKPRenderable::Take_Scale(float scale, const Vector3 &position)

@@ -26,7 +26,7 @@ vrMKParticle *vrMKParticle::Clone() const
     if (isDeep) clone->Post_Load(true, Visualizer.Get());
     clone->HiddenBySpawner = HiddenBySpawner;
     clone->HiddenByGroup = HiddenByGroup;
-    clone->Set_Group(Group);
+    clone->Group = Group; // nothing more: the group may be playing, and the clone goes to another
     return clone;
 }
 
@@ -51,7 +51,17 @@ void vrMKParticle::Reset_Definition()
     BulletModifier = nullptr;
     Bounds = {};
     PreSimulated = false;
+    RefusedBuffer = false;
     HiddenBySpawner = false;
+}
+
+void vrMKParticle::Begin_Instance(const vrMKParticle &definition)
+{
+    Restart();
+    Buffer = nullptr;
+    HiddenBySpawner = definition.HiddenBySpawner;
+    HiddenByGroup = definition.HiddenByGroup;
+    HiddenByLOD = false;
 }
 
 void vrMKParticle::Restart()
@@ -67,9 +77,10 @@ void vrMKParticle::Restart()
 
 void vrMKParticle::Set_Group(vrMKParticleGroup *group)
 {
+    if (Buffer && group != Group) Buffer->Clear_Death_Listeners();
     Group = group;
     if (!Group) return;
-    for (const auto &modifier : Modifiers) modifier->Bind_To_Emitter(Group->Get_State());
+    for (const auto &modifier : Modifiers) modifier->Modifier_Post_Load(Group->Get_State());
     if (Is_View_Dependent()) Group->Set_Group_State(vrMKParticleGroup::GROUP_STATE_NEEDS_CAMERA, true);
 }
 
@@ -91,6 +102,7 @@ void vrMKParticle::Add_Modifier(vrMKPModifier *modifier)
     if (!MK_VERIFY(modifier != nullptr, "modifier == NULL")) return;
     Modifiers.emplace_back(modifier);
     if (Buffer && Buffer->State) Buffer->ModifierData.emplace_back(modifier->Create_Buffer_Data(*Buffer->State));
+    if (Group) modifier->Modifier_Post_Load(Group->Get_State());
     if (!BulletModifier && modifier->Get_Plugin_Class() == kvrMKPBulletModifier)
         BulletModifier = static_cast<vrMKPBulletModifier *>(modifier);
 }

@@ -116,7 +116,10 @@ public:
     bool Needs_Serial_Frame() const;
     /// Start, stop and life together, in seconds.
     float Get_Lifetime() const;
-    void On_Parent_Particle_Death(const Vector3 &position, const Vector3 &velocity, float overshoot) override;
+    void On_Parent_Particle_Death(const vrMKPBuffer &parent, const Vector3 &position, const Vector3 &velocity,
+                                  float overshoot) override;
+    /// Makes it a layer that never played, hidden as the definition is.
+    void Begin_Instance(const vrMKParticle &definition);
     /// Decides by the spawner's chance whether the layer shows in the run that starts.
     void Draw_Probability();
     void Set_Alt_Index(int index);
@@ -140,6 +143,7 @@ private:
     bool Make_Buffer(vrMKPRenderState &state, SmartPtr<vrMKPBufferPluginData> spawnData, int capacity);
     void Pre_Simulate(vrMKParticleGroup &group);
     void Step_Particles();
+    bool Has_Quality() const;
     bool Fuses_Blocks() const;
     void Prepare_Modifiers(size_t first, size_t last);
     void Finish_Block(vrMKPSpan block, vrMKPSpan fresh, size_t first, size_t last, bool transforms,
@@ -157,6 +161,17 @@ private:
     bool HiddenBySpawner = false;
     bool HiddenByGroup = false;
     bool HiddenByLOD = false;
+    /// The kinds that the buffer's data was made for.
+    struct PreparedKinds
+    {
+        vrMKPPluginId Spawner = VRMKP_PLUGIN_NONE;
+        vrMKPPluginId Stomper = VRMKP_PLUGIN_NONE;
+        vrMKPPluginId Visualizer = VRMKP_PLUGIN_NONE;
+        friend bool operator==(const PreparedKinds &, const PreparedKinds &) = default;
+    };
+    PreparedKinds Get_Kinds() const;
+
+    PreparedKinds Kinds;
     SmartPtr<vrMKPBuffer> Buffer; ///< the one piece that is the instance's own
     SmartPtr<vrMKPSpawner> Spawner;
     SmartPtr<vrMKPTransformer> Transformer;

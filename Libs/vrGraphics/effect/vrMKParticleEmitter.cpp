@@ -115,6 +115,7 @@ bool vrMKParticleEmitter::Add_Renderable(vrMKPRenderable *renderable)
 bool vrMKParticleEmitter::Insert_Renderable(vrMKPRenderable *renderable, int index)
 {
     if (!MK_VERIFY(renderable != nullptr, "pg != NULL")) return false;
+    if (renderable->Get_Emitter() || renderable->Get_Scene()) return false; // it plays elsewhere, or here
     if (index < 0 || index > Get_Particle_Renderable_Count()) index = Get_Particle_Renderable_Count();
     renderable->Reset();
     if (!vrMKPContext::InEditor) renderable->Set_Pool(Pool.Get());
@@ -155,7 +156,7 @@ bool vrMKParticleEmitter::Copy_Renderables_From(const vrMKParticleEmitter *other
         SmartPtr<vrMKPRenderable> copy;
         if (!vrMKPContext::InEditor && Pool) copy = Pool->Take(*source);
         if (copy)
-            copy->Seed_Instance();
+            copy->Begin_Instance(*source);
         else
             copy = source->Clone(VR_CLONE_COPY);
         Add_Renderable(copy.Get());

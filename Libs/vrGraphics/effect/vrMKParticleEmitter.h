@@ -78,7 +78,7 @@ public:
     bool Copy_Renderables_From(const vrMKParticleEmitter *other);
 
     /// Set while a scene hands the emitter on, so that it isn't taken for a removal.
-    void Raise_Scene_Reassign_Hint(bool raised) { SceneReassignHint = raised; }
+    void Raise_Scene_Reassign_Hint(bool raised) override { SceneReassignHint = raised; }
     bool Get_Scene_Reassign_Hint() const { return SceneReassignHint; }
     /// While set, the renderables don't go to the pool when the emitter ends.
     void Set_Keep_Renderables(bool keep) { KeepRenderables = keep; }

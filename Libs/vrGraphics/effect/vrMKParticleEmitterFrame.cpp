@@ -55,6 +55,8 @@ void vrMKParticleEmitter::Spawn_Code_Particles(int count)
 
 void vrMKParticleEmitter::Restart()
 {
+    LastPosition = Get_Transform().Get_Translation(); // it starts here; it didn't fly here
+    LastWay = Vector3(0.0f);
     for (const auto &renderable : MKPRenderables) {
         renderable->Reset();
         if (Get_Scene()) renderable->Start();

@@ -1,5 +1,6 @@
 #include "vrGraphics/effect/vrMKParticle.h"
 
+#include "MKLib/MKDebug/AssertScope.h"
 #include "MKLib/MKDebug/Logger.h"
 #include "vrGraphics/effect/vrMKParticleGroup.h"
 #include "vrGraphics/particle/ParticleMath.h"
@@ -7,24 +8,39 @@
 #include "vrGraphics/plugins/visualizers/vrMKPBoundsSum.h"
 
 #include <algorithm>
+#include <climits>
 
 static MKDebug::Logger ParticleLog("ParticleLog");
 
 namespace
 {
 
-/// Slots that all behaviours work on before the next ones: their channels stay in the first cache meanwhile.
-constexpr int BLOCK = 512;
+/// Slots that all behaviours work on before the next ones: their channels stay in the second cache meanwhile, and are
+/// long enough for loops and prefetching to come up to speed. Blocks end at multiples of it, so that all but the first
+/// of a run begin where a cache line does, in each channel.
+constexpr int BLOCK = 4096;
 constexpr float PRE_SIMULATION_STEP = 0.033f;
-constexpr float PRE_SIMULATION_RATE = 30.30303f; ///< steps a second
-/// What a file may ask for at most, ten times the greatest value of the parameter.
+constexpr double PRE_SIMULATION_RATE = 30.30303; ///< steps a second
+/// What a file may ask for at most: ten times the greatest value of the parameter, and a second or two of work.
 constexpr int MAX_PRE_SIMULATION_STEPS = 3030;
+constexpr int MAX_PRE_SIMULATED_PARTICLES = 1 << 30; ///< in all steps together, were the ring full
+
+/// Frames ahead of the start are charged too, which comes to more than an int holds.
+void Count(int &total, int count)
+{
+    total = count > INT_MAX - total ? INT_MAX : total + count;
+}
 
 template <typename Work> void For_Blocks(const vrMKPSpans &spans, Work &&work)
 {
-    for (const vrMKPSpan span : spans)
-        for (int at = 0; at < span.Count; at += BLOCK)
-            work(vrMKPSpan{span.First + at, std::min(BLOCK, span.Count - at)});
+    for (const vrMKPSpan span : spans) {
+        const int end = span.First + span.Count;
+        for (int first = span.First; first < end;) {
+            const int next = std::min((first / BLOCK + 1) * BLOCK, end);
+            work(vrMKPSpan{first, next - first});
+            first = next;
+        }
+    }
 }
 
 } // namespace
@@ -33,8 +49,11 @@ bool vrMKParticle::Prepare_Buffer(vrMKParticleGroup &group)
 {
     if (!Spawner || !Stomper || RefusedBuffer) return false;
     vrMKPRenderState &state = group.Get_State();
+    if (Kinds != Get_Kinds()) Buffer = nullptr; // what it keeps is for plugins of other kinds
+    Kinds = Get_Kinds();
     SmartPtr<vrMKPBufferPluginData> data = Buffer ? Buffer->SpawnerData : nullptr;
     if (!Spawner->Create_Spawn_Data(state, &data)) return false;
+    Stomper->Mark_Dirty();
     Stomper->Update_Life();
     const int capacity = Spawner->Get_Max_Particles(state, data.Get(), Stomper.Get());
     if (!Make_Buffer(state, std::move(data), capacity)) {
@@ -50,9 +69,20 @@ bool vrMKParticle::Prepare_Buffer(vrMKParticleGroup &group)
     return true;
 }
 
+vrMKParticle::PreparedKinds vrMKParticle::Get_Kinds() const
+{
+    const auto kind = [](const vrMKPPlugin *plugin) {
+        return plugin ? plugin->Get_Plugin_Class() : VRMKP_PLUGIN_NONE;
+    };
+    return {kind(Spawner.Get()), kind(Stomper.Get()), kind(Visualizer.Get())};
+}
+
 bool vrMKParticle::Make_Buffer(vrMKPRenderState &state, SmartPtr<vrMKPBufferPluginData> spawnData, int capacity)
 {
-    if (Buffer) return Buffer->Capacity == capacity || Buffer->Resize(capacity, Get_Name());
+    if (Buffer) {
+        Buffer->InverseMaxAge = 1.0f / Stomper->Get_Max_Life(state);
+        return Buffer->Capacity == capacity || Buffer->Resize(capacity, Get_Name());
+    }
     Buffer = vrMKPBuffer::Create(capacity, Get_Name());
     if (!Buffer) return false;
     Buffer->State = &state;
@@ -84,8 +114,8 @@ void vrMKParticle::Update(float dt, vrMKParticleGroup &group)
     else
         Measure(nullptr);
 
-    state.ParticleCount += Buffer->ActiveCount;
-    if (Spawner && Spawner->Get_Contribute_To_Lighting()) state.LightingParticleCount += Buffer->ActiveCount;
+    Count(state.ParticleCount, Buffer->ActiveCount);
+    if (Spawner && Spawner->Get_Contribute_To_Lighting()) Count(state.LightingParticleCount, Buffer->ActiveCount);
     Buffer->SpawnedThisFrame = 0;
 }
 
@@ -95,13 +125,15 @@ void vrMKParticle::Pre_Simulate(vrMKParticleGroup &group)
     PreSimulated = true;
     const float seconds = Spawner ? Spawner->Get_Pre_Simulate_Seconds() : 0.0f;
     if (!(seconds > 0.0f)) return;
-    int steps = Particle::Truncate(seconds * PRE_SIMULATION_RATE);
-    if (steps > MAX_PRE_SIMULATION_STEPS) {
+    // In double precision and by this decimal: 0.99 seconds are 29 steps.
+    const double asked = static_cast<double>(seconds) * PRE_SIMULATION_RATE;
+    const int limit =
+        std::min(MAX_PRE_SIMULATION_STEPS, MAX_PRE_SIMULATED_PARTICLES / std::max(Buffer->Capacity, 1));
+    const int steps = asked < limit ? static_cast<int>(asked) : limit;
+    if (asked > limit)
         MK_LOG(ParticleLog, MKDebug::LogLevel::Warning, "Layer \"%s\" asks for %g seconds ahead of its start, gets %g",
                Get_Name().c_str(), static_cast<double>(seconds),
-               static_cast<double>(MAX_PRE_SIMULATION_STEPS * PRE_SIMULATION_STEP));
-        steps = MAX_PRE_SIMULATION_STEPS;
-    }
+               static_cast<double>(static_cast<float>(limit) * PRE_SIMULATION_STEP));
     for (int step = 0; step < steps; ++step) Update(PRE_SIMULATION_STEP, group);
 }
 
@@ -109,12 +141,13 @@ void vrMKParticle::Pre_Simulate(vrMKParticleGroup &group)
 /// particles after the other, as long as they are in the cache, where the plugins allow it: `Fuses_Blocks`.
 void vrMKParticle::Step_Particles()
 {
+    const MKDebug::AssertScope onceAStep;
     vrMKPBuffer &buffer = *Buffer;
     buffer.ScaleType = buffer.State->IsProjectile && Spawner->Uses_Scaled_Transform_Data() && Transformer
                            ? Transformer->Get_Scale_Type()
                            : PARTICLE_SCALE_NONE;
     const bool ages = Stomper->Begin_Age(buffer);
-    buffer.Begin_Move(Spawner->Get_Auto_Update_Positions());
+    buffer.Begin_Move(Spawner->Get_Auto_Update_Positions(), Spawner->Sets_Live_Slots());
     const bool fuses = Fuses_Blocks();
     const bool hasOld = buffer.ActiveCount > 0;
     const bool hasPlainBounds = fuses && Visualizer && Visualizer->Has_Plain_Bounds() && !Stomper->Has_Condition();
@@ -149,11 +182,12 @@ void vrMKParticle::Step_Particles()
     Measure(inBlocks);
 }
 
-/// Whether the particles of the last frame can be modified and placed before this frame's are born. What a modifier
-/// does to one particle must not depend on the others, and it must draw nothing.
+/// Whether the particles of the last frame are modified and placed before this frame's are born. What a modifier does to
+/// one particle must not depend on the others, and it must draw nothing. A small layer stays in the cache as it is, and
+/// has fewer calls without.
 bool vrMKParticle::Fuses_Blocks() const
 {
-    return Spawner->Get_Plugin_Class() != kvrMKPSlaveSpawner &&
+    return Buffer->ActiveCount > BLOCK && !Spawner->Sets_Live_Slots() &&
            std::none_of(Modifiers.begin(), Modifiers.end(), [](const auto &modifier) {
                return modifier->Get_Walk() == vrMKPModifier::WALK_WHOLE || modifier->Depends_On_Count() ||
                       modifier->Needs_Serial_Frame();
@@ -220,20 +254,15 @@ void vrMKParticle::Measure(const vrMKPBoundsSum *sum)
 
 bool vrMKParticle::Should_Spawn() const
 {
-    if (!Spawner || !Buffer || !Buffer->State) return false;
-    int level = vrMKPSpawner::Get_Global_LOD();
-    if (Spawner->Get_Duration_Flags() & vrMKPSpawner::DURATION_HAS_END)
-        level = std::min(level, Buffer->State->QualitySnapshot);
-    return Spawner->Get_LOD() <= level && Spawner->Can_Spawn(Buffer.Get(), *Buffer->State, Stomper.Get());
+    return Spawner && Buffer && Buffer->State && Has_Quality() && Spawner->Can_Spawn(Buffer.Get(), *Buffer->State, Stomper.Get());
 }
 
 void vrMKParticle::Update_Hardware(float dt, vrMKParticleGroup &group)
 {
     if (Is_Suspended() || dt == 0.0f) return;
     Bounds = {};
-    if (Spawner && (!Buffer || !Buffer->Active)) return;
+    if (!Buffer || !Buffer->Active || !Buffer->Companion) return;
     vrMKPRenderState &state = group.Get_State();
-    if (!Buffer->Companion) return;
     const vrBounds box = group.Get_Bounds();
     if (Buffer->Companion->Update(dt, box.Center - box.Extent, box.Center + box.Extent)) ++state.HardwareCycles;
     if (!state.Is_Showing()) Buffer->Companion->Stop_Spawning();
@@ -251,15 +280,30 @@ void vrMKParticle::Select_Visible_Particles(const Vector3 &camera)
     Visualizer->Select_Visible_Particles(*Buffer, camera);
 }
 
+/// Whether the layer has a part in what keeps its emitter in the scene: it has particles, or may get some in this run. A
+/// hidden layer only pauses, and without an end it waits for a better quality too.
 bool vrMKParticle::Has_Work() const
 {
     if (Is_Suspended() || !Buffer || !Buffer->Active) return false;
     if (Buffer->ActiveCount > 0) return true;
-    return Spawner && !Spawner->Follows_Parent() && Should_Spawn();
+    if (!Spawner) return false;
+    if (Spawner->Follows_Parent()) return Spawner->Has_Pending_Births(*Buffer);
+    if (Buffer->SpawnerState == SPAWNER_STOPPED) return false;
+    const bool hasEnd = (Spawner->Get_Duration_Flags() & vrMKPSpawner::DURATION_HAS_END) != 0;
+    return !hasEnd || Has_Quality();
+}
+
+bool vrMKParticle::Has_Quality() const
+{
+    int level = vrMKPSpawner::Get_Global_LOD();
+    if (Spawner->Get_Duration_Flags() & vrMKPSpawner::DURATION_HAS_END)
+        level = std::min(level, Buffer->State->QualitySnapshot);
+    return Spawner->Get_LOD() <= level;
 }
 
 bool vrMKParticle::Needs_Serial_Frame() const
 {
+    if (Is_Suspended() || !Buffer || !Buffer->Active || (Buffer->ActiveCount == 0 && !Should_Spawn())) return false;
     return std::any_of(Modifiers.begin(), Modifiers.end(),
                        [](const auto &modifier) { return modifier->Needs_Serial_Frame(); });
 }
@@ -271,9 +315,10 @@ float vrMKParticle::Get_Lifetime() const
     return Spawner->Get_Start_Time(state) + Spawner->Get_Stop_Time() + Stomper->Get_Max_Life(state);
 }
 
-void vrMKParticle::On_Parent_Particle_Death(const Vector3 &position, const Vector3 &velocity, float overshoot)
+void vrMKParticle::On_Parent_Particle_Death(const vrMKPBuffer &parent, const Vector3 &position,
+                                            const Vector3 &velocity, float overshoot)
 {
-    if (Group) Group->On_Parent_Particle_Death(this, position, velocity, overshoot, Buffer.Get());
+    if (Group) Group->On_Parent_Particle_Death(this, position, velocity, overshoot, &parent);
 }
 
 void vrMKParticle::Draw_Probability()

@@ -14,7 +14,7 @@ vrMKParticleGroup::vrMKParticleGroup()
 }
 
 vrMKParticleGroup::vrMKParticleGroup(const vrMKParticleGroup &other)
-    : vrMKPRenderable(other), ParticleGroupStates(other.ParticleGroupStates)
+    : vrMKPRenderable(other), AltIndex(other.AltIndex), ParticleGroupStates(other.ParticleGroupStates)
 {
     Get_State().Layers = this;
     Particles.reserve(other.Particles.size());

@@ -36,6 +36,7 @@ public:
     /// Restarts each layer too.
     void Reset() override;
     void Start() override;
+    void Begin_Instance(const vrMKPRenderable &definition) override;
     void Set_Hidden(bool hidden) override;
     /// Whether the group or its emitter is hidden.
     bool Is_Group_Hidden() const;
@@ -55,9 +56,9 @@ public:
     /// The box around all layers, of the last frame.
     vrBounds Get_Bounds() const;
     vrMKPLayer *Find_Layer(std::string_view name) const override;
-    /// Hands the death of a parent's particle to the spawner of one of the group's layers.
+    /// Hands the death of a particle of `buffer` to the spawner of one of the group's layers.
     void On_Parent_Particle_Death(vrMKParticle *particle, const Vector3 &position, const Vector3 &velocity,
-                                  float overshoot, vrMKPBuffer *buffer);
+                                  float overshoot, const vrMKPBuffer *buffer);
     /// As it shines in this frame; expects an index of a light.
     const vrParticleLight &Get_Light_State(int index) const { return LightStates[static_cast<size_t>(index)]; }
 
@@ -81,6 +82,10 @@ public:
     size_t Get_Object_Size() const override { return sizeof(*this); }
     size_t Get_Memory_Usage(bool includePlugins) const override;
     bool Is_Same_Definition(const vrMKPRenderable &other) const override;
+
+protected:
+    /// A group that is killed ends at once, its lights too.
+    void Update_Modifiers(vrMKPRenderableModifierContext context) override;
 
 private:
     using AttachedModels = std::vector<SmartPtr<vrMKPAttachedModelParameters>>;

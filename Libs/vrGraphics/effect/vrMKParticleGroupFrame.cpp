@@ -22,6 +22,25 @@ void vrMKParticleGroup::Start()
     WaitingLayers = Particle_Count(); // until a frame has looked
 }
 
+void vrMKParticleGroup::Begin_Instance(const vrMKPRenderable &definition)
+{
+    vrMKPRenderable::Begin_Instance(definition);
+    const auto &group = static_cast<const vrMKParticleGroup &>(definition);
+    AltIndex = group.AltIndex;
+    for (int index = 0; index < Particle_Count(); ++index)
+        if (const vrMKParticle *source = group.Get_Particle(index)) Get_Particle(index)->Begin_Instance(*source);
+}
+
+void vrMKParticleGroup::Update_Modifiers(vrMKPRenderableModifierContext context)
+{
+    vrMKPRenderable::Update_Modifiers(context);
+    if (!Is_Ended()) return;
+    for (const auto &particle : Particles) particle->Restart();
+    for (vrParticleLight &light : LightStates) light.IsOn = false;
+    LiveParticles = 0;
+    WaitingLayers = 0;
+}
+
 void vrMKParticleGroup::Set_Hidden(bool hidden)
 {
     const bool wasHidden = Is_Group_Hidden();
@@ -58,9 +77,18 @@ void vrMKParticleGroup::Spawn_Code_Particles(int count)
 void vrMKParticleGroup::Pre_Think(float)
 {
     if (!Wants_Particle_Think()) return;
+    bool hasNew = false;
     for (const auto &particle : Particles) {
         const vrMKPBuffer *buffer = particle->Get_Buffer();
-        if (!particle->Is_Suspended() && (!buffer || !buffer->Active)) particle->Prepare_Buffer(*this);
+        if (!particle->Is_Suspended() && (!buffer || !buffer->Active)) hasNew |= particle->Prepare_Buffer(*this);
+        // An editor may have changed it, and the threads of the frame only read.
+        if (particle->Get_Stomper()) particle->Get_Stomper()->Update_Life();
+    }
+    if (!hasNew) return;
+    // Those that follow another layer can find its buffer only now.
+    for (const auto &particle : Particles) {
+        vrMKPBuffer *buffer = particle->Get_Buffer();
+        if (buffer && buffer->Active && particle->Get_Spawner()) particle->Get_Spawner()->Find_Parent(*buffer);
     }
 }
 
@@ -110,10 +138,12 @@ void vrMKParticleGroup::Update_Lights()
 
 vrBounds vrMKParticleGroup::Get_Bounds() const
 {
-    Vector3 lowest(0.0f);
-    Vector3 highest(0.0f);
+    Vector3 lowest = Get_State().Get_Position();
+    Vector3 highest = lowest;
     bool isFirst = true;
     for (const auto &particle : Particles) {
+        const vrMKPBuffer *buffer = particle->Get_Buffer();
+        if (!buffer || !buffer->Active || particle->Is_Suspended()) continue;
         const vrBounds &box = particle->Get_Bounds();
         lowest = isFirst ? box.Center - box.Extent : glm::min(lowest, box.Center - box.Extent);
         highest = isFirst ? box.Center + box.Extent : glm::max(highest, box.Center + box.Extent);
@@ -133,7 +163,7 @@ vrMKPLayer *vrMKParticleGroup::Find_Layer(std::string_view name) const
 }
 
 void vrMKParticleGroup::On_Parent_Particle_Death(vrMKParticle *particle, const Vector3 &position,
-                                                 const Vector3 &velocity, float overshoot, vrMKPBuffer *buffer)
+                                                 const Vector3 &velocity, float overshoot, const vrMKPBuffer *buffer)
 {
     // The texts name the fault.
     if (!MK_VERIFY(particle != nullptr, "particle == NULL")) return;
@@ -142,5 +172,7 @@ void vrMKParticleGroup::On_Parent_Particle_Death(vrMKParticle *particle, const V
     if (!MK_VERIFY(spawner->Get_Plugin_Class() == kvrMKPDeathSpawner,
                    "particle->Get_Spawner()->Get_Plugin_Class() != vrMKPPlugin::kvrMKPDeathSpawner"))
         return;
-    if (buffer && buffer->Active) spawner->On_Parent_Particle_Death(*buffer, position, velocity, overshoot);
+    vrMKPBuffer *child = particle->Get_Buffer();
+    if (buffer && child && child->Active)
+        spawner->On_Parent_Particle_Death(*child, *buffer, position, velocity, overshoot);
 }

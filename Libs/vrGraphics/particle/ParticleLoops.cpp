@@ -48,7 +48,7 @@ MK_SIMD void Transform_Floats(float *to, const float *from, int count, const Mat
     const Vector4 x = transform.Row[0];
     const Vector4 y = transform.Row[1];
     const Vector4 z = transform.Row[2];
-#pragma GCC ivdep
+#pragma GCC ivdep // each point is read before it is written
     for (int at = 0; at < count; ++at) {
         const float px = from[at * 3];
         const float py = from[at * 3 + 1];

@@ -24,10 +24,11 @@ MK_INLINE float Clamp_01(float value)
     return raised < 1.0f ? raised : 1.0f;
 }
 
-/// Toward zero; beyond the integers, and for what is no number, the nearest float that is one.
+/// Toward zero. Beyond the integers, and for what is no number, one of the two ends, whose low 12 bits are 0, so that they
+/// come out as 0 in what a rotation or a byte of a colour keeps.
 MK_INLINE int32_t Truncate(float value)
 {
-    constexpr float LIMIT = 2147483520.0f;
+    constexpr float LIMIT = 2147479552.0f;
     const float raised = value > -LIMIT ? value : -LIMIT;
     return static_cast<int32_t>(raised < LIMIT ? raised : LIMIT);
 }

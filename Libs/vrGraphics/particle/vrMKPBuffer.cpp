@@ -152,6 +152,7 @@ void vrMKPBuffer::Clear_Particles()
 void vrMKPBuffer::Reset()
 {
     Clear_Particles();
+    Clear_Death_Listeners();
     MayHaveStopped = false;
     KillOnRemoval = false;
     TimeSinceDeath = 0.0f;
@@ -189,7 +190,7 @@ void vrMKPBuffer::Copy_Particle_From(int from, int to, const vrMKPBuffer &other)
     Color[to] = other.Color[from];
     Size[to] = other.Size[from];
     Rotation[to] = other.Rotation[from];
-    WorldPosition[to] = other.WorldPosition[from];
+    if (WorldPosition != Position) WorldPosition[to] = other.WorldPosition[from];
     SortingRelativeToGroup[to] = other.SortingRelativeToGroup[from];
 }
 
@@ -216,11 +217,11 @@ void vrMKPBuffer::Remove_Oldest(int count)
     ActiveCount -= count;
 }
 
-void vrMKPBuffer::Begin_Move(bool integrates)
+void vrMKPBuffer::Begin_Move(bool integrates, bool keepsOthers)
 {
     if (!integrates || ActiveCount == 0) {
         Move = MOVE_NOTHING;
-    } else if (MayHaveStopped) {
+    } else if (MayHaveStopped || keepsOthers) {
         Move = MOVE_IN_PLACE;
     } else {
         // All live positions are written anew, so the old ones need no copy.
@@ -246,14 +247,6 @@ bool vrMKPBuffer::Move_Span(vrMKPSpan span)
     return !Particle::Has_Invalid(position, span.Count);
 }
 
-void vrMKPBuffer::Move_Positions(bool integrates)
-{
-    Begin_Move(integrates);
-    bool isValid = true;
-    for (const vrMKPSpan span : Live_Spans()) isValid &= Move_Span(span);
-    MK_ASSERT(isValid, "Position[where].Is_Valid()");
-}
-
 void vrMKPBuffer::Share_World_Positions(bool shared)
 {
     WorldPosition = shared ? Position : static_cast<Vector3 *>(Channels[MKP_WORLD_POSITION]);
@@ -274,7 +267,7 @@ void vrMKPBuffer::Offset_Positions(const Vector3 &delta)
 void vrMKPBuffer::Notify_Death(int slot, float overshoot) const
 {
     for (vrMKPLayer *listener : DeathListeners)
-        listener->On_Parent_Particle_Death(Position[slot], Velocity[slot], overshoot);
+        listener->On_Parent_Particle_Death(*this, Position[slot], Velocity[slot], overshoot);
 }
 
 void vrMKPBuffer::Add_Death_Listener(vrMKPLayer &listener)

@@ -109,18 +109,20 @@ public:
     template <typename Mark> void Remove_Marked(Mark &&mark);
 
     /// The frame's move: "PreviousPosition" takes "Position", and where the spawner wants it, particles that aren't at
-    /// rest are integrated: position += velocity * step. Begun once, and then done for each run of the live slots.
-    void Begin_Move(bool integrates);
+    /// rest are integrated: position += velocity * step. Begun once, and then done for each run of the live slots. Slots
+    /// that don't live keep their positions only where `keepsOthers` asks for it.
+    void Begin_Move(bool integrates, bool keepsOthers);
     /// False when a position is infinite or no number.
     bool Move_Span(vrMKPSpan span);
-    void Move_Positions(bool integrates);
     /// Moves world-space particles with their owner.
     void Offset_Positions(const Vector3 &delta);
 
     bool Is_World() const { return TransformType == MKP_TRANSFORM_WORLD; }
     /// Tells the layers that spawn from this one's deaths.
     void Notify_Death(int slot, float overshoot) const;
-    void Add_Death_Listener(vrMKPLayer &listener); ///< once each
+    /// Once each. Listeners are borrowed for a run: a reset lets go of them.
+    void Add_Death_Listener(vrMKPLayer &listener);
+    void Clear_Death_Listeners() { DeathListeners.clear(); }
     bool Has_Death_Listeners() const { return !DeathListeners.empty(); }
 
     size_t Get_Memory_Usage() const;

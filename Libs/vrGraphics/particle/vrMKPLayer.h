@@ -14,8 +14,9 @@ public:
     virtual const MK::String &Get_Name() const = 0;
     /// Null until the layer has been prepared for its first frame.
     virtual vrMKPBuffer *Get_Buffer() const = 0;
-    /// A particle of the layer that this one spawns from has died, `overshoot` seconds past its greatest age.
-    virtual void On_Parent_Particle_Death(const Vector3 &position, const Vector3 &velocity, float overshoot) = 0;
+    /// A particle of `parent` has died, `overshoot` seconds past its greatest age.
+    virtual void On_Parent_Particle_Death(const vrMKPBuffer &parent, const Vector3 &position, const Vector3 &velocity,
+                                          float overshoot) = 0;
 
 protected:
     ~vrMKPLayer() = default;

@@ -51,6 +51,8 @@ public:
     vrScene *Get_Scene() const { return Scene; }
     /// From its own frame to the world.
     const Mat3DClass &Get_Transform() const { return Transform; }
+    /// While raised, leaving a scene is a move to another one.
+    virtual void Raise_Scene_Reassign_Hint(bool /*raised*/) {}
     virtual void Set_Transform(const Mat3DClass &transform) { Transform = transform; }
     /// Hidden things aren't drawn. Nothing is hidden at the start.
     bool Is_Hidden() const { return Hidden; }
@@ -89,6 +91,7 @@ private:
     UpdateModeType UpdateMode = UPDATE_WHEN_VISIBLE;
     bool Hidden = false;
     int ThinkGroup = -1; ///< the scene's, of the frame that runs
+    bool HasToldOfParts = false; ///< that it has more parts than think
 };
 
 /// The base of what a scene plays as particles.

@@ -6,6 +6,7 @@
 #include "vrGraphics/RenderThread/RenderThread.h"
 
 #include <algorithm>
+#include <cmath>
 
 MK_DEFINE_RUN_TIME_TYPE(vrScene, vrRenderable)
 
@@ -33,6 +34,7 @@ vrRenderable *vrScene::Clone(vrCloneType) const
 
 void vrScene::Update(float dt)
 {
+    if (!MK_VERIFY(std::isfinite(dt), "std::isfinite(dt)")) return;
     InUpdate = true;
     ++FrameCount;
     Time += dt;
@@ -60,7 +62,6 @@ void vrScene::Group_By_Owner()
     ThinkGroupCount = 0;
     for (vrRenderable *renderable : ThinkList) renderable->Get_Top_Owner().ThinkGroup = -1;
     for (vrRenderable *renderable : ThinkList) {
-        if (renderable->Wants_Particle_Think()) ParticleList.push_back(renderable);
         vrRenderable &owner = renderable->Get_Top_Owner();
         if (owner.ThinkGroup < 0) {
             owner.ThinkGroup = ThinkGroupCount++;
@@ -76,9 +77,13 @@ void vrScene::Group_By_Owner()
         } else if (group.Count < MAX_THINK_GROUP_SIZE) {
             group.Entries[group.Count++] = renderable;
         } else {
-            MK_LOG(VorenLog, MKDebug::LogLevel::Error, "Renderable=%s has too many sub-renderables",
-                   owner.Get_Think_Name());
+            if (!owner.HasToldOfParts)
+                MK_LOG(VorenLog, MKDebug::LogLevel::Error, "Renderable=%s has too many sub-renderables",
+                       owner.Get_Think_Name());
+            owner.HasToldOfParts = true;
+            continue;
         }
+        if (renderable->Wants_Particle_Think()) ParticleList.push_back(renderable);
     }
 }
 
@@ -121,6 +126,7 @@ void vrScene::Enter(vrRenderable &renderable)
 {
     renderable.Set_Scene(this);
     ThinkList.push_back(&renderable);
+    ReleaseList.reserve(ThinkList.capacity()); // so that a removal within a frame doesn't allocate
     renderable.On_Added(*this);
 }
 

@@ -62,6 +62,8 @@ public:
 
 protected:
     vrScene() = default;
+    /// Whether a frame runs, in which nothing leaves.
+    bool Is_In_Update() const { return InUpdate; }
 
 private:
     /// Things of one owner, which think one after the other.

@@ -20,7 +20,11 @@ bool vrSimpleScene::Add_Renderable(vrRenderable *renderable)
               "section of code.\"");
     if (!renderable || renderable->Get_Scene() == this) return false;
     const SmartPtr<vrRenderable> held(renderable);
-    if (renderable->Get_Scene()) renderable->Get_Scene()->Remove_Renderable(renderable);
+    if (renderable->Get_Scene()) {
+        renderable->Raise_Scene_Reassign_Hint(true);
+        renderable->Get_Scene()->Remove_Renderable(renderable);
+        renderable->Raise_Scene_Reassign_Hint(false);
+    }
     Renderables.push_back(held);
     Enter(*renderable);
     return true;
@@ -32,6 +36,10 @@ bool vrSimpleScene::Remove_Renderable(vrRenderable *renderable)
                                     [&](const auto &candidate) { return candidate == renderable; });
     if (found == Renderables.end()) return false;
     const SmartPtr<vrRenderable> held(renderable);
+    if (Is_In_Update()) {
+        Remove_Object(*renderable, 0);
+        return true;
+    }
     Leave(*renderable);
     Renderables.erase(std::find(Renderables.begin(), Renderables.end(), held));
     return true;

@@ -363,6 +363,130 @@ TEST(Frame, DeathsReachTheirListenerAndFaultsAreNamed)
                                      "particle->Get_Spawner() == NULL"));
 }
 
+TEST(Frame, TheLastDeathOfAnEffectStillBursts)
+{
+    const EditorMode editor(true);
+    Stage stage;
+    vrMKParticle &child = stage.Add_Layer("child", 40); // ahead of its parent, it hears of a death a frame later
+    dynamic_cast<StringParameterClass &>(*child.Get_Spawner()->Get_Parameter_By_Name("Parent Name")).Set_Value("parent");
+    Set(child.Get_Stomper(), "Stomp Time", 5.0f);
+    vrMKParticle &parent = stage.Add_Layer("parent");
+    Set(parent.Get_Spawner(), "Stop Time", 0.05f);
+    Set(parent.Get_Stomper(), "Stomp Time", 0.35f);
+    Set(parent.Get_Stomper(), "Spawn on Age", true);
+    stage.Play(7);
+    EXPECT_NE(stage.Emitter->Get_Scene(), nullptr);
+    EXPECT_EQ(stage.Live(0), 30);
+}
+
+TEST(Frame, AHiddenEffectWithoutAnEndComesBack)
+{
+    Stage stage;
+    stage.Add_Layer();
+    stage.Play(2);
+    stage.Emitter->Set_Hidden(true);
+    stage.Play(15);
+    EXPECT_EQ(stage.Live(), 0);
+    ASSERT_NE(stage.Emitter->Get_Scene(), nullptr);
+    stage.Emitter->Set_Hidden(false);
+    stage.Play(1);
+    EXPECT_EQ(stage.Live(), 2); // it bursts again: at 0, and at the end of the frame
+}
+
+TEST(Frame, WhatASpawnerBringsBackIsModifiedAndPlaced)
+{
+    Stage stage;
+    vrMKParticle &layer = stage.Add_Layer("rain", 63);
+    Set(layer.Get_Spawner(), "Particle Count", 5000); // more than a block
+    layer.Set_Stomper(Make<vrMKPStomper>(66).Get());
+    layer.Add_Modifier(Make<vrMKPModifier>(10).Get()); // one unit a second each second, downward
+    dynamic_cast<ShapeParameterClass &>(*layer.Get_Spawner()->Get_Parameter_By_Name("Velocity")).Set_Value({});
+    stage.Play(2);
+    stage.Emitter->Set_Hidden(true);
+    stage.Play(3);
+    EXPECT_EQ(stage.Live(), 0);
+    stage.Emitter->Set_Hidden(false);
+    stage.Play(1);
+    const vrMKPBuffer &buffer = *layer.Get_Buffer();
+    ASSERT_EQ(buffer.ActiveCount, 5000);
+    EXPECT_NEAR(buffer.Velocity[4999].z, -0.3f, 1e-5f);
+    EXPECT_EQ(buffer.WorldPosition[4999], buffer.Position[4999]);
+    EXPECT_GT(layer.Get_Bounds().Extent.x, 100.0f);
+}
+
+TEST(Frame, AModelsKillerEndsIt)
+{
+    Stage stage;
+    stage.Emitter->Set_Remove_On_Depleted(false);
+    auto *model = new vrMKPModel;
+    auto killer = Make<vrMKPRenderableModifier>(119);
+    Set(killer.Get(), "Lifetime", 0.5f);
+    model->Set_Killer(killer.Get());
+    model->Complete_Definition();
+    stage.Emitter->Add_Renderable(model);
+    stage.Play(4);
+    EXPECT_FALSE(model->Is_Ended());
+    stage.Play(2);
+    EXPECT_TRUE(model->Is_Ended());
+}
+
+TEST(Frame, AnInstanceFromThePoolHasNothingOfTheLastOne)
+{
+    Stage stage;
+    stage.Add_Layer();
+    const SmartPtr<vrMKParticleEmitter> prototype = stage.Emitter;
+    SmartPtr<vrMKParticleEmitter> first(prototype->Clone(VR_CLONE_COPY));
+    vrMKPRenderable *renderable = first->Peek_Particle_Renderable(0);
+    {
+        vrSimpleScene scene;
+        scene.Add_Renderable(first.Get());
+        renderable->Set_Hidden(true);
+        renderable->Set_Dynamic_Setting(4, Vector4(5.0f), 0.0f);
+        renderable->Set_Dynamic_Setting(13, Vector4(1.0f), 0.0f);
+        scene.Update(0.1f);
+    }
+    first = nullptr;
+    const SmartPtr<vrMKParticleEmitter> second(prototype->Clone(VR_CLONE_COPY));
+    ASSERT_EQ(second->Peek_Particle_Renderable(0), renderable); // it is the same object
+    EXPECT_FALSE(renderable->Is_Hidden());
+    EXPECT_FALSE(renderable->Was_Given_Homing_Target());
+    EXPECT_EQ(renderable->Get_Dynamic_Settings().Get_Scalar(4).Get_Current(), 0.0f);
+    EXPECT_EQ(static_cast<vrMKParticleGroup *>(renderable)->Get_Particle(0)->Get_Buffer(), nullptr);
+}
+
+TEST(Frame, AnEditorMayReplaceThePluginsOfAPlayingLayer)
+{
+    Stage stage;
+    vrMKParticle &layer = stage.Add_Layer();
+    stage.Play(5);
+    const int live = stage.Live();
+    auto stomper = Make<vrMKPStomper>(19); // lives of 5 seconds
+    layer.Set_Stomper(stomper.Get());
+    stage.Play(1);
+    EXPECT_GT(stage.Live(), live);
+    stage.Add_Layer("parent");
+    layer.Set_Spawner(Make<vrMKPSpawner>(95).Get());
+    dynamic_cast<StringParameterClass &>(*layer.Get_Spawner()->Get_Parameter_By_Name("Parent Name")).Set_Value("parent");
+    stage.Emitter->Restart();
+    stage.Play(3);
+    EXPECT_GT(stage.Live(0), 0);
+    EXPECT_EQ(layer.Get_Buffer()->Capacity, stage.Group->Get_Particle(1)->Get_Buffer()->Capacity);
+}
+
+TEST(Frame, AFaultIsToldOnceAStepHoweverManyBlocksHaveIt)
+{
+    Stage stage;
+    vrMKParticle &layer = stage.Add_Layer();
+    Set(layer.Get_Spawner(), "Particles / Second", 200000.0f);
+    layer.Add_Modifier(Make<vrMKPModifier>(10).Get());
+    dynamic_cast<Vector3Parameter &>(*layer.Get_Modifier(0)->Get_Parameter_By_Name("Acceleration"))
+        .Set_Value(Vector3(std::numeric_limits<float>::infinity()));
+    const MKTest::Reports reports;
+    stage.Play(3);
+    EXPECT_EQ(reports.Count_Asserts("buffer->Velocity[where].Is_Valid()"), 3);
+    EXPECT_EQ(reports.Count_Asserts("Position[where].Is_Valid()"), 2); // a step later
+}
+
 TEST(Frame, ModifierDataStaysWithItsModifier)
 {
     Stage stage;

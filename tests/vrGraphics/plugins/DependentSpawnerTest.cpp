@@ -46,9 +46,10 @@ struct FakeLayer final : vrMKPLayer
 
     const MK::String &Get_Name() const override { return Name; }
     vrMKPBuffer *Get_Buffer() const override { return Buffer; }
-    void On_Parent_Particle_Death(const Vector3 &position, const Vector3 &velocity, float overshoot) override
+    void On_Parent_Particle_Death(const vrMKPBuffer &parent, const Vector3 &position, const Vector3 &velocity,
+                                  float overshoot) override
     {
-        if (Spawner) Spawner->On_Parent_Particle_Death(*Buffer, position, velocity, overshoot);
+        if (Spawner) Spawner->On_Parent_Particle_Death(*Buffer, parent, position, velocity, overshoot);
     }
 };
 
@@ -685,6 +686,6 @@ TEST(DependentSpawners, RefuseABufferWithoutAPlaceForTheirDataOrAGroup)
         EXPECT_FALSE(family.Spawner.Create_Spawn_Data(alone, &data));
         family.Ring().SpawnerData = nullptr;
         EXPECT_EQ(family.Step(), 0);
-        family.Spawner.On_Parent_Particle_Death(family.Ring(), Vector3(0.0f), Vector3(0.0f), 0.0f);
+        family.Spawner.On_Parent_Particle_Death(family.Ring(), family.Ring(), Vector3(0.0f), Vector3(0.0f), 0.0f);
     }
 }

@@ -622,7 +622,7 @@ TEST(Bullet, TellsTheRenderableThatItIsAProjectile)
 {
     for (const bool homing : {false, true}) {
         Stage stage(kvrMKPBulletModifier, LOCAL, {{"Track Mode", Choice{homing}}});
-        stage.Modifier.Bind_To_Emitter(stage.State);
+        stage.Modifier.Modifier_Post_Load(stage.State);
         EXPECT_TRUE(stage.State.IsProjectile);
         EXPECT_EQ(stage.State.IsHoming, homing);
     }

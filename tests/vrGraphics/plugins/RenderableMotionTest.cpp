@@ -183,7 +183,7 @@ struct FakeLayer final : vrMKPLayer, vrMKPLayerList
 
     const MK::String &Get_Name() const override { return Name; }
     vrMKPBuffer *Get_Buffer() const override { return Buffer.Get(); }
-    void On_Parent_Particle_Death(const Vector3 &, const Vector3 &, float) override {}
+    void On_Parent_Particle_Death(const vrMKPBuffer &, const Vector3 &, const Vector3 &, float) override {}
     vrMKPLayer *Find_Layer(std::string_view name) const override
     {
         return name == Name ? const_cast<FakeLayer *>(this) : nullptr;

@@ -62,7 +62,8 @@ struct Listener final : vrMKPLayer
 
     const MK::String &Get_Name() const override { return Name; }
     vrMKPBuffer *Get_Buffer() const override { return nullptr; }
-    void On_Parent_Particle_Death(const Vector3 &position, const Vector3 &, float overshoot) override
+    void On_Parent_Particle_Death(const vrMKPBuffer &, const Vector3 &position, const Vector3 &,
+                                  float overshoot) override
     {
         Deaths.push_back({position.x, overshoot});
     }

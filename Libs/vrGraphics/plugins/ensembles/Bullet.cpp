@@ -111,7 +111,7 @@ vrMKPBulletModifier::vrMKPBulletModifier()
     UseXYSpread = Parameters.Add_Bool(9, "Use XY Spread", false, "Apply spread in the horizontal X-Y plane?");
 }
 
-void vrMKPBulletModifier::Bind_To_Emitter(vrMKPRenderState &state) const
+void vrMKPBulletModifier::Modifier_Post_Load(vrMKPRenderState &state) const
 {
     state.IsProjectile = true;
     if (Track->Get_Value() == TRACK_HOMING) state.IsHoming = true;

@@ -27,7 +27,7 @@ public:
 
     vrMKPBulletModifier();
     size_t Get_Object_Size() const override { return sizeof(*this); }
-    void Bind_To_Emitter(vrMKPRenderState &state) const override;
+    void Modifier_Post_Load(vrMKPRenderState &state) const override;
     void Apply(vrMKPBuffer &buffer, int index, vrMKPSpan span) const override;
 
 private:

@@ -14,6 +14,7 @@ class vrMKPSlaveSpawner final : public vrMKPSpawner
 {
 public:
     vrMKPSlaveSpawner();
+    bool Sets_Live_Slots() const override { return true; }
     size_t Get_Object_Size() const override { return sizeof(*this); }
     bool Create_Spawn_Data(const vrMKPRenderState &state, SmartPtr<vrMKPBufferPluginData> *data) const override;
     vrMKPBufferPluginData *Create_Buffer_Data(const vrMKPRenderState &state) const override;

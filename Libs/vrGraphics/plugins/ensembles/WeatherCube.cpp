@@ -33,7 +33,7 @@ RangedFloatParameter *Add_Cube_Size(ParameterListClass &parameters, int id)
 void Show_Particles(vrMKPBuffer &buffer, int count)
 {
     buffer.ActiveCount = count;
-    buffer.Head = 0;
+    buffer.Head = count > 0 ? 0 : -1;
     buffer.Tail = count - 1;
 }
 

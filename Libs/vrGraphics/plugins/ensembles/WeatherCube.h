@@ -15,6 +15,7 @@ class vrMKPWeatherCubeSpawner final : public vrMKPSpawner
 {
 public:
     vrMKPWeatherCubeSpawner();
+    bool Sets_Live_Slots() const override { return true; }
     size_t Get_Object_Size() const override { return sizeof(*this); }
     bool Post_Load() override;
     void Spawn(vrMKPBuffer &buffer) const override;

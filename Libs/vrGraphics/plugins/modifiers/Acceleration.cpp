@@ -1,10 +1,12 @@
 #include "vrGraphics/plugins/modifiers/Acceleration.h"
 
 #include "MKLib/MKDebug/Assert.h"
+#include "MKLib/MKMath/PortableMath.h"
 #include "vrGraphics/plugins/modifiers/MotionLoops.h"
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 
 namespace
 {
@@ -14,19 +16,21 @@ using namespace Motion;
 MK_SIMD bool Add_Keyed(const Run &run, const Vector3 &acceleration, const float *__restrict factors, float frameTime)
 {
     const Vector3 add = acceleration;
-    return Push(run, [=](int i, const Vector3 &, Vector3 &velocity) MK_KERNEL {
-        velocity = Plus(velocity, Times(add, frameTime * factors[i]));
+    const auto kernel = [=](int i, const Vector3 &, Vector3 &push) MK_KERNEL {
+        push = Times(add, frameTime * factors[i]);
         return true;
-    });
+    };
+    return Accelerate(run, kernel).Velocity;
 }
 
 MK_SIMD bool Add_To_Moving(const Run &run, const Vector3 &addend)
 {
     const Vector3 add = addend;
-    return Push(run, [=](int, const Vector3 &, Vector3 &velocity) MK_KERNEL {
-        velocity = Plus(velocity, add);
+    const auto kernel = [=](int, const Vector3 &, Vector3 &push) MK_KERNEL {
+        push = add;
         return true;
-    });
+    };
+    return Accelerate(run, kernel).Velocity;
 }
 
 /// A pattern of three floats repeats after 3 vectors of 16 floats.
@@ -49,9 +53,16 @@ MK_SIMD bool Add_To_All(float *__restrict vectors, int count, const Vector3 &add
             vectors[at + lane] = value;
             invalid[lane] |= std::bit_cast<uint32_t>(value - value);
         }
-    for (int lane = 0; at < count; ++at, ++lane) {
-        vectors[at] += pattern[lane];
-        invalid[lane] |= std::bit_cast<uint32_t>(vectors[at] - vectors[at]);
+    if (at < count) {
+        // The rest goes through whole registers too: one by one it would cost as much as hundreds of the others.
+        float rest[PATTERN] = {};
+        const size_t bytes = static_cast<size_t>(count - at) * sizeof(float);
+        std::memcpy(rest, vectors + at, bytes);
+        for (int lane = 0; lane < PATTERN; ++lane) {
+            rest[lane] += pattern[lane];
+            invalid[lane] |= std::bit_cast<uint32_t>(rest[lane] - rest[lane]);
+        }
+        std::memcpy(vectors + at, rest, bytes);
     }
     uint32_t anyInvalid = 0;
     for (int lane = 0; lane < PATTERN; ++lane) anyInvalid |= invalid[lane];
@@ -164,8 +175,8 @@ void vrMKPCircleTargetAccelerationModifier::Throw_New_Particles(vrMKPBuffer &buf
             const Vector3 &position = buffer.Position[slot];
             const float angle = random.Get_Float(0.0f, Particle::TWO_PI);
             const float distance = random.Get_Float(std::min(0.0f, radius), std::max(0.0f, radius));
-            const Vector3 way(std::cos(angle) * distance + target.x - position.x,
-                              std::sin(angle) * distance + target.y - position.y, 0.0f);
+            const auto [sine, cosine] = Portable::Sine_And_Cosine(static_cast<double>(angle));
+            const Vector3 way(cosine * distance + target.x - position.x, sine * distance + target.y - position.y, 0.0f);
             const float squared = Dot(way, way);
             if (!(squared > 0.0001f)) continue;
             const Vector3 direction = Particle::Unit(way);

@@ -61,27 +61,21 @@ struct Field
     float Constant, Linear, Inverse, Inner, Outer;
 };
 
-/// What was infinite or no number.
-struct Faults
+void Report(const Faults &faults)
 {
-    bool Acceleration = false;
-    bool Velocity = false;
-
-    void Report() const
-    {
-        // A fault of an acceleration always shows in the velocity. Those that nobody added are none.
-        MK_ASSERT(!(Acceleration && Velocity), "acc.Is_Valid()");
-        MK_ASSERT(!Velocity, "vel.Is_Valid()");
-    }
-};
+    // A fault of an acceleration always shows in the velocity.
+    MK_ASSERT(!(faults.Push && faults.Velocity), "acc.Is_Valid()");
+    MK_ASSERT(!faults.Velocity, "vel.Is_Valid()");
+}
 
 MK_SIMD bool Push_From(const Run &run, const Vector3 &from, float strength)
 {
     const Vector3 center = from;
-    return Push(run, [=](int, const Vector3 &position, Vector3 &velocity) MK_KERNEL {
-        velocity = Plus(velocity, Times(Particle::Unit(Minus(position, center)), strength));
+    const auto kernel = [=](int, const Vector3 &position, Vector3 &push) MK_KERNEL {
+        push = Times(Particle::Unit(Minus(position, center)), strength);
         return true;
-    });
+    };
+    return Accelerate(run, kernel).Velocity;
 }
 
 /// A push by `direct(way from the target, inverse)`, which answers the distance, turns the way into a unit direction
@@ -90,20 +84,13 @@ template <typename Direct>
 MK_INLINE Faults Push_In_Field(const Run &run, const Field &source, const Direct &direct)
 {
     const Field field = source;
-    uint32_t invalid = 0;
-    Faults faults;
-    faults.Velocity = Push(run, [&](int, const Vector3 &position, Vector3 &velocity) MK_KERNEL {
+    return Accelerate(run, [=](int, const Vector3 &position, Vector3 &push) MK_KERNEL {
         Vector3 way = Minus(position, field.Target);
         float inverse;
         const float distance = direct(way, inverse);
-        const Vector3 acceleration = field.Push_Along(way, inverse, distance);
-        const bool reaches = field.Reaches(distance);
-        velocity = Plus(velocity, acceleration);
-        invalid |= (reaches ? ~0u : 0u) & Invalid_Bits(acceleration);
-        return reaches;
+        push = field.Push_Along(way, inverse, distance);
+        return field.Reaches(distance);
     });
-    faults.Acceleration = invalid != 0;
-    return faults;
 }
 
 MK_SIMD Faults Push_From_Point(const Run &run, const Field &field)
@@ -148,27 +135,37 @@ MK_INLINE bool Is_Nearly_Zero(const Vector3 &vector)
     return (std::abs(vector.x) <= 0.0001f) & (std::abs(vector.y) <= 0.0001f) & (std::abs(vector.z) <= 0.0001f);
 }
 
+/// The acceleration at a place, and how far that is from the target.
+MK_INLINE Vector3 Push_At(const Field &field, const Vector3 &position, Vector3 &direction, float &distance)
+{
+    const Vector3 way = Minus(position, field.Target);
+    distance = std::sqrt(Dot(way, way));
+    direction = Particle::Unit(way);
+    return field.Push_Along(direction, 1.0f / distance * field.Inverse, distance);
+}
+
 MK_SIMD Faults Turn_From_Point(const Run &run, const Field &source)
 {
     const Field field = source;
-    uint32_t invalid = 0;
     Faults faults;
-    faults.Velocity = Push(run, [&](int, const Vector3 &position, Vector3 &velocity) MK_KERNEL {
-        const Vector3 way = Minus(position, field.Target);
-        const float distance = std::sqrt(Dot(way, way));
-        const Vector3 direction = Particle::Unit(way);
-        const Vector3 acceleration = field.Push_Along(direction, 1.0f / distance * field.Inverse, distance);
-        const bool reaches = field.Reaches(distance);
+    faults.Velocity = Push(run, [=](int, const Vector3 &position, Vector3 &velocity) MK_KERNEL {
+        Vector3 direction;
+        float distance;
+        const Vector3 acceleration = Push_At(field, position, direction, distance);
         const float speed = std::sqrt(Dot(velocity, velocity));
         const Vector3 turned = Plus(velocity, acceleration);
         const bool cancels = Is_Nearly_Zero(turned);
         const Vector3 course(cancels ? direction.x : turned.x, cancels ? direction.y : turned.y,
                              cancels ? direction.z : turned.z);
         velocity = Times(Particle::Unit(course), speed);
-        invalid |= (reaches ? ~0u : 0u) & Invalid_Bits(acceleration);
-        return reaches;
+        return field.Reaches(distance);
     });
-    faults.Acceleration = invalid != 0;
+    for (int i = 0; faults.Velocity && i < run.Count; ++i) {
+        Vector3 direction;
+        float distance;
+        const Vector3 acceleration = Push_At(field, run.Position[i], direction, distance);
+        faults.Push |= field.Reaches(distance) && Is_Invalid(acceleration);
+    }
     return faults;
 }
 
@@ -213,7 +210,7 @@ void vrMKPAttractorModifier::Apply(vrMKPBuffer &buffer, int index, vrMKPSpan spa
 {
     const Field field(Law, buffer, Get_Buffer_Target(buffer, index));
     const Run run(buffer, span);
-    (Swim->Get_Value() ? Turn_From_Point(run, field) : Push_From_Point(run, field)).Report();
+    Report(Swim->Get_Value() ? Turn_From_Point(run, field) : Push_From_Point(run, field));
 }
 
 vrMKPAxisAttractorModifier::vrMKPAxisAttractorModifier()
@@ -227,7 +224,7 @@ void vrMKPAxisAttractorModifier::Apply(vrMKPBuffer &buffer, int index, vrMKPSpan
 {
     Field field(Law, buffer, Get_Buffer_Target(buffer, index));
     field.Axis = Particle::Unit(Axis->Get_Value());
-    Push_From_Axis(Run(buffer, span), field).Report();
+    Report(Push_From_Axis(Run(buffer, span), field));
 }
 
 vrMKPTorqueModifier::vrMKPTorqueModifier()
@@ -245,7 +242,7 @@ void vrMKPTorqueModifier::Apply(vrMKPBuffer &buffer, int index, vrMKPSpan span) 
 {
     Field field(Law, buffer, Get_Buffer_Target(buffer, index));
     field.Axis = Particle::Unit(Axis->Get_Value());
-    Push_Around_Axis(Run(buffer, span), field).Report();
+    Report(Push_Around_Axis(Run(buffer, span), field));
 }
 
 vrMKPTargetAccelerationFieldModifier::vrMKPTargetAccelerationFieldModifier()

@@ -3,11 +3,13 @@
 /// What the loops of the modifiers that move particles share. Private to their sources.
 ///
 /// A loop is a free function marked MK_SIMD that hands a kernel, an inlined lambda over the values of one particle, to
-/// `Push` or `Move`. The kernel answers whether it touched the particle, and those at rest are left alone, by selects
-/// and without a branch. Each loop yields whether something that it wrote is infinite or no number.
+/// `Accelerate`, `Steer`, `Push` or `Move`. The kernel answers whether it touched the particle, and those at rest are
+/// left alone, by selects and without a branch. Each loop yields whether something that it wrote is infinite or no
+/// number.
 
 #include "MKLib/MKMath/Mat3D.h"
 #include "vrGraphics/particle/ParticleMath.h"
+#include "vrGraphics/particle/VectorPlanes.h"
 #include "vrGraphics/particle/vrMKPBuffer.h"
 #include "vrGraphics/particle/vrMKPRenderState.h"
 
@@ -19,7 +21,7 @@ namespace Motion
 {
 
 /// Particles at a time for what an array on the stack holds between two loops.
-constexpr int BLOCK = 256;
+constexpr int BLOCK = Particle::Planes::BLOCK;
 
 constexpr const char *INVALID_VELOCITY = "buffer->Velocity[where].Is_Valid()";
 
@@ -93,6 +95,12 @@ MK_INLINE bool Is_Invalid(const Vector3 &vector)
 {
     return Invalid_Bits(vector) != 0;
 }
+/// The same by fewer steps, but not 0 either where only the sum is beyond all floats.
+MK_INLINE uint32_t Suspicious_Bits(const Vector3 &vector)
+{
+    const float sum = vector.x + vector.y + vector.z;
+    return std::bit_cast<uint32_t>(sum - sum);
+}
 
 /// `a` where the mask is all ones and `b` where it is 0. On bits, since the compiler makes a branch around the store of
 /// a value that may be the old one, and then can't take the loop.
@@ -100,60 +108,187 @@ MK_INLINE float Select_Bits(uint32_t mask, float a, float b)
 {
     return std::bit_cast<float>((std::bit_cast<uint32_t>(a) & mask) | (std::bit_cast<uint32_t>(b) & ~mask));
 }
-MK_INLINE void Store(float *at, uint32_t mask, const Vector3 &fresh, const Vector3 &old)
+MK_INLINE Vector3 Select_Bits(uint32_t mask, const Vector3 &a, const Vector3 &b)
 {
-    at[0] = Select_Bits(mask, fresh.x, old.x);
-    at[1] = Select_Bits(mask, fresh.y, old.y);
-    at[2] = Select_Bits(mask, fresh.z, old.z);
+    return {Select_Bits(mask, a.x, b.x), Select_Bits(mask, a.y, b.y), Select_Bits(mask, a.z, b.z)};
 }
 
-/// The flags of a block in which nobody is at rest. One masked loop does for both cases: without the mask the compiler
-/// groups the three components in a way that repeats each square root and division for them.
-inline constexpr uint32_t NOBODY_RESTS[BLOCK] = {};
-
-template <bool WritesPosition, typename Kernel>
-MK_INLINE uint32_t Loop_Block(const Run &run, int first, int count, const Kernel &kernel)
+/// All ones for a particle that was touched and isn't at rest.
+template <bool MayRest>
+MK_INLINE uint32_t Mask(bool isTouched, const uint32_t *flags)
 {
-    float *__restrict positions = &run.Position->x;
-    float *__restrict velocities = &run.Velocity->x;
-    const uint32_t *__restrict flags = run.MayHaveStopped ? run.Flags + first : NOBODY_RESTS;
-    uint32_t invalid = 0;
+    const uint32_t touched = isTouched ? ~0u : 0u;
+    return MayRest ? touched & ((*flags >> 1 & 1u) - 1u) : touched; // PARTICLE_STOPPED
+}
+
+/// Back from planes where that vectorises; `Particle::Join` is for where it doesn't. A loop doesn't write the channel
+/// by itself: the compiler would group its arithmetic by components, and repeat each square root and division for them.
+MK_INLINE void Interleave(Vector3 *to, const Particle::Planes &from, int count)
+{
+    float *__restrict floats = &to->x;
+    for (int i = 0; i < count; ++i) {
+        floats[3 * i] = from.X[i];
+        floats[3 * i + 1] = from.Y[i];
+        floats[3 * i + 2] = from.Z[i];
+    }
+}
+
+/// What a kernel reads besides the velocity, and what it writes.
+enum LoopForm
+{
+    VELOCITY_ALONE,
+    READS_POSITION,
+    WRITES_POSITION
+};
+
+/// Runs the kernel on a block whose old values are under 0 on, and answers what is suspicious.
+template <LoopForm Form, bool MayRest, typename Kernel, typename Vectors>
+MK_INLINE uint32_t Run_Kernel(const Kernel &kernel, int first, int count, const uint32_t *__restrict flags,
+                              const Vectors &positions, const Vectors &velocities, Particle::Planes &newPositions,
+                              Particle::Planes &newVelocities)
+{
+    uint32_t suspicious = 0;
 #pragma GCC ivdep
-    for (int i = first; i < first + count; ++i) {
-        const Vector3 oldPosition(positions[3 * i], positions[3 * i + 1], positions[3 * i + 2]);
-        const Vector3 oldVelocity(velocities[3 * i], velocities[3 * i + 1], velocities[3 * i + 2]);
+    for (int i = 0; i < count; ++i) {
+        const Vector3 oldPosition = Form == VELOCITY_ALONE ? Vector3(0.0f) : positions.At(i);
+        const Vector3 oldVelocity = velocities.At(i);
         Vector3 position = oldPosition;
         Vector3 velocity = oldVelocity;
-        const uint32_t touched = kernel(i, position, velocity) ? ~0u : 0u;
-        const uint32_t mask = touched & ((flags[i - first] >> 1 & 1u) - 1u); // PARTICLE_STOPPED
-        Store(velocities + 3 * i, mask, velocity, oldVelocity);
-        if constexpr (WritesPosition) Store(positions + 3 * i, mask, position, oldPosition);
-        invalid |= mask & Invalid_Bits(velocity);
+        const uint32_t mask = Mask<MayRest>(kernel(first + i, position, velocity), flags + i);
+        newVelocities.Put(i, Select_Bits(mask, velocity, oldVelocity));
+        if constexpr (Form == WRITES_POSITION) newPositions.Put(i, Select_Bits(mask, position, oldPosition));
+        suspicious |= mask & Suspicious_Bits(velocity);
     }
-    return invalid;
-}
-template <bool WritesPosition, typename Kernel>
-MK_INLINE bool Loop(const Run &run, const Kernel &kernel)
-{
-    uint32_t invalid = 0;
-    for (int first = 0; first < run.Count; first += BLOCK)
-        invalid |=
-            Loop_Block<WritesPosition>(run, first, run.Count - first < BLOCK ? run.Count - first : BLOCK, kernel);
-    return invalid != 0;
+    return suspicious;
 }
 
-/// Velocities: `kernel(i, position, velocity)` changes the velocity.
+template <LoopForm Form, bool MayRest, typename Kernel>
+MK_INLINE uint32_t Loop_Block(const Run &run, int first, int count, const Kernel &kernel)
+{
+    Vector3 *position = run.Position + first;
+    Vector3 *velocity = run.Velocity + first;
+    const uint32_t *flags = run.Flags + first;
+    Particle::Planes positions;
+    Particle::Planes velocities;
+    uint32_t suspicious = 0;
+    if (Particle::Shuffles_Freely()) {
+        suspicious = Run_Kernel<Form, MayRest>(kernel, first, count, flags, Particle::Interleaved{&position->x},
+                                               Particle::Interleaved{&velocity->x}, positions, velocities);
+        Interleave(velocity, velocities, count);
+        if constexpr (Form == WRITES_POSITION) Interleave(position, positions, count);
+    } else {
+        if constexpr (Form != VELOCITY_ALONE) Particle::Split(positions, position, count);
+        Particle::Split(velocities, velocity, count);
+        suspicious =
+            Run_Kernel<Form, MayRest>(kernel, first, count, flags, positions, velocities, positions, velocities);
+        Particle::Join(velocity, velocities, count);
+        if constexpr (Form == WRITES_POSITION) Particle::Join(position, positions, count);
+    }
+    return suspicious;
+}
+
+template <LoopForm Form, typename Kernel>
+MK_INLINE bool Loop(const Run &run, const Kernel &kernel)
+{
+    uint32_t suspicious = 0;
+    for (int first = 0; first < run.Count; first += BLOCK) {
+        const int count = run.Count - first < BLOCK ? run.Count - first : BLOCK;
+        suspicious |= run.MayHaveStopped ? Loop_Block<Form, true>(run, first, count, kernel)
+                                         : Loop_Block<Form, false>(run, first, count, kernel);
+    }
+    return suspicious != 0 && Particle::Has_Invalid(run.Velocity, run.Count);
+}
+
+/// Velocities alone: `kernel(i, position, velocity)` changes the velocity and mustn't look at the position.
+template <typename Kernel>
+MK_INLINE bool Steer(const Run &run, const Kernel &kernel)
+{
+    return Loop<VELOCITY_ALONE>(run, kernel);
+}
+
+/// Velocities by the positions too.
 template <typename Kernel>
 MK_INLINE bool Push(const Run &run, const Kernel &kernel)
 {
-    return Loop<false>(run, kernel);
+    return Loop<READS_POSITION>(run, kernel);
 }
 
 /// Positions too.
 template <typename Kernel>
 MK_INLINE bool Move(const Run &run, const Kernel &kernel)
 {
-    return Loop<true>(run, kernel);
+    return Loop<WRITES_POSITION>(run, kernel);
+}
+
+/// What was infinite or no number.
+struct Faults
+{
+    bool Push = false; ///< of what was added to somebody; those that nobody added are none
+    bool Velocity = false;
+};
+
+/// Looks closer at what `Accelerate` did.
+template <typename Kernel>
+Faults Find_Faults(const Run &run, const Kernel &kernel)
+{
+    Faults faults;
+    for (int i = 0; i < run.Count; ++i) {
+        Vector3 push(0.0f);
+        const bool isTouched = kernel(i, run.Position[i], push);
+        if (!isTouched || (run.MayHaveStopped && Mask<true>(true, run.Flags + i) == 0)) continue;
+        faults.Push |= Is_Invalid(push);
+        faults.Velocity |= Is_Invalid(run.Velocity[i]);
+    }
+    return faults;
+}
+
+constexpr float NO_PUSH = -0.0f; ///< leaves any float as it is, which 0 doesn't
+
+template <bool MayRest, typename Kernel, typename Vectors>
+MK_INLINE void Find_Pushes(const Kernel &kernel, int first, int count, const uint32_t *__restrict flags,
+                           const Vectors &positions, Particle::Planes &pushes)
+{
+#pragma GCC ivdep
+    for (int i = 0; i < count; ++i) {
+        Vector3 push(NO_PUSH);
+        const uint32_t mask = Mask<MayRest>(kernel(first + i, positions.At(i), push), flags + i);
+        pushes.Put(i, Select_Bits(mask, push, Vector3(NO_PUSH)));
+    }
+}
+
+template <bool MayRest, typename Kernel>
+MK_INLINE void Find_Pushes(const Run &run, int first, int count, const Kernel &kernel, Vector3 *pushes)
+{
+    const Vector3 *position = run.Position + first;
+    const uint32_t *flags = run.Flags + first;
+    Particle::Planes planes;
+    if (Particle::Shuffles_Freely()) {
+        Find_Pushes<MayRest>(kernel, first, count, flags, Particle::Interleaved{&position->x}, planes);
+        Interleave(pushes, planes, count);
+    } else {
+        Particle::Planes positions;
+        Particle::Split(positions, position, count);
+        Find_Pushes<MayRest>(kernel, first, count, flags, positions, planes);
+        Particle::Join(pushes, planes, count);
+    }
+}
+
+/// Adds to the velocities what `kernel(i, position, push)` writes to the push. Less work than `Push`, since velocities
+/// and pushes are then added float by float.
+template <typename Kernel>
+MK_INLINE Faults Accelerate(const Run &run, const Kernel &kernel)
+{
+    Vector3 pushes[BLOCK];
+    bool isSuspicious = false;
+    for (int first = 0; first < run.Count; first += BLOCK) {
+        const int count = run.Count - first < BLOCK ? run.Count - first : BLOCK;
+        if (run.MayHaveStopped)
+            Find_Pushes<true>(run, first, count, kernel, pushes);
+        else
+            Find_Pushes<false>(run, first, count, kernel, pushes);
+        isSuspicious |= !Particle::Add_Vectors(run.Velocity + first, pushes, count);
+    }
+    return isSuspicious ? Find_Faults(run, kernel) : Faults();
 }
 
 } // namespace Motion

@@ -1,5 +1,6 @@
 #include "vrGraphics/plugins/modifiers/RotationModifiers.h"
 
+#include "MKLib/MKMath/PortableMath.h"
 #include "vrGraphics/particle/vrMKPRenderState.h"
 
 #include <bit>
@@ -11,7 +12,6 @@ constexpr const char *BASE_VARIATION_TEXT = "Amount of a rotation to vary by fro
 
 constexpr float STEPS_A_TURN = 4096.0f;
 constexpr uint32_t STEP_MASK = 0xfff;
-constexpr uint32_t SIGN = 0x80000000u;
 
 BoolParameter *Add_Reverse(ParameterListClass &parameters, int32_t id)
 {
@@ -163,32 +163,6 @@ MK_SIMD void Spin(uint32_t *__restrict rotations, const Vector3 *__restrict posi
     }
 }
 
-/// The angle of a direction from the x axis, -pi to pi, as std::atan2 has it with all signs of its zeros, but the same
-/// on every machine and without a call. Off by 2e-7 at most, a six-thousandth of a step.
-MK_INLINE float Angle_Of(float y, float x)
-{
-    constexpr float TAN_EIGHTH = 0.41421357f; // tan(pi / 8)
-    constexpr float QUARTER = 1.5707964f;
-    constexpr float EIGHTH = 0.78539819f;
-    constexpr float HALF = 3.1415927f;
-    const float width = std::fabs(x);
-    const float height = std::fabs(y);
-    const float larger = width > height ? width : height;
-    const float smaller = width > height ? height : width;
-    // atan(q) = pi / 4 + atan((q - 1) / (q + 1)) leaves quotients up to tan(pi / 8), where
-    // atan(q) = q + q^3 p(q^2) with p through four Chebyshev nodes is right to 7e-8.
-    const bool isSteep = smaller > larger * TAN_EIGHTH;
-    const float divisor = isSteep ? smaller + larger : larger;
-    const float quotient = (isSteep ? smaller - larger : smaller) / (divisor > 0.0f ? divisor : 1.0f);
-    const float z = quotient * quotient;
-    const float p = ((0.0852049217f * z - 0.140241429f) * z + 0.199912384f) * z - 0.333332866f;
-    const float first = quotient + quotient * z * p + (isSteep ? EIGHTH : 0.0f);
-    const float upper = height > width ? QUARTER - first : first;
-    const bool isLeft = (std::bit_cast<uint32_t>(x) & SIGN) != 0;
-    const float angle = isLeft ? HALF - upper : upper;
-    return std::bit_cast<float>(std::bit_cast<uint32_t>(angle) | (std::bit_cast<uint32_t>(y) & SIGN));
-}
-
 struct Screen
 {
     Mat3DClass ToWorld;
@@ -202,7 +176,7 @@ MK_INLINE uint32_t Aligned_Rotation(const Vector3 &velocity, const Screen &scree
 {
     const Vector3 motion = World ? velocity : screen.ToWorld.Rotate(velocity);
     const Vector3 onScreen = Particle::Unit({Dot(screen.Right, motion), Dot(screen.Up, motion), 0.0f});
-    const float angle = Angle_Of(onScreen.y, onScreen.x);
+    const float angle = Portable::Quick_Arc_Tangent(onScreen.y, onScreen.x);
     return Nearest_Step((angle * 0.15915494f + screen.Base) * STEPS_A_TURN);
 }
 

@@ -49,16 +49,17 @@ MK_INLINE bool Spin(const Run &run, const Vortex &from, const vrMKPRenderState &
     const Vortex vortex = from;
     const Mat3DClass toLocal = state.InverseTransform;
     const Mat3DClass toWorld = state.Transform;
-    return Push(run, [&](int, const Vector3 &position, Vector3 &velocity) MK_KERNEL {
+    const auto kernel = [&](int, const Vector3 &position, Vector3 &push) MK_KERNEL {
         const Vector3 place = World ? Map(toLocal, position) : position;
         const float distance = std::sqrt(Dot(place, place));
         const Vector3 direction = Times(place, 1.0f / distance);
         const Vector3 outward = Minus(direction, Times(vortex.Axis, Dot(direction, vortex.Axis)));
         const Vector3 tangent = Particle::Unit(Cross(vortex.Axis, outward));
-        const Vector3 push = Times(Times(tangent, vortex.FrameTime), vortex.Speed);
-        velocity = Plus(velocity, World ? Turn(toWorld, push) : push);
+        const Vector3 local = Times(Times(tangent, vortex.FrameTime), vortex.Speed);
+        push = World ? Turn(toWorld, local) : local;
         return distance > 0.1f;
-    });
+    };
+    return Accelerate(run, kernel).Velocity;
 }
 MK_SIMD bool Spin_Local(const Run &run, const Vortex &vortex, const vrMKPRenderState &state)
 {

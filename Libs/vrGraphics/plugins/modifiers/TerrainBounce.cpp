@@ -1,6 +1,7 @@
 #include "vrGraphics/plugins/modifiers/TerrainBounce.h"
 
 #include "MKLib/MKDebug/Assert.h"
+#include "MKLib/MKMath/PortableMath.h"
 #include "MKLib/Parameters/SimpleParameters.h"
 #include "vrGraphics/particle/vrWorld.h"
 #include "vrGraphics/plugins/modifiers/MotionLoops.h"
@@ -16,8 +17,7 @@ constexpr float REST_SPEED_SQUARED = 100.0f;
 /// `vector` turned about an axis of unit length.
 Vector3 Turn_About(const Vector3 &vector, const Vector3 &axis, float radians)
 {
-    const float cosine = std::cos(radians);
-    const float sine = std::sin(radians);
+    const auto [sine, cosine] = Portable::Sine_And_Cosine(static_cast<double>(radians));
     return vector * cosine + Cross(axis, vector) * sine + axis * (Dot(axis, vector) * (1.0f - cosine));
 }
 

@@ -1,5 +1,6 @@
 #include "vrGraphics/plugins/modifiers/TimeModifiers.h"
 
+#include "MKLib/MKMath/PortableMath.h"
 #include "MKLib/Parameters/EnumParameter.h"
 #include "MKLib/Parameters/SimpleParameters.h"
 #include "vrGraphics/plugins/modifiers/MotionLoops.h"
@@ -30,28 +31,6 @@ MK_INLINE bool Is_Odd(float x)
     return (Particle::Truncate(x) & 1) != 0;
 }
 
-/// The sine to the last bit of a float or the one before, the same bits on every machine and in a form that loops take.
-/// Whole turns go in double precision: 2 pi as a part of 27 bits, whose multiples are exact, and a rest. What is left
-/// is folded to a quarter turn, on which the Taylor series of degree 13 is off by 7e-10. Arguments from 2^26 on, of
-/// which even the turn is lost in rounding, count as 0.
-MK_INLINE float Sine(float radians)
-{
-    constexpr double PI = 3.14159265358979323846;
-    constexpr double TURN_HIGH = 6.283185303211212158203125;
-    constexpr double TURN_REST = 3.968374318722162e-09;
-    const double angle = std::abs(radians) < 67108864.0f ? static_cast<double>(radians) : 0.0;
-    const double turns = angle * (0.5 / PI);
-    const auto whole = static_cast<double>(static_cast<int32_t>(turns + (turns < 0.0 ? -0.5 : 0.5)));
-    const double rest = (angle - whole * TURN_HIGH) - whole * TURN_REST;
-    const double low = rest < -PI / 2 ? -PI - rest : rest;
-    const double x = rest > PI / 2 ? PI - rest : low;
-    const double y = x * x;
-    const double series =
-        y * (-1.0 / 6 +
-             y * (1.0 / 120 + y * (-1.0 / 5040 + y * (1.0 / 362880 + y * (-1.0 / 39916800 + y / 6227020800.0)))));
-    return static_cast<float>(x + x * series);
-}
-
 /// The signal at so many intervals after the start, 0 to 1.
 template <int Type>
 MK_INLINE float Signal(float intervals)
@@ -62,7 +41,8 @@ MK_INLINE float Signal(float intervals)
         const float rise = Fraction(x);
         return Is_Odd(x) ? 1.0f - rise : rise;
     }
-    if constexpr (Type == vrMKPClockModifier::CLOCK_SINE) return (Sine(intervals * Particle::TWO_PI) + 1.0f) * 0.5f;
+    if constexpr (Type == vrMKPClockModifier::CLOCK_SINE)
+        return (static_cast<float>(Portable::Sine(static_cast<double>(intervals * Particle::TWO_PI))) + 1.0f) * 0.5f;
     return Fraction(intervals);
 }
 

@@ -34,5 +34,5 @@ public:
     /// Whether the next frame has to run on one thread, since what it does first is seen by the whole process.
     virtual bool Needs_Serial_Frame() const { return false; }
     /// Called when a layer with this modifier joins a renderable: what it tells about the renderable as a whole.
-    virtual void Bind_To_Emitter(vrMKPRenderState & /*state*/) const {}
+    virtual void Modifier_Post_Load(vrMKPRenderState & /*state*/) const {}
 };

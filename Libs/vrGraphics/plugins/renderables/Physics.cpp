@@ -1,5 +1,6 @@
 #include "vrGraphics/plugins/renderables/Physics.h"
 
+#include "MKLib/MKMath/PortableMath.h"
 #include "MKLib/Parameters/EnumParameter.h"
 #include "MKLib/Parameters/KeyedParameters.h"
 #include "MKLib/Parameters/SimpleParameters.h"
@@ -18,8 +19,6 @@ enum WaveformType : int
 };
 // Indices into this are a file format.
 constexpr const char *WAVEFORMS[] = {"Sine", "Triangle", "Square", "Sawtooth"};
-
-constexpr double PI = 3.14159265358979323846;
 
 /// The random point within the wave that an instance drew.
 class WaveDataClass final : public vrMKPBufferPluginData
@@ -42,14 +41,14 @@ double Wave_At(int waveform, double waves)
     case WAVE_TRIANGLE: return u < 0.25 ? 4.0 * u : u < 0.75 ? 2.0 - 4.0 * u : 4.0 * u - 4.0;
     case WAVE_SQUARE: return u < 0.5 ? 1.0 : -1.0;
     case WAVE_SAWTOOTH: return u < 0.5 ? 2.0 * u : 2.0 * u - 2.0;
-    default: return std::sin(u * 2.0 * PI);
+    default: return Portable::Sine(u * 2.0 * Portable::PI);
     }
 }
 
 /// Whole turns are taken out first, so that what spins for hours still turns evenly.
 float To_Radians(double degrees)
 {
-    return static_cast<float>(std::fmod(degrees, 360.0) * (PI / 180.0));
+    return static_cast<float>(std::fmod(degrees, 360.0) * (Portable::PI / 180.0));
 }
 
 /// `frame` with its axes as long as those of `scaled`.

@@ -1,5 +1,6 @@
 #include "vrGraphics/plugins/renderables/Projectiles.h"
 
+#include "MKLib/MKMath/PortableMath.h"
 #include "MKLib/Parameters/EnumParameter.h"
 #include "MKLib/Parameters/SimpleParameters.h"
 #include "vrGraphics/particle/ParticleMath.h"
@@ -55,7 +56,7 @@ enum TrajectoryType : int
 constexpr const char *TRACK_MODES[] = {"Normal", "Homing"};
 constexpr const char *TRAJECTORY_TYPES[] = {"Linear", "Arc"};
 
-constexpr double DEGREE = 3.14159265358979323846 / 180.0;
+constexpr double DEGREE = Portable::PI / 180.0;
 
 /// 0 for what isn't positive, or no number.
 float Positive(float value)
@@ -84,10 +85,11 @@ void Advance(ProjectileDataClass &data, const Vector3 &direction, float distance
 Vector3 Turn_Toward(const Vector3 &from, const Vector3 &to, float limit)
 {
     const float cosine = std::clamp(glm::dot(from, to), -1.0f, 1.0f);
-    if (std::acos(cosine) <= limit) return to;
+    if (Portable::Arc_Cosine(static_cast<double>(cosine)) <= static_cast<double>(limit)) return to;
     Vector3 side = Particle::Unit(to - from * cosine);
     if (side == Vector3(0.0f)) side = Mat3DClass::Look_Along(from).Get_Axis(0); // straight back, by any side
-    return Particle::Unit(from * std::cos(limit) + side * std::sin(limit));
+    const auto [sine, cosineOfLimit] = Portable::Sine_And_Cosine(static_cast<double>(limit));
+    return Particle::Unit(from * cosineOfLimit + side * sine);
 }
 
 } // namespace
@@ -222,8 +224,8 @@ void vrMKPSpiralAndSeekProjectileRenderablePhysics::Spiral(ProjectileDataClass &
     const float growth = spiralTime > 0.0f ? SpiralRadius->Get_Value() / spiralTime : 0.0f; // of the radius, a second
     const double turns = static_cast<double>(data.SpiralStart) +
                          static_cast<double>(SpiralRate->Get_Value()) * static_cast<double>(time);
-    const auto angle = static_cast<float>((turns - std::floor(turns)) * 360.0 * DEGREE);
-    const Vector3 out(std::cos(angle), std::sin(angle), 0.0f);
+    const auto [sine, cosine] = Portable::Sine_And_Cosine((turns - std::floor(turns)) * 2.0 * Portable::PI);
+    const Vector3 out(cosine, sine, 0.0f);
     const Vector3 around(-out.y, out.x, 0.0f);
     const Vector3 along(0.0f, 0.0f, SpiralSpeed->Get_Value());
 

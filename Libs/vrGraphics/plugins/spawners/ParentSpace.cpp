@@ -1,8 +1,6 @@
 #include "vrGraphics/plugins/spawners/ParentSpace.h"
 
-#include <glm/ext/quaternion_double.hpp>
 #include <glm/geometric.hpp>
-#include <glm/gtc/quaternion.hpp>
 
 namespace
 {
@@ -72,10 +70,7 @@ vrMKPParentPose::vrMKPParentPose(const vrMKPBuffer &child, vrMKPParentAlignment 
 {
     Rules.InheritVelocity &= IsWorld;
     Rules.HiResRotate &= IsWorld;
-    if (Rules.HiResRotate) {
-        PreviousRotation = glm::dquat(State.PreviousTransform.Get_Rotation());
-        Rotation = glm::dquat(State.Transform.Get_Rotation());
-    }
+    if (Rules.HiResRotate) Turn = RotationPath(State.PreviousTransform.Get_Rotation(), State.Transform.Get_Rotation());
 
     filling.Rules.VelocityFactor = 1.0f;
     filling.Rules.VelocityInLocalSpace = true;
@@ -88,10 +83,7 @@ vrMKPParentPose::vrMKPParentPose(const vrMKPBuffer &child, vrMKPParentAlignment 
 Mat3DClass vrMKPParentPose::Get_Emitter_Turn(float fraction) const
 {
     if (!IsWorld) return {};
-    if (Rules.HiResRotate) {
-        const glm::dquat turn = glm::slerp(PreviousRotation, Rotation, static_cast<double>(fraction));
-        return Mat3DClass::From_Quaternion(QuaternionClass(turn));
-    }
+    if (Rules.HiResRotate) return Mat3DClass::From_Quaternion(Turn.At(fraction));
     return State.PreviousTransform;
 }
 

@@ -3,9 +3,8 @@
 /// Where and how fast particles start that come from the particles of another layer.
 
 #include "MKLib/MKMath/Mat3D.h"
+#include "MKLib/MKMath/RotationPath.h"
 #include "vrGraphics/plugins/spawners/ParticleFilling.h"
-
-#include <glm/ext/quaternion_double.hpp>
 
 /// Which way the z axis of a shape looks, seen from the particle of the parent.
 enum vrMKPParentAlignment : int
@@ -69,8 +68,7 @@ private:
     vrMKPParentAlignment PositionAlignment;
     vrMKPParentAlignment VelocityAlignment;
     vrMKPFillRules Rules;
-    glm::dquat PreviousRotation{1.0, 0.0, 0.0, 0.0};
-    glm::dquat Rotation{1.0, 0.0, 0.0, 0.0};
+    RotationPath Turn; ///< of the emitter in this frame
 
     Vector3 Place{0.0f};
     Vector3 Inherited{0.0f};

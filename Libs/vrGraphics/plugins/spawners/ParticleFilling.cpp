@@ -3,10 +3,9 @@
 #include "vrGraphics/particle/ParticleMath.h"
 #include "vrGraphics/particle/vrWorld.h"
 #include "MKLib/MKDebug/Assert.h"
+#include "MKLib/MKMath/RotationPath.h"
 
-#include <glm/ext/quaternion_double.hpp>
 #include <glm/geometric.hpp>
-#include <glm/gtc/quaternion.hpp>
 
 #include <algorithm>
 #include <cmath>
@@ -240,12 +239,10 @@ void vrMKPFilling::Place_World(vrMKPBuffer &buffer, vrMKPSpan block, const float
 void vrMKPFilling::Turn_Along_The_Way(Vector3 *positions, Vector3 *velocities, const Vector3 *locals,
                                       const float *fractions, int count) const
 {
-    const glm::dquat from(PreviousTransform->Get_Rotation());
-    const glm::dquat to(Transform->Get_Rotation());
+    const RotationPath path(PreviousTransform->Get_Rotation(), Transform->Get_Rotation());
     const Vector3 start = PreviousTransform->Get_Translation();
     for (int i = 0; i < count; ++i) {
-        const auto fraction = static_cast<double>(fractions[i]);
-        const auto turn = Mat3DClass::From_Quaternion(QuaternionClass(glm::slerp(from, to, fraction)));
+        const auto turn = Mat3DClass::From_Quaternion(path.At(fractions[i]));
         if (Rules.VelocityInLocalSpace) velocities[i] = turn.Rotate(velocities[i]);
         positions[i] = turn.Rotate(locals[i]) + (start + Way * fractions[i]);
     }

@@ -28,7 +28,12 @@ public:
         float Overshoot = 0.0f; ///< seconds since the death
     };
 
-    void Reset() override { Deaths.clear(); }
+    /// Deaf until the layer's next frame, as ahead of its first: what the parent simulates until then isn't heard.
+    void Reset() override
+    {
+        Deaths.clear();
+        Room = 0;
+    }
     /// Has the layer told of its parent's deaths from now on.
     void Listen(const vrMKPBuffer &buffer, std::string_view name);
     void Add(const Death &death)
@@ -404,11 +409,31 @@ float vrMKPDeathSpawner::Get_Peak_Rate(const vrMKPRenderState &state, const vrMK
     return Get_Base_Rate(state, data);
 }
 
-void vrMKPDeathSpawner::On_Parent_Particle_Death(vrMKPBuffer &buffer, const Vector3 &position, const Vector3 &velocity,
+/// A layer goes on telling of its deaths after an editor has named another one.
+void vrMKPDeathSpawner::On_Parent_Particle_Death(vrMKPBuffer &buffer, const vrMKPBuffer &parent,
+                                                 const Vector3 &position, const Vector3 &velocity,
                                                  float overshoot) const
 {
     auto *data = MK_Dynamic_Cast<vrMKPDeathSpawnerPluginData>(buffer.SpawnerData.Get());
-    if (data) data->Add({position, velocity, overshoot});
+    if (data && data->ParentBuffer == &parent) data->Add({position, velocity, overshoot});
+}
+
+void vrMKPDeathSpawner::Find_Parent(vrMKPBuffer &buffer) const
+{
+    auto *data = MK_Dynamic_Cast<vrMKPDeathSpawnerPluginData>(buffer.SpawnerData.Get());
+    if (data) data->Listen(buffer, ParentName->Get_Value());
+}
+
+bool vrMKPDeathSpawner::Has_Pending_Births(const vrMKPBuffer &buffer) const
+{
+    const auto *data = MK_Dynamic_Cast<vrMKPDeathSpawnerPluginData>(buffer.SpawnerData.Get());
+    return data && !data->Deaths.empty();
+}
+
+void vrMKPDeathSpawner::On_Shown(vrMKPBuffer *buffer) const
+{
+    auto *data = buffer ? MK_Dynamic_Cast<vrMKPDeathSpawnerPluginData>(buffer->SpawnerData.Get()) : nullptr;
+    if (data) data->Deaths.clear();
 }
 
 vrMKPFillRules vrMKPDeathSpawner::Get_Fill_Rules() const

@@ -64,8 +64,12 @@ public:
     vrMKPBufferPluginData *Create_Buffer_Data(const vrMKPRenderState &state) const override;
     /// The chance of "Probability" is drawn once for all deaths of a frame.
     void Spawn(vrMKPBuffer &buffer) const override;
-    void On_Parent_Particle_Death(vrMKPBuffer &buffer, const Vector3 &position, const Vector3 &velocity,
-                                  float overshoot) const override;
+    void On_Parent_Particle_Death(vrMKPBuffer &buffer, const vrMKPBuffer &parent, const Vector3 &position,
+                                  const Vector3 &velocity, float overshoot) const override;
+    void Find_Parent(vrMKPBuffer &buffer) const override;
+    bool Has_Pending_Births(const vrMKPBuffer &buffer) const override;
+    /// Deaths that nobody saw are forgotten.
+    void On_Shown(vrMKPBuffer *buffer) const override;
     /// What a second of the most deaths takes.
     float Get_Base_Rate(const vrMKPRenderState &state, const vrMKPBufferPluginData *data) const override;
     float Get_Peak_Rate(const vrMKPRenderState &state, const vrMKPBufferPluginData *data) const override;

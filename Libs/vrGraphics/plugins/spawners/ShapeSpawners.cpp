@@ -5,7 +5,7 @@
 #include "vrGraphics/plugins/spawners/ParticleFilling.h"
 #include "vrGraphics/plugins/spawners/ShapeSource.h"
 #include "vrGraphics/plugins/spawners/SpawnerTexts.h"
-#include "MKLib/MKMath/Trigonometry.h"
+#include "MKLib/MKMath/PortableMath.h"
 #include "MKLib/Parameters/EnumParameter.h"
 #include "MKLib/Parameters/SimpleParameters.h"
 #include "MKLib/Parameters/StringParameters.h"
@@ -112,8 +112,9 @@ struct AreaSource
 private:
     Vector3 In_Cylinder(RandomClass &random) const
     {
-        Vector3 point(0.0f);
-        MKMath::Sin_Cos(random.Get_Float(0.0f, Particle::TWO_PI), point.y, point.x);
+        const float angle = random.Get_Float(0.0f, Particle::TWO_PI);
+        const auto [sine, cosine] = Portable::Sine_And_Cosine(static_cast<double>(angle));
+        Vector3 point(cosine, sine, 0.0f);
         const float fraction = random.Get_Float(0.0f, 1.0f);
         point *= Radius * (EvenDistribution ? std::sqrt(fraction) : fraction);
         if (Area == AREA_CYLINDER) point.z = random.Get_Float(MinHeight, MaxHeight);
@@ -121,18 +122,14 @@ private:
     }
     Vector3 In_Sphere(RandomClass &random) const
     {
-        constexpr double THIRD = 0.3333333432674408; // the float nearest to 1/3
         const float u = random.Get_Float(0.0f, 1.0f);
         const float v = random.Get_Float(0.0f, 1.0f);
         const float fraction = random.Get_Float(0.0f, 1.0f);
         const float distance =
-            Radius * (EvenDistribution ? static_cast<float>(std::pow(static_cast<double>(fraction), THIRD)) : fraction);
+            Radius * (EvenDistribution ? static_cast<float>(Portable::Power_Of_Third(fraction)) : fraction);
         const float twice = 2.0f * std::sqrt((1.0f - v) * v);
-        Vector3 direction(0.0f, 0.0f, 1.0f - 2.0f * v);
-        MKMath::Sin_Cos(u * Particle::TWO_PI, direction.y, direction.x);
-        direction.x *= twice;
-        direction.y *= twice;
-        return direction * distance;
+        const auto [sine, cosine] = Portable::Sine_And_Cosine(static_cast<double>(u * Particle::TWO_PI));
+        return Vector3(cosine * twice, sine * twice, 1.0f - 2.0f * v) * distance;
     }
 };
 

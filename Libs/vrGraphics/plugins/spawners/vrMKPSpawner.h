@@ -67,11 +67,17 @@ public:
     virtual void Spawn(vrMKPBuffer & /*buffer*/) const {}
     /// A request of game code for particles.
     virtual void Spawn_Code_Particle(vrMKPBuffer & /*buffer*/, int /*count*/) const {}
-    /// A particle of the layer that this one spawns from has died, `overshoot` seconds past its greatest age.
-    virtual void On_Parent_Particle_Death(vrMKPBuffer & /*buffer*/, const Vector3 & /*position*/,
-                                          const Vector3 & /*velocity*/, float /*overshoot*/) const
+    /// A particle of `parent`, the buffer of the layer that this one spawns from, has died, `overshoot` seconds past its
+    /// greatest age.
+    virtual void On_Parent_Particle_Death(vrMKPBuffer & /*buffer*/, const vrMKPBuffer & /*parent*/,
+                                          const Vector3 & /*position*/, const Vector3 & /*velocity*/,
+                                          float /*overshoot*/) const
     {
     }
+    /// A run begins, and all layers of the group have their buffers: where to find the one that this one follows.
+    virtual void Find_Parent(vrMKPBuffer & /*buffer*/) const {}
+    /// Whether it knows of births that wait for its next step.
+    virtual bool Has_Pending_Births(const vrMKPBuffer & /*buffer*/) const { return false; }
     // Particles a second: at full strength, at this moment ahead of the envelope, and the highest, which sizes the
     // buffer.
     virtual float Get_Base_Rate(const vrMKPRenderState & /*state*/, const vrMKPBufferPluginData * /*data*/) const
@@ -97,6 +103,9 @@ public:
     /// Whether particles die in the order of their births.
     virtual bool Has_Hard_Lifetime() const { return true; }
     virtual bool Uses_Scaled_Transform_Data() const { return true; }
+    /// Whether the spawner says which slots live, in place of granting new ones: slots that didn't live in the last frame
+    /// may be back with what they held.
+    virtual bool Sets_Live_Slots() const { return false; }
     /// Whether all particles come from those of another layer: without that one's the layer is at its end.
     virtual bool Follows_Parent() const { return false; }
     // The layer was suspended, and goes on. Null when it has no buffer.

@@ -1,0 +1,94 @@
+#include "vrGraphics/particle/VectorPlanes.h"
+
+#include <bit>
+#include <cstdint>
+
+namespace
+{
+
+/// Four floats at any address.
+using Floats = float __attribute__((vector_size(16), aligned(4), may_alias));
+
+const Floats &Load(const float *from)
+{
+    return *reinterpret_cast<const Floats *>(from);
+}
+
+void Store(float *to, const Floats &floats)
+{
+    *reinterpret_cast<Floats *>(to) = floats;
+}
+
+/// A sum less itself isn't 0 where it is infinite or no number.
+MK_SIMD uint32_t Add_Floats(float *__restrict to, const float *__restrict add, int count)
+{
+    uint32_t invalid = 0;
+    for (int at = 0; at < count; ++at) {
+        const float sum = to[at] + add[at];
+        to[at] = sum;
+        invalid |= std::bit_cast<uint32_t>(sum - sum);
+    }
+    return invalid;
+}
+
+bool Can_Shuffle_Freely()
+{
+#if defined(__x86_64__) && !defined(MK_BASELINE_ONLY)
+    return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512vl");
+#else
+    return false;
+#endif
+}
+
+} // namespace
+
+namespace Particle
+{
+
+bool Shuffles_Freely()
+{
+    static const bool shuffles = Can_Shuffle_Freely();
+    return shuffles;
+}
+
+void Split(Planes &to, const Vector3 *from, int count)
+{
+    const float *source = &from->x;
+    int at = 0;
+    for (; at + 4 <= count; at += 4) {
+        const Floats a = Load(source + at * 3);     // x0 y0 z0 x1
+        const Floats b = Load(source + at * 3 + 4); // y1 z1 x2 y2
+        const Floats c = Load(source + at * 3 + 8); // z2 x3 y3 z3
+        const Floats xy = __builtin_shufflevector(b, c, 2, 3, 5, 6);
+        const Floats yz = __builtin_shufflevector(a, b, 1, 2, 4, 5);
+        Store(to.X + at, __builtin_shufflevector(a, xy, 0, 3, 4, 6));
+        Store(to.Y + at, __builtin_shufflevector(yz, xy, 0, 2, 5, 7));
+        Store(to.Z + at, __builtin_shufflevector(yz, c, 1, 3, 4, 7));
+    }
+    for (; at < count; ++at) to.Put(at, from[at]);
+}
+
+void Join(Vector3 *to, const Planes &from, int count)
+{
+    float *target = &to->x;
+    int at = 0;
+    for (; at + 4 <= count; at += 4) {
+        const Floats x = Load(from.X + at);
+        const Floats y = Load(from.Y + at);
+        const Floats z = Load(from.Z + at);
+        const Floats xy = __builtin_shufflevector(x, y, 0, 2, 4, 6);
+        const Floats yz = __builtin_shufflevector(y, z, 1, 3, 5, 7);
+        const Floats zx = __builtin_shufflevector(z, x, 0, 2, 5, 7);
+        Store(target + at * 3, __builtin_shufflevector(xy, zx, 0, 2, 4, 6));
+        Store(target + at * 3 + 4, __builtin_shufflevector(yz, xy, 0, 2, 5, 7));
+        Store(target + at * 3 + 8, __builtin_shufflevector(zx, yz, 1, 3, 5, 7));
+    }
+    for (; at < count; ++at) to[at] = from.At(at);
+}
+
+bool Add_Vectors(Vector3 *to, const Vector3 *add, int count)
+{
+    return Add_Floats(&to->x, &add->x, count * 3) == 0;
+}
+
+} // namespace Particle
