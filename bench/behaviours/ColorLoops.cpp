@@ -25,9 +25,9 @@ MK_INLINE vrColor Ramp(vrColor from, vrColor to, float weight)
 template <typename Weight>
 void Multiply(const PlainParticles &p, vrColor from, vrColor to, Weight weight)
 {
-    Each(p.Count, [color = p.Color, position = Positions(p), from, to, weight](int i) MK_LOOP {
-        color[i] = Particle::Multiply_Color(color[i], Ramp(from, to, weight(position.At(i))));
-    });
+    Each(p.Count,
+         [color = p.Color, position = Positions(p), from = Given(from), to = Given(to), weight](int i)
+             MK_LOOP { color[i] = Particle::Multiply_Color(color[i], Ramp(from, to, weight(position.At(i)))); });
 }
 
 MK_INLINE float Between(float value, float start, float scale)
@@ -89,8 +89,9 @@ void Vary(const PlainParticles &p, const float *shares, const float (&least)[4],
 void Add_By_Time(CaseList &cases)
 {
     cases.Modifier(8).Set("Start Color", FROM).Set("End Color", TO).Beside([](const PlainParticles &p, const auto &) {
-        Each(p.Count, [color = p.Color, time = p.Time, from = Particle::Pack(FROM), to = Particle::Pack(TO)](int i)
-                          MK_LOOP { color[i] = Ramp(from, to, Particle::Clamp_01(time[i])); });
+        Each(p.Count,
+             [color = p.Color, time = p.Time, from = Given(Particle::Pack(FROM)), to = Given(Particle::Pack(TO)),
+              way = Way()](int i) MK_LOOP { color[i] = Ramp(from, to, way.At(time[i])); });
     });
     cases.Modifier(59).Set("Color", FROM).Set("Write Once", false).Beside([](const PlainParticles &p, const auto &) {
         std::fill_n(p.Color, p.Count, Particle::Pack(FROM));

@@ -39,15 +39,17 @@ void Add_Accelerations(CaseList &cases)
 /// The strength of a push at a distance, and whether it reaches that far.
 struct Law
 {
-    float Constant = -5.0f;
-    float Linear = -0.1f;
-    float Inverse = -20.0f;
+    float Constant = Given(-5.0f);
+    float Linear = Given(-0.1f);
+    float Inverse = Given(-20.0f);
+    float Inner = Given(5.0f);
+    float Outer = Given(10000.0f);
 
     MK_INLINE Vector3 Push_Along(const Vector3 &direction, float inverse, float distance, float dt) const
     {
         return Times(Times(direction, inverse + Constant + distance * Linear), dt);
     }
-    MK_INLINE bool Reaches(float distance) const { return (distance > 5.0f) & (distance < 10000.0f); }
+    MK_INLINE bool Reaches(float distance) const { return (distance > Inner) & (distance < Outer); }
 };
 
 Case &Set_Law(Case &one, const char *what)
@@ -62,7 +64,7 @@ Case &Set_Law(Case &one, const char *what)
 template <bool Around>
 void Push_By_Axis(const PlainParticles &p, const vrMKPRenderState &state)
 {
-    Push(p, [target = state.Get_Position(), axis = Vector3(0.0f, 0.0f, 1.0f), law = Law(),
+    Push(p, [target = state.Get_Position(), axis = Given(Vector3(0.0f, 0.0f, 1.0f)), law = Law(),
              dt = state.FrameTime](int, const Vector3 &position, const Vector3 &velocity) MK_LOOP {
         const Vector3 from = Minus(position, target);
         const Vector3 way = Minus(from, Times(axis, Dot(from, axis)));
@@ -110,19 +112,20 @@ void Add_Attractors(CaseList &cases)
 void Add_Speeds(CaseList &cases)
 {
     cases.Modifier(42).Set("Min Speed", 5.0f).Set("Max Speed", 15.0f).Beside([](const PlainParticles &p, const auto &) {
-        Push(p, [](int, const Vector3 &, const Vector3 &velocity) MK_LOOP {
+        Push(p, [least = Given(5.0f), greatest = Given(15.0f)](int, const Vector3 &, const Vector3 &velocity) MK_LOOP {
             const float speed = Length(velocity);
-            const float raised = speed < 5.0f ? 5.0f : speed;
-            return Times(Particle::Unit(velocity), raised > 15.0f ? 15.0f : raised);
+            const float raised = speed < least ? least : speed;
+            return Times(Particle::Unit(velocity), raised > greatest ? greatest : raised);
         });
     });
     cases.Modifier(46)
         .Set("Start Speed", 5.0f)
         .Set("End Speed", 15.0f)
         .Beside([](const PlainParticles &p, const auto &) {
-            Push(p, [time = p.Time](int i, const Vector3 &, const Vector3 &velocity) MK_LOOP {
-                const float weight = Particle::Clamp_01(time[i]);
-                return Times(Particle::Unit(velocity), (1.0f - weight) * 5.0f + weight * 15.0f);
+            Push(p, [time = p.Time, way = Way(), start = Given(5.0f),
+                     end = Given(15.0f)](int i, const Vector3 &, const Vector3 &velocity) MK_LOOP {
+                const float weight = Particle::Clamp_01((time[i] - way.Start) / (way.End - way.Start));
+                return Times(Particle::Unit(velocity), (1.0f - weight) * start + weight * end);
             });
         });
     cases.Modifier(32)
@@ -177,36 +180,39 @@ void Hold(const PlainParticles &p, const vrMKPRenderState &state, Shape shape)
 
 void Funnel(const PlainParticles &p, const vrMKPRenderState &state)
 {
-    Hold(p, state, [axis = Vector3(0.0f, 0.0f, 1.0f)](uint32_t id, Vector3 &position, Vector3 &velocity) MK_LOOP {
-        const float height = Dot(position, axis);
-        const Vector3 across = Minus(position, Times(axis, height));
-        const Vector3 substitute = Cross(Particle::Unit({Five_Bits(id, 0), Five_Bits(id, 5), Five_Bits(id, 10)}), axis);
-        const Vector3 outward = Choose(Dot(across, across) == 0.0f, substitute, Particle::Unit(across));
-        const float t = (height - 0.0f) / 50.0f;
-        const float fraction = Particle::Unit_ID(id);
-        const float outer = 15.0f + (45.0f - 15.0f) * t;
-        const float inner = outer - outer * 0.5f;
-        const float radius = (outer - inner) * fraction + inner;
-        const float speed = 10.0f + (100.0f - 10.0f) * t + (fraction * (4.0f + 4.0f) - 4.0f);
-        position = Plus(Times(axis, height), Times(outward, radius));
-        velocity = Plus(Times(axis, Dot(velocity, axis)), Times(Cross(axis, outward), speed));
-        return (t >= 0.0f) & (t <= 1.0f);
-    });
+    Hold(p, state,
+         [axis = Given(Vector3(0.0f, 0.0f, 1.0f))](uint32_t id, Vector3 &position, Vector3 &velocity) MK_LOOP {
+             const float height = Dot(position, axis);
+             const Vector3 across = Minus(position, Times(axis, height));
+             const Vector3 substitute =
+                 Cross(Particle::Unit({Five_Bits(id, 0), Five_Bits(id, 5), Five_Bits(id, 10)}), axis);
+             const Vector3 outward = Choose(Dot(across, across) == 0.0f, substitute, Particle::Unit(across));
+             const float t = (height - 0.0f) / 50.0f;
+             const float fraction = Particle::Unit_ID(id);
+             const float outer = 15.0f + (45.0f - 15.0f) * t;
+             const float inner = outer - outer * 0.5f;
+             const float radius = (outer - inner) * fraction + inner;
+             const float speed = 10.0f + (100.0f - 10.0f) * t + (fraction * (4.0f + 4.0f) - 4.0f);
+             position = Plus(Times(axis, height), Times(outward, radius));
+             velocity = Plus(Times(axis, Dot(velocity, axis)), Times(Cross(axis, outward), speed));
+             return (t >= 0.0f) & (t <= 1.0f);
+         });
 }
 
 void Torus(const PlainParticles &p, const vrMKPRenderState &state)
 {
-    Hold(p, state, [axis = Vector3(0.0f, 0.0f, 1.0f)](uint32_t id, Vector3 &position, Vector3 &velocity) MK_LOOP {
-        const float depth = static_cast<float>(static_cast<int32_t>(id & 0xff)) * 0.003921569f;
-        const float pace = static_cast<float>(static_cast<int32_t>(id >> 8 & 0xff)) * 0.003921569f;
-        const Vector3 outward = Particle::Unit(Minus(position, Times(axis, Dot(position, axis))));
-        const Vector3 center = Times(outward, 10.0f);
-        const Vector3 up = Particle::Unit(Minus(position, center));
-        const float mean = (1.0f - depth) * 10.0f + depth * 10.0f;
-        velocity = Times(Cross(Cross(axis, outward), up), (pace * 2.0f - 1.0f) * mean * 0.5f + mean);
-        position = Plus(Times(up, 5.0f - depth * 0.5f * 5.0f), center);
-        return true;
-    });
+    Hold(p, state,
+         [axis = Given(Vector3(0.0f, 0.0f, 1.0f))](uint32_t id, Vector3 &position, Vector3 &velocity) MK_LOOP {
+             const float depth = static_cast<float>(static_cast<int32_t>(id & 0xff)) * 0.003921569f;
+             const float pace = static_cast<float>(static_cast<int32_t>(id >> 8 & 0xff)) * 0.003921569f;
+             const Vector3 outward = Particle::Unit(Minus(position, Times(axis, Dot(position, axis))));
+             const Vector3 center = Times(outward, 10.0f);
+             const Vector3 up = Particle::Unit(Minus(position, center));
+             const float mean = (1.0f - depth) * 10.0f + depth * 10.0f;
+             velocity = Times(Cross(Cross(axis, outward), up), (pace * 2.0f - 1.0f) * mean * 0.5f + mean);
+             position = Plus(Times(up, 5.0f - depth * 0.5f * 5.0f), center);
+             return true;
+         });
 }
 
 /// One step of the generator that the engine has, and its float, but for the last bit.

@@ -16,6 +16,28 @@
 namespace Behaviour
 {
 
+/// A parameter, of which the compiler can't make a constant.
+template <typename T>
+T Given(T value)
+{
+    asm volatile("" : "+m"(value));
+    return value;
+}
+
+/// How far a particle is on the way between two times.
+struct Way
+{
+    float Start = Given(0.0f);
+    float End = Given(1.0f);
+    float Scale = 1.0f / (End - Start);
+
+    MK_INLINE float At(float time) const { return Particle::Clamp_01((time - Start) * Scale); }
+    MK_INLINE float Smooth_At(float time) const
+    {
+        return Particle::Smooth_Step(Particle::Clamp_01((time - Start) / (End - Start)));
+    }
+};
+
 /// `work(i)` for each of them, none of which touches what another one reads or writes.
 template <typename Work>
 MK_SIMD void Each(int count, Work work)

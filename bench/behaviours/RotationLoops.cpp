@@ -1,5 +1,7 @@
 #include "PlainLoops.h"
 
+#include "MKLib/MKMath/PortableMath.h"
+
 using namespace Behaviour;
 
 namespace
@@ -22,23 +24,6 @@ MK_INLINE uint32_t Nearest(float steps)
     return static_cast<uint32_t>(whole + (rest >= 0.5f ? 1 : 0) - (rest <= -0.5f ? 1 : 0)) & 0xfff;
 }
 
-/// To an eighth of a step.
-MK_INLINE float Angle(float y, float x)
-{
-    const float width = std::fabs(x);
-    const float height = std::fabs(y);
-    const float larger = width > height ? width : height;
-    const float smaller = width > height ? height : width;
-    const float q = smaller / (larger > 0.0f ? larger : 1.0f);
-    const float z = q * q;
-    const float first =
-        ((((-0.01172120f * z + 0.05265332f) * z - 0.11643287f) * z + 0.19354346f) * z - 0.33262347f) * z * q +
-        0.99997726f * q;
-    const float upper = height > width ? 1.5707964f - first : first;
-    const float angle = x < 0.0f ? 3.1415927f - upper : upper;
-    return y < 0.0f ? -angle : angle;
-}
-
 void Add_Aligned(CaseList &cases)
 {
     cases.Modifier(89)
@@ -50,24 +35,28 @@ void Add_Aligned(CaseList &cases)
             const Vector3 axis(0.0f, 0.0f, 1.0f);
             const Vector3 camera = state.InverseTransform.Transform(state.Camera.Get_Translation());
             const Vector3 toward = Particle::Unit(camera - axis * Dot(camera, axis));
-            Each(p.Count, [rotation = p.Rotation, position = Positions(p), id = p.ID, time = p.Time,
-                           curve = Curve(Key_Value), toLocal = state.InverseTransform, axis, toward,
-                           across = Cross(toward, axis), dt = state.FrameTime](int i) MK_LOOP {
-                const Vector3 place = Map(toLocal, position.At(i));
-                const Vector3 radial = Particle::Unit(Minus(place, Times(axis, Dot(place, axis))));
-                const float side = 1.0f - std::fabs(Dot(toward, radial));
-                const float measure = Dot(across, radial) < 0.0f ? -side : side;
-                const float rate = measure * 2.0f + (Particle::Unit_ID(id[i]) * 2.0f - 1.0f) * measure * 2.0f * 0.25f;
-                const auto before = static_cast<float>(static_cast<int32_t>(rotation[i] & 0xfff));
-                rotation[i] = Nearest(before + curve.At_Time(time[i]) * rate * 1000.0f * dt);
-            });
+            Each(p.Count,
+                 [rotation = p.Rotation, position = Positions(p), id = p.ID, time = p.Time, curve = Curve(Key_Value),
+                  toLocal = state.InverseTransform, axis, toward, across = Cross(toward, axis), dt = state.FrameTime,
+                  most = Given(2.0f), variation = Given(0.25f)](int i) MK_LOOP {
+                     const Vector3 place = Map(toLocal, position.At(i));
+                     const Vector3 radial = Particle::Unit(Minus(place, Times(axis, Dot(place, axis))));
+                     const float side = 1.0f - std::fabs(Dot(toward, radial));
+                     const float measure = Dot(across, radial) < 0.0f ? -side : side;
+                     const float rate =
+                         measure * most + (Particle::Unit_ID(id[i]) * 2.0f - 1.0f) * measure * most * variation;
+                     const auto before = static_cast<float>(static_cast<int32_t>(rotation[i] & 0xfff));
+                     rotation[i] = Nearest(before + curve.At_Time(time[i]) * rate * 1000.0f * dt);
+                 });
         });
-    cases.Modifier(90).About(1.0f).Beside([](const PlainParticles &p, const vrMKPRenderState &state) {
+    cases.Modifier(90).Beside([](const PlainParticles &p, const vrMKPRenderState &state) {
         const Mat3DClass toCamera = state.Camera.Inverse();
         Each(p.Count, [rotation = p.Rotation, velocity = Velocities(p), right = Vector3(toCamera.Row[0]),
-                       up = Vector3(toCamera.Row[1])](int i) MK_LOOP {
+                       up = Vector3(toCamera.Row[1]), base = Given(0.0f)](int i) MK_LOOP {
             const Vector3 motion = velocity.At(i);
-            rotation[i] = Nearest(Angle(Dot(up, motion), Dot(right, motion)) * 0.15915494f * STEPS);
+            const Vector3 onScreen = Particle::Unit({Dot(right, motion), Dot(up, motion), 0.0f});
+            const float turns = Portable::Quick_Arc_Tangent(onScreen.y, onScreen.x) * 0.15915494f + base;
+            rotation[i] = Nearest(turns * STEPS);
         });
     });
 }
@@ -77,15 +66,17 @@ void Add_Aligned(CaseList &cases)
 void Behaviour::Add_Rotations(CaseList &cases)
 {
     cases.Modifier(9).Beside([](const PlainParticles &p, const auto &) {
-        Write(p, [time = p.Time](int i) MK_LOOP { return Particle::Clamp_01(time[i]) * 1.0f + 0.0f; });
+        Write(p, [time = p.Time, way = Way(), start = Given(0.0f), difference = Given(1.0f)](int i)
+                     MK_LOOP { return way.At(time[i]) * difference + start; });
     });
     cases.Modifier(9, "randomized, reversed")
         .Set("Randomize Rotations", true)
         .Set("Reverse", true)
         .Beside([](const PlainParticles &p, const auto &) {
-            Write(p, [time = p.Time, id = p.ID](int i) MK_LOOP {
-                const float turns = Particle::Clamp_01(time[i]);
-                return ((id[i] & 1) != 0 ? -turns : turns) + (Particle::Unit_ID(id[i]) * 2.0f - 1.0f);
+            Write(p, [time = p.Time, id = p.ID, way = Way(), start = Given(0.0f), difference = Given(1.0f),
+                      offset = Given(1.0f)](int i) MK_LOOP {
+                const float turns = way.At(time[i]) * difference + start;
+                return ((id[i] & 1) != 0 ? -turns : turns) + (Particle::Unit_ID(id[i]) * 2.0f - 1.0f) * offset;
             });
         });
     cases.Modifier(58, "varied")
@@ -93,7 +84,8 @@ void Behaviour::Add_Rotations(CaseList &cases)
         .Set("Rotation Variation", 0.5f)
         .Set("Write Once", false)
         .Beside([](const PlainParticles &p, const auto &) {
-            Write(p, [id = p.ID](int i) MK_LOOP { return 0.25f + (Particle::Unit_ID(id[i]) * 1.0f - 0.5f); });
+            Write(p, [id = p.ID, base = Given(0.25f), variation = Given(0.5f)](int i)
+                         MK_LOOP { return base + (Particle::Unit_ID(id[i]) * (variation + variation) - variation); });
         });
     cases.Modifier(16).Set_Keys("Rotation", Key_Value).Within(6.0).Beside([](const PlainParticles &p, const auto &) {
         Write(p, [time = p.Time, curve = Curve(Key_Value)](int i) MK_LOOP { return curve.At_Time(time[i]); });

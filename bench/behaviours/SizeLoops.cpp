@@ -31,39 +31,46 @@ MK_INLINE float Factor(uint32_t bits, float variation)
            1.0f;
 }
 
-MK_INLINE float Ramp(float time, float from, float to)
+struct Ramp
 {
-    return Particle::Clamp_01(time) * (to - from) + from;
-}
+    Ramp(float from, float to) : From(Given(from)), Difference(Given(to) - From) {}
+
+    Way Weight;
+    float From;
+    float Difference;
+
+    MK_INLINE float At(float time) const { return Weight.At(time) * Difference + From; }
+    MK_INLINE float Smooth_At(float time) const { return Weight.Smooth_At(time) * Difference + From; }
+};
 
 void Add_Linear(CaseList &cases)
 {
     cases.Modifier(7).Set("Start Size", 1.0f).Set("End Size", 5.0f).Beside([](const PlainParticles &p, const auto &) {
-        Write_Uniform(p, [time = p.Time](int i) MK_LOOP { return Ramp(time[i], 1.0f, 5.0f); });
+        Write_Uniform(p, [time = p.Time, ramp = Ramp(1.0f, 5.0f)](int i) MK_LOOP { return ramp.At(time[i]); });
     });
     cases.Modifier(7, "varied")
         .Set("Start Size", 1.0f)
         .Set("End Size", 5.0f)
         .Set("Size Variation", 0.25f)
         .Beside([](const PlainParticles &p, const auto &) {
-            Write_Uniform(p, [time = p.Time, id = p.ID](int i)
-                                 MK_LOOP { return Ramp(time[i], 1.0f, 5.0f) * Factor(id[i] & 0xffff, 0.25f); });
+            Write_Uniform(p, [time = p.Time, id = p.ID, ramp = Ramp(1.0f, 5.0f), variation = Given(0.25f)](int i)
+                                 MK_LOOP { return ramp.At(time[i]) * Factor(id[i] & 0xffff, variation); });
         });
     cases.Modifier(7, "smooth")
         .Set("Start Size", 1.0f)
         .Set("End Size", 5.0f)
         .Set("Flat Tangent Smooth", true)
         .Beside([](const PlainParticles &p, const auto &) {
-            Write_Uniform(p, [time = p.Time](int i)
-                                 MK_LOOP { return Particle::Smooth_Step(Particle::Clamp_01(time[i])) * 4.0f + 1.0f; });
+            Write_Uniform(p,
+                          [time = p.Time, ramp = Ramp(1.0f, 5.0f)](int i) MK_LOOP { return ramp.Smooth_At(time[i]); });
         });
     const auto ends = [](Case &one) -> Case & {
         return one.Set("Start Width", 1.0f).Set("End Width", 5.0f).Set("Start Height", 2.0f).Set("End Height", 3.0f);
     };
     ends(cases.Modifier(124)).Beside([](const PlainParticles &p, const auto &) {
         Write_Both(
-            p, [time = p.Time](int i) MK_LOOP { return Ramp(time[i], 1.0f, 5.0f); },
-            [time = p.Time](int i) MK_LOOP { return Ramp(time[i], 2.0f, 3.0f); });
+            p, [time = p.Time, ramp = Ramp(1.0f, 5.0f)](int i) MK_LOOP { return ramp.At(time[i]); },
+            [time = p.Time, ramp = Ramp(2.0f, 3.0f)](int i) MK_LOOP { return ramp.At(time[i]); });
     });
     ends(cases.Modifier(124, "varied"))
         .Set("Width Variation", 0.25f)
@@ -71,24 +78,25 @@ void Add_Linear(CaseList &cases)
         .Beside([](const PlainParticles &p, const auto &) {
             Write_Both(
                 p,
-                [time = p.Time, id = p.ID](int i)
-                    MK_LOOP { return Ramp(time[i], 1.0f, 5.0f) * Factor(id[i] & 0xff00, 0.25f); },
-                [time = p.Time, id = p.ID](int i)
-                    MK_LOOP { return Ramp(time[i], 2.0f, 3.0f) * Factor((id[i] & 0xff) << 8, 0.5f); });
+                [time = p.Time, id = p.ID, ramp = Ramp(1.0f, 5.0f), variation = Given(0.25f)](int i)
+                    MK_LOOP { return ramp.At(time[i]) * Factor(id[i] & 0xff00, variation); },
+                [time = p.Time, id = p.ID, ramp = Ramp(2.0f, 3.0f), variation = Given(0.5f)](int i)
+                    MK_LOOP { return ramp.At(time[i]) * Factor((id[i] & 0xff) << 8, variation); });
         });
 }
 
 void Add_Constant(CaseList &cases)
 {
     cases.Modifier(57).Set("Size", 3.0f).Set("Write Once", false).Beside([](const PlainParticles &p, const auto &) {
-        Write_Uniform(p, [](int) MK_LOOP { return 3.0f; });
+        Write_Uniform(p, [size = Given(3.0f)](int) MK_LOOP { return size; });
     });
     cases.Modifier(57, "varied")
         .Set("Size", 3.0f)
         .Set("Size Variation", 0.25f)
         .Set("Write Once", false)
         .Beside([](const PlainParticles &p, const auto &) {
-            Write_Uniform(p, [id = p.ID](int i) MK_LOOP { return 3.0f * Factor(id[i] & 0xffff, 0.25f); });
+            Write_Uniform(p, [id = p.ID, size = Given(3.0f), variation = Given(0.25f)](int i)
+                                 MK_LOOP { return size * Factor(id[i] & 0xffff, variation); });
         });
     cases.Modifier(123, "varied")
         .Set("Width", 3.0f)
@@ -98,8 +106,11 @@ void Add_Constant(CaseList &cases)
         .Set("Write Once", false)
         .Beside([](const PlainParticles &p, const auto &) {
             Write_Both(
-                p, [id = p.ID](int i) MK_LOOP { return 3.0f * Factor(id[i] & 0xff00, 0.25f); },
-                [id = p.ID](int i) MK_LOOP { return 2.0f * Factor((id[i] & 0xff) << 8, 0.5f); });
+                p,
+                [id = p.ID, size = Given(3.0f), variation = Given(0.25f)](int i)
+                    MK_LOOP { return size * Factor(id[i] & 0xff00, variation); },
+                [id = p.ID, size = Given(2.0f), variation = Given(0.5f)](int i)
+                    MK_LOOP { return size * Factor((id[i] & 0xff) << 8, variation); });
         });
 }
 
@@ -126,8 +137,8 @@ void Add_Keyed(CaseList &cases)
         .Within(6.0)
         .Beside([other](const PlainParticles &p, const auto &) {
             Each(p.Count, [position = Positions(p), width = p.Width, height = p.Height, widths = Curve(Key_Value),
-                           heights = Curve(other)](int i) MK_LOOP {
-                const float time = Particle::Clamp_01((Length(position.At(i)) - 10.0f) / 50.0f);
+                           heights = Curve(other), start = Given(10.0f), span = Given(50.0f)](int i) MK_LOOP {
+                const float time = Particle::Clamp_01((Length(position.At(i)) - start) / span);
                 width[i] = widths.At_Time(time);
                 height[i] = heights.At_Time(time);
             });
@@ -148,8 +159,9 @@ void Behaviour::Add_Sizes(CaseList &cases)
         .Set("Far Size", 5.0f)
         .Beside([](const PlainParticles &p, const vrMKPRenderState &state) {
             const Vector3 way = state.Camera.Get_Translation() - state.Get_Position();
-            Write_Uniform(p, [position = Positions(p), axis = Particle::Unit({way.x, way.y, 0.0f})](int i) MK_LOOP {
-                return 1.0f + Particle::Clamp_01((Dot(position.At(i), axis) - 40.0f) / -80.0f) * 4.0f;
+            Write_Uniform(p, [position = Positions(p), axis = Particle::Unit({way.x, way.y, 0.0f}), near = Given(40.0f),
+                              span = Given(-80.0f), size = Given(1.0f), difference = Given(4.0f)](int i) MK_LOOP {
+                return size + Particle::Clamp_01((Dot(position.At(i), axis) - near) / span) * difference;
             });
         });
 }

@@ -1,5 +1,7 @@
 #include "PlainLoops.h"
 
+#include "MKLib/MKMath/PortableMath.h"
+
 #include "vrGraphics/plugins/modifiers/TimeModifiers.h"
 
 using namespace Behaviour;
@@ -20,16 +22,6 @@ MK_INLINE float Whole(float value)
     return static_cast<float>(static_cast<int32_t>(value));
 }
 
-/// sin(2 pi x) for x of 0 or more, to 1e-6.
-MK_INLINE float Sine_Of_Turns(float x)
-{
-    const float rest = x - Whole(x + 0.5f);
-    const float low = rest < -0.25f ? -0.5f - rest : rest;
-    const float y = (rest > 0.25f ? 0.5f - rest : low) * 6.2831855f;
-    const float z = y * y;
-    return y + y * z * (-0.16666667f + z * (0.008333333f + z * (-0.00019841270f + z * 2.7557319e-6f)));
-}
-
 } // namespace
 
 void Behaviour::Add_Times(CaseList &cases)
@@ -41,11 +33,11 @@ void Behaviour::Add_Times(CaseList &cases)
             .Set("Flat Tangent Smooth", smooth)
             .Beside([smooth](const PlainParticles &p, const vrMKPRenderState &state) {
                 const auto write = [&](auto ease) {
-                    Each(p.Count,
-                         [time = p.Time, position = Positions(p), target = state.Get_Position(), ease](int i) MK_LOOP {
-                             const float distance = Length(Minus(position.At(i), target));
-                             time[i] = 1.0f - ease(Particle::Clamp_01(distance / 60.0f));
-                         });
+                    Each(p.Count, [time = p.Time, position = Positions(p), target = state.Get_Position(), ease,
+                                   inner = Given(0.0f), width = Given(60.0f)](int i) MK_LOOP {
+                        const float distance = Length(Minus(position.At(i), target));
+                        time[i] = 1.0f - ease(Particle::Clamp_01((distance - inner) / width));
+                    });
                 };
                 if (smooth)
                     write([](float t) MK_LOOP { return Particle::Smooth_Step(t); });
@@ -69,7 +61,10 @@ void Behaviour::Add_Times(CaseList &cases)
             return (static_cast<int32_t>(twice) & 1) != 0 ? 1.0f - rise : rise;
         });
     });
-    clock("sine", Clock::CLOCK_SINE).About(1e-5f).Beside([](const PlainParticles &p, const vrMKPRenderState &state) {
-        Write(p, state, [](float x) MK_LOOP { return (Sine_Of_Turns(x) + 1.0f) * 0.5f; });
+    clock("sine", Clock::CLOCK_SINE).Beside([](const PlainParticles &p, const vrMKPRenderState &state) {
+        Write(p, state, [](float x) MK_LOOP {
+            const auto angle = static_cast<double>(x * Particle::TWO_PI);
+            return (static_cast<float>(Portable::Sine(angle)) + 1.0f) * 0.5f;
+        });
     });
 }

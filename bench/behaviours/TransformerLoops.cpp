@@ -49,21 +49,22 @@ void Behaviour::Add_Transformers(CaseList &cases)
             const Vector3 cubes = center / 120.0f;
             const Vector3 phase =
                 (cubes - Vector3(std::floor(cubes.x), std::floor(cubes.y), std::floor(cubes.z))) * 120.0f;
-            Each(p.Count,
-                 [world = World_Positions(p), position = Positions(p), time = p.Time, center, phase](int i) MK_LOOP {
-                     const Vector3 from = Minus(position.At(i), phase);
-                     const Vector3 folded(Fold(from.x, 60.0f), Fold(from.y, 60.0f), Fold(from.z, 60.0f));
-                     world.Put(i, Plus(center, folded));
-                     time[i] = 1.0f - Particle::Clamp_01(folded.z * (1.0f / 120.0f) + 0.5f);
-                 });
+            Each(p.Count, [world = World_Positions(p), position = Positions(p), time = p.Time, center, phase,
+                           half = Given(60.0f), inverse = Given(1.0f / 120.0f)](int i) MK_LOOP {
+                const Vector3 from = Minus(position.At(i), phase);
+                const Vector3 folded(Fold(from.x, half), Fold(from.y, half), Fold(from.z, half));
+                world.Put(i, Plus(center, folded));
+                time[i] = 1.0f - Particle::Clamp_01(folded.z * inverse + 0.5f);
+            });
         });
     cases.Transformer(122)
         .Set("Width", 30.0f)
         .Set("Height", 20.0f)
         .About(1e-3f)
         .Beside([](const PlainParticles &p, const vrMKPRenderState &state) {
-            Write(p, [camera = state.Camera](const Vector3 &at) MK_LOOP {
-                return Map(camera, {Tile(at.x, 30.0f), Tile(at.y, 20.0f), at.z - 50.0f});
+            Write(p, [camera = state.Camera, width = Given(30.0f), height = Given(20.0f),
+                      offset = Given(50.0f)](const Vector3 &at) MK_LOOP {
+                return Map(camera, {Tile(at.x, width), Tile(at.y, height), at.z - offset});
             });
         });
 }

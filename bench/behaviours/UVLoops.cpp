@@ -39,32 +39,46 @@ struct KeyedRectangles
     MK_INLINE const Vector4 &At_Time(float time) const { return Rectangles[Times.Low(Times.Place(time))]; }
 };
 
-/// Ten frames of a sheet of eight by eight, 15 a second, over and over.
+MK_INLINE float Whole(float value)
+{
+    return static_cast<float>(static_cast<int32_t>(value));
+}
+
+/// Frames of a sheet, over and over.
+struct Sheet
+{
+    float Rate = Given(15.0f);
+    float Frames = Given(10.0f);
+    float Columns = Given(8.0f);
+    float Size = Given(0.125f);
+
+    MK_INLINE Vector2 Place(float frame) const
+    {
+        const float rest = frame - Whole(frame / Frames) * Frames;
+        const float cell = rest < 0.0f ? rest + Frames : rest;
+        const float row = Whole(cell / Columns);
+        return {(cell - row * Columns) * Size, row * Size};
+    }
+};
+
 void Play(const PlainParticles &p, const vrMKPRenderState &)
 {
-    Write(p, [age = p.Age](int i) MK_LOOP {
-        const auto whole = [](float value) MK_LOOP { return static_cast<float>(static_cast<int32_t>(value)); };
-        const float frame = whole(age[i] * 15.0f);
-        const float rest = frame - whole(frame / 10.0f) * 10.0f;
-        const float cell = rest < 0.0f ? rest + 10.0f : rest;
-        const float row = whole(cell * 0.125f);
-        return Vector4((cell - row * 8.0f) * 0.125f, row * 0.125f, 0.125f, 0.125f);
+    Write(p, [age = p.Age, sheet = Sheet()](int i) MK_LOOP {
+        const Vector2 place = sheet.Place(Whole(age[i] * sheet.Rate));
+        return Vector4(place.x, place.y, sheet.Size, sheet.Size);
     });
 }
 
 /// From a random frame on, mirrored at random.
 void Play_At_Random(const PlainParticles &p, const vrMKPRenderState &)
 {
-    Write(p, [age = p.Age, id = p.ID](int i) MK_LOOP {
-        const auto whole = [](float value) MK_LOOP { return static_cast<float>(static_cast<int32_t>(value)); };
-        const float frame = whole(age[i] * 15.0f) + whole(Particle::Unit_ID(id[i]) * 9.0f);
-        const float rest = frame - whole(frame / 10.0f) * 10.0f;
-        const float cell = rest < 0.0f ? rest + 10.0f : rest;
-        const float row = whole(cell * 0.125f);
+    Write(p, [age = p.Age, id = p.ID, sheet = Sheet()](int i) MK_LOOP {
+        const float frame = Whole(age[i] * sheet.Rate) + Whole(Particle::Unit_ID(id[i]) * (sheet.Frames - 1.0f));
+        const Vector2 place = sheet.Place(frame);
         const bool flipU = (id[i] & 1) != 0;
         const bool flipV = (id[i] >> 4 & 1) != 0;
-        return Vector4((cell - row * 8.0f) * 0.125f + (flipU ? 0.125f : 0.0f), row * 0.125f + (flipV ? 0.125f : 0.0f),
-                       flipU ? -0.125f : 0.125f, flipV ? -0.125f : 0.125f);
+        return Vector4(place.x + (flipU ? sheet.Size : 0.0f), place.y + (flipV ? sheet.Size : 0.0f),
+                       flipU ? -sheet.Size : sheet.Size, flipV ? -sheet.Size : sheet.Size);
     });
 }
 

@@ -69,6 +69,12 @@ void *operator new(size_t size)
     throw std::bad_alloc();
 }
 
+void *operator new(size_t size, const std::nothrow_t &) noexcept
+{
+    ++Count;
+    return std::malloc(size);
+}
+
 void operator delete(void *memory) noexcept
 {
     std::free(memory);

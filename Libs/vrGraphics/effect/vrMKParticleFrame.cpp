@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cmath>
 
 static MKDebug::Logger ParticleLog("ParticleLog");
 
@@ -23,7 +24,7 @@ constexpr float PRE_SIMULATION_STEP = 0.033f;
 constexpr double PRE_SIMULATION_RATE = 30.30303; ///< steps a second
 /// What a file may ask for at most: ten times the greatest value of the parameter, and a second or two of work.
 constexpr int MAX_PRE_SIMULATION_STEPS = 3030;
-constexpr int MAX_PRE_SIMULATED_PARTICLES = 1 << 30; ///< in all steps together, were the ring full
+constexpr int64_t MAX_PRE_SIMULATED_PARTICLES = 1 << 28; ///< in all steps together, were the ring full
 
 /// Frames ahead of the start are charged too, which comes to more than an int holds.
 void Count(int &total, int count)
@@ -126,15 +127,17 @@ void vrMKParticle::Pre_Simulate(vrMKParticleGroup &group)
     const float seconds = Spawner ? Spawner->Get_Pre_Simulate_Seconds() : 0.0f;
     if (!(seconds > 0.0f)) return;
     // In double precision and by this decimal: 0.99 seconds are 29 steps.
-    const double asked = static_cast<double>(seconds) * PRE_SIMULATION_RATE;
-    const int limit =
-        std::min(MAX_PRE_SIMULATION_STEPS, MAX_PRE_SIMULATED_PARTICLES / std::max(Buffer->Capacity, 1));
-    const int steps = asked < limit ? static_cast<int>(asked) : limit;
-    if (asked > limit)
+    const double steps = std::trunc(static_cast<double>(seconds) * PRE_SIMULATION_RATE);
+    int done = 0;
+    int64_t particles = 0; // counted as it goes: the ring of a slave takes its parent's size
+    for (; done < steps && done < MAX_PRE_SIMULATION_STEPS && particles < MAX_PRE_SIMULATED_PARTICLES; ++done) {
+        Update(PRE_SIMULATION_STEP, group);
+        particles += Buffer->Capacity;
+    }
+    if (done < steps)
         MK_LOG(ParticleLog, MKDebug::LogLevel::Warning, "Layer \"%s\" asks for %g seconds ahead of its start, gets %g",
                Get_Name().c_str(), static_cast<double>(seconds),
-               static_cast<double>(static_cast<float>(limit) * PRE_SIMULATION_STEP));
-    for (int step = 0; step < steps; ++step) Update(PRE_SIMULATION_STEP, group);
+               static_cast<double>(static_cast<float>(done) * PRE_SIMULATION_STEP));
 }
 
 /// Everything that happens to a particle in a frame but for its birth and the stomper's condition happens to one block of

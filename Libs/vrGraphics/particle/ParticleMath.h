@@ -6,6 +6,7 @@
 #include "MKLib/MKMath/Simd.h"
 #include "vrGraphics/particle/vrColor.h"
 
+#include <bit>
 #include <cmath>
 #include <cstdint>
 
@@ -17,20 +18,31 @@ namespace Particle
 constexpr float UNIT_ID = 1.5259022e-05f; ///< 1 / 65535: turns a 16-bit random value into 0..1
 constexpr float TWO_PI = 6.2831855f;
 
-/// 0 for what is no number.
+/// 0 for what is no number. On bits, whose order is that of the floats where these aren't negative: of two choices in a
+/// row the compiler would make jumps, and of these more comparisons than there were.
 MK_INLINE float Clamp_01(float value)
 {
-    const float raised = value > 0.0f ? value : 0.0f;
-    return raised < 1.0f ? raised : 1.0f;
+    constexpr auto ONE = std::bit_cast<int32_t>(1.0f);
+    const uint32_t isPositive = value > 0.0f ? ~0u : 0u;
+    const auto raised = static_cast<int32_t>(std::bit_cast<uint32_t>(value) & isPositive);
+    return std::bit_cast<float>(raised < ONE ? raised : ONE);
 }
 
-/// Toward zero. Beyond the integers, and for what is no number, one of the two ends, whose low 12 bits are 0, so that they
-/// come out as 0 in what a rotation or a byte of a colour keeps.
+constexpr float TRUNCATION_LIMIT = 2147479552.0f;
+
+/// Toward zero. Beyond the integers, and for what is no number, one of the two ends, whose low 12 bits are 0, so that
+/// they come out as 0 in what a rotation or a byte of a colour keeps.
 MK_INLINE int32_t Truncate(float value)
 {
-    constexpr float LIMIT = 2147479552.0f;
-    const float raised = value > -LIMIT ? value : -LIMIT;
-    return static_cast<int32_t>(raised < LIMIT ? raised : LIMIT);
+    const float raised = value > -TRUNCATION_LIMIT ? value : -TRUNCATION_LIMIT;
+    return static_cast<int32_t>(raised < TRUNCATION_LIMIT ? raised : TRUNCATION_LIMIT);
+}
+
+/// The low 12 bits of `Truncate`, by fewer steps; those above aren't the same.
+MK_INLINE uint32_t Truncate_Low_Bits(float value)
+{
+    const float kept = std::fabs(value) <= TRUNCATION_LIMIT ? value : 0.0f;
+    return static_cast<uint32_t>(static_cast<int32_t>(kept));
 }
 
 /// Scaled to unit length; a zero vector stays.
@@ -73,13 +85,13 @@ MK_INLINE uint32_t Height_Bits(uint32_t id)
 /// 4096 steps a turn.
 MK_INLINE uint32_t Encode_Rotation(float turns)
 {
-    return static_cast<uint32_t>(Truncate(turns * 4096.0f)) & 0xfff;
+    return Truncate_Low_Bits(turns * 4096.0f) & 0xfff;
 }
 
 // Packed colours.
 MK_INLINE uint32_t Color_Byte(float channel)
 {
-    return static_cast<uint32_t>(Truncate(channel * 255.0f)) & 0xff;
+    return Truncate_Low_Bits(channel * 255.0f) & 0xff;
 }
 MK_INLINE vrColor Pack(const RGBAClass &color)
 {

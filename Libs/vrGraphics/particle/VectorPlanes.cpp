@@ -19,6 +19,16 @@ void Store(float *to, const Floats &floats)
     *reinterpret_cast<Floats *>(to) = floats;
 }
 
+MK_SIMD void Join_Freely(float *__restrict to, const float *__restrict x, const float *__restrict y,
+                         const float *__restrict z, int count)
+{
+    for (int i = 0; i < count; ++i) {
+        to[3 * i] = x[i];
+        to[3 * i + 1] = y[i];
+        to[3 * i + 2] = z[i];
+    }
+}
+
 /// A sum less itself isn't 0 where it is infinite or no number.
 MK_SIMD uint32_t Add_Floats(float *__restrict to, const float *__restrict add, int count)
 {
@@ -71,6 +81,7 @@ void Split(Planes &to, const Vector3 *from, int count)
 void Join(Vector3 *to, const Planes &from, int count)
 {
     float *target = &to->x;
+    if (Shuffles_Freely()) return Join_Freely(target, from.X, from.Y, from.Z, count);
     int at = 0;
     for (; at + 4 <= count; at += 4) {
         const Floats x = Load(from.X + at);

@@ -168,6 +168,7 @@ void vrMKPCircleTargetAccelerationModifier::Throw_New_Particles(vrMKPBuffer &buf
     const float fall = Acceleration.Acceleration->Get_Value().z * 0.5f;
     const float radius = buffer.State->TargetCircleRadius;
     RandomClass &random = buffer.State->Random;
+    MK_ASSERT(!(radius < 0.0f), "low <= high"); // the draws swap such bounds
     bool invalid = false;
     for (const vrMKPSpan span : buffer.New_Spans())
         for (int slot = span.First; slot < span.First + span.Count; ++slot) {

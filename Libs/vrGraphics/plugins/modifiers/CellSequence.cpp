@@ -23,41 +23,81 @@ MK_INLINE float Select(uint32_t bit, float a, float b)
     return std::bit_cast<float>((std::bit_cast<uint32_t>(a) & mask) | (std::bit_cast<uint32_t>(b) & ~mask));
 }
 
+/// A divisor with its reciprocal.
+struct Divisor
+{
+    float Value;
+    float Inverse;
+
+    explicit Divisor(float value) : Value(value), Inverse(1.0f / value) {}
+};
+
 /// Exact for any number.
 struct FullArithmetic
 {
     static float Floor(float value) { return std::floor(value); }
-    static float Remainder(float value, float divisor) { return std::fmod(value, divisor); }
+    static float Remainder(float value, const Divisor &divisor) { return std::fmod(value, divisor.Value); }
 };
 
 /// For values from 0 to twice `MOST_REGULAR`; for remainders, of whole numbers or by a power of two.
 struct RegularArithmetic
 {
     MK_INLINE static float Floor(float value) { return static_cast<float>(static_cast<int32_t>(value)); }
-    MK_INLINE static float Remainder(float value, float divisor)
+    MK_INLINE static float Remainder(float value, const Divisor &divisor)
     {
-        // Rounding may take the quotient up to the next whole number. The product is exact all the same.
-        const float rest = value - Floor(value / divisor) * divisor;
-        return rest + Select(As_Bit(rest < 0.0f), divisor, 0.0f);
+        // By the reciprocal, and by rounding, the quotient may be the next whole number on either side. The product is
+        // exact all the same.
+        const float rest = value - Floor(value * divisor.Inverse) * divisor.Value;
+        const float raised = rest + Select(As_Bit(rest < 0.0f), divisor.Value, 0.0f);
+        return raised - Select(As_Bit(raised >= divisor.Value), divisor.Value, 0.0f);
     }
 };
 
-template <typename Arithmetic>
-MK_INLINE void Write_Cell(float *origin, float *size, float frame, uint32_t id, const vrMKPCellSequence &sequence)
+/// The numbers of one sheet, ready for a loop.
+struct Sheet
 {
-    const float loops = sequence.LoopsPerFrame * frame;
-    const uint32_t isOver = As_Bit(!(loops < sequence.LoopLimit));
-    const uint32_t isOddLoop = As_Bit(Arithmetic::Remainder(loops, 2.0f) >= 1.0f);
-    const uint32_t isReverse = sequence.ReverseBit ^ (sequence.PingPongBit & isOddLoop);
+    explicit Sheet(const vrMKPCellSequence &sequence)
+        : Sequence(sequence), FrameCount(sequence.FrameCount), CellCount(sequence.CellCount),
+          CellsPerRow(sequence.CellsPerRow)
+    {
+    }
 
-    const float inLoop = Arithmetic::Remainder(frame, sequence.FrameCount);
+    vrMKPCellSequence Sequence;
+    Divisor FrameCount;
+    Divisor CellCount;
+    Divisor CellsPerRow;
+    Divisor Two{2.0f};
+};
+
+/// `Simple` is for a sequence that goes on for ever in one direction and doesn't run past the sheet, in rows of a whole
+/// number of cells. `Flips` is needed where IDs mirror.
+template <typename Arithmetic, bool Simple, bool Flips>
+MK_INLINE void Write_Cell(float *origin, float *size, float frame, uint32_t id, const Sheet &sheet)
+{
+    const vrMKPCellSequence &sequence = sheet.Sequence;
+    uint32_t isOver = 0;
+    uint32_t isReverse = sequence.ReverseBit;
+    if constexpr (!Simple) {
+        const float loops = sequence.LoopsPerFrame * frame;
+        isOver = As_Bit(!(loops < sequence.LoopLimit));
+        isReverse ^= sequence.PingPongBit & As_Bit(Arithmetic::Remainder(loops, sheet.Two) >= 1.0f);
+    }
+    const float inLoop = Arithmetic::Remainder(frame, sheet.FrameCount);
     const float step = Select(isReverse, sequence.FrameCount - 1.0f - inLoop, inLoop);
-    const float cell = Arithmetic::Remainder(step + sequence.FirstCell, sequence.CellCount);
-    const float row = Arithmetic::Floor(cell / sequence.CellsPerRow);
-    const float column = cell - sequence.CellsPerRow * row;
-
-    const uint32_t flipU = id & sequence.RandomFlipBit;
-    const uint32_t flipV = (id >> 4) & sequence.RandomFlipBit;
+    float cell = step + sequence.FirstCell;
+    float column;
+    float row;
+    if constexpr (Simple) {
+        column = Arithmetic::Remainder(cell, sheet.CellsPerRow);
+        // A whole number, but for rounding.
+        row = Arithmetic::Floor((cell - column) * sheet.CellsPerRow.Inverse + 0.5f);
+    } else {
+        cell = Arithmetic::Remainder(cell, sheet.CellCount);
+        row = Arithmetic::Floor(cell / sequence.CellsPerRow);
+        column = cell - sequence.CellsPerRow * row;
+    }
+    const uint32_t flipU = Flips ? id & sequence.RandomFlipBit : 0;
+    const uint32_t flipV = Flips ? (id >> 4) & sequence.RandomFlipBit : 0;
     const float u = column * sequence.Cell.x + Select(flipU | sequence.FlipU, sequence.Cell.x, 0.0f);
     const float v = row * sequence.Cell.y + Select(flipV | sequence.FlipV, sequence.Cell.y, 0.0f);
     origin[0] = Select(isOver, origin[0], u + sequence.Offset.x);
@@ -66,33 +106,38 @@ MK_INLINE void Write_Cell(float *origin, float *size, float frame, uint32_t id, 
     size[1] = Select(isOver, size[1], Select(flipV, -sequence.Size.y, sequence.Size.y));
 }
 
+template <bool Simple, bool Flips>
 MK_SIMD void Write_Regular(float *__restrict origins, float *__restrict sizes, const float *__restrict frames,
-                           const uint32_t *__restrict ids, int count, vrMKPCellSequence sequence)
+                           const uint32_t *__restrict ids, int count, Sheet sheet)
 {
     for (int i = 0; i < count; ++i)
-        Write_Cell<RegularArithmetic>(origins + 2 * i, sizes + 2 * i, frames[i], ids[i], sequence);
+        Write_Cell<RegularArithmetic, Simple, Flips>(origins + 2 * i, sizes + 2 * i, frames[i], ids[i], sheet);
 }
 
-void Write_Any(float *origins, float *sizes, const float *frames, const uint32_t *ids, int count,
-               const vrMKPCellSequence &sequence)
+void Write_Any(float *origins, float *sizes, const float *frames, const uint32_t *ids, int count, const Sheet &sheet)
 {
     for (int i = 0; i < count; ++i)
-        Write_Cell<FullArithmetic>(origins + 2 * i, sizes + 2 * i, frames[i], ids[i], sequence);
+        Write_Cell<FullArithmetic, false, true>(origins + 2 * i, sizes + 2 * i, frames[i], ids[i], sheet);
 }
 
-/// Frame numbers since birth, and whether all of them are regular. Others aren't right yet.
+/// Frame numbers since birth, and whether all of them are regular. Others aren't right yet. `Random` is for IDs that
+/// are ahead.
+template <bool Random>
 MK_SIMD bool Find_Regular_Frames(float *__restrict frames, const float *__restrict times,
                                  const uint32_t *__restrict ids, int count, float framesPerTime, float randomFrames)
 {
-    uint32_t isRegular = 1;
+    uint32_t irregular = 0;
     for (int i = 0; i < count; ++i) {
-        const float frame = times[i] * framesPerTime;
-        const uint32_t fits = As_Bit(frame >= 0.0f && frame < MOST_REGULAR);
-        frames[i] = RegularArithmetic::Floor(Select(fits, frame, 0.0f)) +
-                    RegularArithmetic::Floor(Particle::Unit_ID(ids[i]) * randomFrames);
-        isRegular &= fits;
+        // Not negative and below the limit, by the order that their bits have.
+        const float frame = times[i] * framesPerTime + 0.0f; // a 0 without a sign
+        const uint32_t isRegular = frame >= 0.0f ? ~0u : 0u;
+        const uint32_t isSmall = frame < MOST_REGULAR ? isRegular : 0u;
+        const float kept = std::bit_cast<float>(std::bit_cast<uint32_t>(frame) & isSmall);
+        frames[i] = RegularArithmetic::Floor(kept);
+        if constexpr (Random) frames[i] += RegularArithmetic::Floor(Particle::Unit_ID(ids[i]) * randomFrames);
+        irregular |= ~isSmall;
     }
-    return isRegular != 0;
+    return irregular == 0;
 }
 
 void Find_Any_Frames(float *frames, const float *times, const uint32_t *ids, int count, float framesPerTime,
@@ -146,14 +191,21 @@ void vrMKPCellSequence::Set_Flips(bool isRandom)
 
 void vrMKPCellSequence::Write(float *origins, float *sizes, const float *times, const uint32_t *ids, int count) const
 {
+    const bool isEndless = PingPongBit == 0 && LoopLimit == std::numeric_limits<float>::infinity();
+    const bool isSimple = isEndless && Is_Whole(CellsPerRow) && FirstCell + FrameCount <= CellCount;
+    const bool flips = RandomFlipBit != 0;
+    const auto find = RandomFrames == 0.0f ? Find_Regular_Frames<false> : Find_Regular_Frames<true>;
+    const auto writeSimple = flips ? Write_Regular<true, true> : Write_Regular<true, false>;
+    const auto write = isSimple ? writeSimple : Write_Regular<false, true>;
+    const Sheet sheet(*this);
     float frames[BLOCK];
     for (int at = 0; at < count; at += BLOCK) {
         const int size = std::min(BLOCK, count - at);
-        if (IsRegular && Find_Regular_Frames(frames, times + at, ids + at, size, FramesPerTime, RandomFrames)) {
-            Write_Regular(origins + 2 * at, sizes + 2 * at, frames, ids + at, size, *this);
+        if (IsRegular && find(frames, times + at, ids + at, size, FramesPerTime, RandomFrames)) {
+            write(origins + 2 * at, sizes + 2 * at, frames, ids + at, size, sheet);
             continue;
         }
         Find_Any_Frames(frames, times + at, ids + at, size, FramesPerTime, RandomFrames);
-        Write_Any(origins + 2 * at, sizes + 2 * at, frames, ids + at, size, *this);
+        Write_Any(origins + 2 * at, sizes + 2 * at, frames, ids + at, size, sheet);
     }
 }

@@ -121,18 +121,6 @@ MK_INLINE uint32_t Mask(bool isTouched, const uint32_t *flags)
     return MayRest ? touched & ((*flags >> 1 & 1u) - 1u) : touched; // PARTICLE_STOPPED
 }
 
-/// Back from planes where that vectorises; `Particle::Join` is for where it doesn't. A loop doesn't write the channel
-/// by itself: the compiler would group its arithmetic by components, and repeat each square root and division for them.
-MK_INLINE void Interleave(Vector3 *to, const Particle::Planes &from, int count)
-{
-    float *__restrict floats = &to->x;
-    for (int i = 0; i < count; ++i) {
-        floats[3 * i] = from.X[i];
-        floats[3 * i + 1] = from.Y[i];
-        floats[3 * i + 2] = from.Z[i];
-    }
-}
-
 /// What a kernel reads besides the velocity, and what it writes.
 enum LoopForm
 {
@@ -141,7 +129,9 @@ enum LoopForm
     WRITES_POSITION
 };
 
-/// Runs the kernel on a block whose old values are under 0 on, and answers what is suspicious.
+/// Runs the kernel on a block whose old values are under 0 on, and answers what is suspicious. The new ones never go to
+/// the channels at once: the compiler would group the arithmetic by components, and repeat each square root and
+/// division for them.
 template <LoopForm Form, bool MayRest, typename Kernel, typename Vectors>
 MK_INLINE uint32_t Run_Kernel(const Kernel &kernel, int first, int count, const uint32_t *__restrict flags,
                               const Vectors &positions, const Vectors &velocities, Particle::Planes &newPositions,
@@ -174,16 +164,14 @@ MK_INLINE uint32_t Loop_Block(const Run &run, int first, int count, const Kernel
     if (Particle::Shuffles_Freely()) {
         suspicious = Run_Kernel<Form, MayRest>(kernel, first, count, flags, Particle::Interleaved{&position->x},
                                                Particle::Interleaved{&velocity->x}, positions, velocities);
-        Interleave(velocity, velocities, count);
-        if constexpr (Form == WRITES_POSITION) Interleave(position, positions, count);
     } else {
         if constexpr (Form != VELOCITY_ALONE) Particle::Split(positions, position, count);
         Particle::Split(velocities, velocity, count);
         suspicious =
             Run_Kernel<Form, MayRest>(kernel, first, count, flags, positions, velocities, positions, velocities);
-        Particle::Join(velocity, velocities, count);
-        if constexpr (Form == WRITES_POSITION) Particle::Join(position, positions, count);
     }
+    Particle::Join(velocity, velocities, count);
+    if constexpr (Form == WRITES_POSITION) Particle::Join(position, positions, count);
     return suspicious;
 }
 
@@ -264,13 +252,12 @@ MK_INLINE void Find_Pushes(const Run &run, int first, int count, const Kernel &k
     Particle::Planes planes;
     if (Particle::Shuffles_Freely()) {
         Find_Pushes<MayRest>(kernel, first, count, flags, Particle::Interleaved{&position->x}, planes);
-        Interleave(pushes, planes, count);
     } else {
         Particle::Planes positions;
         Particle::Split(positions, position, count);
         Find_Pushes<MayRest>(kernel, first, count, flags, positions, planes);
-        Particle::Join(pushes, planes, count);
     }
+    Particle::Join(pushes, planes, count);
 }
 
 /// Adds to the velocities what `kernel(i, position, push)` writes to the push. Less work than `Push`, since velocities

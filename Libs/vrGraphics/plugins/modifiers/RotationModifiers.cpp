@@ -1,6 +1,7 @@
 #include "vrGraphics/plugins/modifiers/RotationModifiers.h"
 
 #include "MKLib/MKMath/PortableMath.h"
+#include "vrGraphics/particle/VectorPlanes.h"
 #include "vrGraphics/particle/vrMKPRenderState.h"
 
 #include <bit>
@@ -21,7 +22,7 @@ BoolParameter *Add_Reverse(ParameterListClass &parameters, int32_t id)
 /// To the nearest step, halves away from zero.
 MK_INLINE uint32_t Nearest_Step(float steps)
 {
-    const int32_t whole = Particle::Truncate(steps);
+    const auto whole = static_cast<int32_t>(Particle::Truncate_Low_Bits(steps));
     const float rest = steps - static_cast<float>(whole);
     return static_cast<uint32_t>(whole + (rest >= 0.5f ? 1 : 0) - (rest <= -0.5f ? 1 : 0)) & STEP_MASK;
 }
@@ -145,12 +146,13 @@ MK_INLINE float Dot(const A &a, const B &b)
     return a.x * b.x + a.y * b.y + a.z * b.z;
 }
 
-template <bool World>
-MK_SIMD void Spin(uint32_t *__restrict rotations, const Vector3 *__restrict positions, const uint32_t *__restrict ids,
+template <bool World, typename Points>
+MK_SIMD void Spin(uint32_t *__restrict rotations, const Points &positions, const uint32_t *__restrict ids,
                   const float *__restrict envelope, int count, Mushroom dome)
 {
     for (int i = 0; i < count; ++i) {
-        const Vector3 position = World ? dome.ToLocal.Transform(positions[i]) : positions[i];
+        const Vector3 place = positions.At(i);
+        const Vector3 position = World ? dome.ToLocal.Transform(place) : place;
         const float height = Dot(position, dome.Axis);
         const Vector3 radial = Particle::Unit(
             {position.x - dome.Axis.x * height, position.y - dome.Axis.y * height, position.z - dome.Axis.z * height});
@@ -180,18 +182,18 @@ MK_INLINE uint32_t Aligned_Rotation(const Vector3 &velocity, const Screen &scree
     return Nearest_Step((angle * 0.15915494f + screen.Base) * STEPS_A_TURN);
 }
 
-template <bool World>
-MK_SIMD void Align_All(uint32_t *__restrict rotations, const Vector3 *__restrict velocities, int count, Screen screen)
+template <bool World, typename Points>
+MK_SIMD void Align_All(uint32_t *__restrict rotations, const Points &velocities, int count, Screen screen)
 {
-    for (int i = 0; i < count; ++i) rotations[i] = Aligned_Rotation<World>(velocities[i], screen);
+    for (int i = 0; i < count; ++i) rotations[i] = Aligned_Rotation<World>(velocities.At(i), screen);
 }
 
-template <bool World>
-MK_SIMD void Align_Moving(uint32_t *__restrict rotations, const Vector3 *__restrict velocities,
-                          const uint32_t *__restrict flags, int count, Screen screen)
+template <bool World, typename Points>
+MK_SIMD void Align_Moving(uint32_t *__restrict rotations, const Points &velocities, const uint32_t *__restrict flags,
+                          int count, Screen screen)
 {
     for (int i = 0; i < count; ++i) {
-        const uint32_t rotation = Aligned_Rotation<World>(velocities[i], screen);
+        const uint32_t rotation = Aligned_Rotation<World>(velocities.At(i), screen);
         rotations[i] = (flags[i] & PARTICLE_STOPPED) != 0 ? rotations[i] : rotation;
     }
 }
@@ -199,12 +201,14 @@ MK_SIMD void Align_Moving(uint32_t *__restrict rotations, const Vector3 *__restr
 template <bool World>
 void Align(vrMKPBuffer &buffer, vrMKPSpan span, bool onlyWhenMoving, const Screen &screen)
 {
-    uint32_t *rotations = buffer.Rotation + span.First;
     const Vector3 *velocities = buffer.Velocity + span.First;
-    if (onlyWhenMoving && buffer.MayHaveStopped)
-        Align_Moving<World>(rotations, velocities, buffer.Flags + span.First, span.Count, screen);
-    else
-        Align_All<World>(rotations, velocities, span.Count, screen);
+    Particle::For_Points(velocities, span.Count, [&](const auto &points, int at, int count) {
+        uint32_t *rotations = buffer.Rotation + span.First + at;
+        if (onlyWhenMoving && buffer.MayHaveStopped)
+            Align_Moving<World>(rotations, points, buffer.Flags + span.First + at, count, screen);
+        else
+            Align_All<World>(rotations, points, count, screen);
+    });
 }
 
 } // namespace
@@ -295,8 +299,14 @@ void vrMKPMushroomRotationModifier::Apply(vrMKPBuffer &buffer, int, vrMKPSpan sp
     float envelope[MKP_CURVE_BLOCK];
     For_Each_Curve_Block(span, [&](int first, int count) {
         Envelope->Evaluate_Many(buffer.Time + first, count, false, envelope);
-        auto *spin = buffer.Is_World() ? Spin<true> : Spin<false>;
-        spin(buffer.Rotation + first, buffer.Position + first, buffer.ID + first, envelope, count, dome);
+        Particle::For_Points(buffer.Position + first, count, [&](const auto &positions, int at, int size) {
+            uint32_t *rotations = buffer.Rotation + first + at;
+            const uint32_t *ids = buffer.ID + first + at;
+            if (buffer.Is_World())
+                Spin<true>(rotations, positions, ids, envelope + at, size, dome);
+            else
+                Spin<false>(rotations, positions, ids, envelope + at, size, dome);
+        });
     });
 }
 

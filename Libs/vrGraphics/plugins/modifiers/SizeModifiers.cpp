@@ -1,5 +1,6 @@
 #include "vrGraphics/plugins/modifiers/SizeModifiers.h"
 
+#include "vrGraphics/particle/VectorPlanes.h"
 #include "vrGraphics/particle/vrMKPRenderState.h"
 
 #include <algorithm>
@@ -167,12 +168,13 @@ struct SphericalTime
     }
 };
 
-template <bool World>
-MK_SIMD void Find_Spherical_Times(float *__restrict times, const Vector3 *__restrict positions, int count,
-                                  SphericalTime spherical)
+template <bool World, typename Points>
+MK_SIMD void Find_Spherical_Times(float *__restrict times, const Points &positions, int count, SphericalTime spherical)
 {
-    for (int i = 0; i < count; ++i)
-        times[i] = spherical.At(World ? positions[i] : spherical.ToWorld.Transform(positions[i]));
+    for (int i = 0; i < count; ++i) {
+        const Vector3 position = positions.At(i);
+        times[i] = spherical.At(World ? position : spherical.ToWorld.Transform(position));
+    }
 }
 
 struct NearAndFar
@@ -184,12 +186,12 @@ struct NearAndFar
     float Difference;
 };
 
-MK_SIMD void Write_Near_And_Far(Vector2 *__restrict sizes, const Vector3 *__restrict positions, int count,
-                                NearAndFar ramp)
+template <typename Points>
+MK_SIMD void Write_Near_And_Far(Vector2 *__restrict sizes, const Points &positions, int count, NearAndFar ramp)
 {
     for (int i = 0; i < count; ++i) {
-        const float distance =
-            positions[i].x * ramp.Axis.x + positions[i].y * ramp.Axis.y + positions[i].z * ramp.Axis.z;
+        const Vector3 position = positions.At(i);
+        const float distance = position.x * ramp.Axis.x + position.y * ramp.Axis.y + position.z * ramp.Axis.z;
         const float size = ramp.NearSize + Particle::Clamp_01((distance - ramp.Near) / ramp.Span) * ramp.Difference;
         sizes[i] = {size, size};
     }
@@ -324,10 +326,12 @@ void vrMKPKeyedSphericalSizeModifier::Apply(vrMKPBuffer &buffer, int, vrMKPSpan 
                                   difference <= 0.0f ? LEAST_SPAN : difference};
     float times[MKP_CURVE_BLOCK];
     For_Each_Curve_Block(span, [&](int first, int count) {
-        if (buffer.Is_World())
-            Find_Spherical_Times<true>(times, buffer.Position + first, count, spherical);
-        else
-            Find_Spherical_Times<false>(times, buffer.Position + first, count, spherical);
+        Particle::For_Points(buffer.Position + first, count, [&](const auto &positions, int at, int size) {
+            if (buffer.Is_World())
+                Find_Spherical_Times<true>(times + at, positions, size, spherical);
+            else
+                Find_Spherical_Times<false>(times + at, positions, size, spherical);
+        });
         Write_Keyed_Sizes(buffer, first, count, times, 1.0f);
     });
 }
@@ -348,10 +352,12 @@ void vrMKPNearAndFarUniformSizeModifier::Apply(vrMKPBuffer &buffer, int, vrMKPSp
     const Vector3 toCamera = state.Camera.Get_Translation() - state.Get_Position();
     const Vector3 axis = Particle::Unit({toCamera.x, toCamera.y, 0.0f});
     const float distance = FarDistance->Get_Value() - NearDistance->Get_Value();
-    Write_Near_And_Far(buffer.Size + span.First, buffer.Position + span.First, span.Count,
-                       {.Axis = buffer.Is_World() ? axis : state.InverseTransform.Rotate(axis),
-                        .Near = NearDistance->Get_Value(),
-                        .Span = distance == 0.0f ? LEAST_SPAN : distance,
-                        .NearSize = NearSize->Get_Value(),
-                        .Difference = FarSize->Get_Value() - NearSize->Get_Value()});
+    const NearAndFar ramp{.Axis = buffer.Is_World() ? axis : state.InverseTransform.Rotate(axis),
+                          .Near = NearDistance->Get_Value(),
+                          .Span = distance == 0.0f ? LEAST_SPAN : distance,
+                          .NearSize = NearSize->Get_Value(),
+                          .Difference = FarSize->Get_Value() - NearSize->Get_Value()};
+    Particle::For_Points(buffer.Position + span.First, span.Count, [&](const auto &positions, int at, int count) {
+        Write_Near_And_Far(buffer.Size + span.First + at, positions, count, ramp);
+    });
 }

@@ -48,7 +48,7 @@ MK_SIMD bool Brake(const Run &run, const float *__restrict frictions, float fram
         const float part = Particle::Clamp_01(frameTime * frictions[i]);
         const float speed = std::sqrt(Dot(velocity, velocity));
         const Vector3 slower = Minus(velocity, Times(Times(Particle::Unit(velocity), speed), part));
-        const bool rests = speed < 0.01f;
+        const bool rests = (speed < 0.01f) | (part >= 1.0f); // what is left of a full stop would be rounding
         velocity = {rests ? 0.0f : slower.x, rests ? 0.0f : slower.y, rests ? 0.0f : slower.z};
         return true;
     });

@@ -17,59 +17,50 @@ using namespace Motion;
 // Indices into this are a file format.
 constexpr const char *CLOCK_TYPES[] = {"Linear", "Square", "Triangle", "Sin"};
 
+/// Below this, and not negative, floats are regular: their whole part is a conversion.
+constexpr float MOST_REGULAR = 4194304.0f;
+
 /// x - floor(x). Floats from 2^23 on have no fraction.
+template <bool Regular>
 MK_INLINE float Fraction(float x)
 {
-    const auto whole = static_cast<float>(Particle::Truncate(x));
-    const float floored = whole > x ? whole - 1.0f : whole;
-    return std::abs(x) < 8388608.0f ? x - floored : 0.0f;
+    if constexpr (Regular) return x - static_cast<float>(static_cast<int32_t>(x));
+    const float kept = std::abs(x) < 8388608.0f ? x : 0.0f;
+    const auto whole = static_cast<float>(static_cast<int32_t>(kept));
+    const float floored = whole > kept ? whole - 1.0f : whole;
+    return kept - floored;
 }
 
-/// Whether trunc(x) is odd. Where the conversion reaches its limits floats are even, and so are the limits.
-MK_INLINE bool Is_Odd(float x)
+/// All ones where trunc(x) is odd, or else 0. Where the conversion reaches its limits floats are even.
+template <bool Regular>
+MK_INLINE uint32_t Odd_Mask(float x)
 {
-    return (Particle::Truncate(x) & 1) != 0;
+    const uint32_t whole = Regular ? static_cast<uint32_t>(static_cast<int32_t>(x)) : Particle::Truncate_Low_Bits(x);
+    return 0u - (whole & 1u);
 }
 
 /// The signal at so many intervals after the start, 0 to 1.
-template <int Type>
+template <int Type, bool Regular>
 MK_INLINE float Signal(float intervals)
 {
-    if constexpr (Type == vrMKPClockModifier::CLOCK_SQUARE) return Is_Odd(intervals * 2.0f) ? 1.0f : 0.0f;
+    const float twice = intervals * 2.0f;
+    if constexpr (Type == vrMKPClockModifier::CLOCK_SQUARE) return Select_Bits(Odd_Mask<Regular>(twice), 1.0f, 0.0f);
     if constexpr (Type == vrMKPClockModifier::CLOCK_TRIANGLE) {
-        const float x = intervals * 2.0f;
-        const float rise = Fraction(x);
-        return Is_Odd(x) ? 1.0f - rise : rise;
+        const float rise = Fraction<Regular>(twice);
+        return Select_Bits(Odd_Mask<Regular>(twice), 1.0f - rise, rise);
     }
     if constexpr (Type == vrMKPClockModifier::CLOCK_SINE)
         return (static_cast<float>(Portable::Sine(static_cast<double>(intervals * Particle::TWO_PI))) + 1.0f) * 0.5f;
-    return Fraction(intervals);
+    return Fraction<Regular>(intervals);
 }
 
-template <int Type>
-MK_INLINE void Write_Signal(float *__restrict times, const uint32_t *__restrict ids, int count, float start,
-                            bool invert)
+template <int Type, bool Regular>
+MK_SIMD void Write_Signals(float *__restrict times, const uint32_t *__restrict ids, int count, float start, bool invert)
 {
     for (int i = 0; i < count; ++i) {
-        const float signal = Signal<Type>(start + Particle::Unit_ID(ids[i]));
+        const float signal = Signal<Type, Regular>(start + Particle::Unit_ID(ids[i]));
         times[i] = invert ? 1.0f - signal : signal;
     }
-}
-MK_SIMD void Write_Linear(float *times, const uint32_t *ids, int count, float start, bool invert)
-{
-    Write_Signal<vrMKPClockModifier::CLOCK_LINEAR>(times, ids, count, start, invert);
-}
-MK_SIMD void Write_Square(float *times, const uint32_t *ids, int count, float start, bool invert)
-{
-    Write_Signal<vrMKPClockModifier::CLOCK_SQUARE>(times, ids, count, start, invert);
-}
-MK_SIMD void Write_Triangle(float *times, const uint32_t *ids, int count, float start, bool invert)
-{
-    Write_Signal<vrMKPClockModifier::CLOCK_TRIANGLE>(times, ids, count, start, invert);
-}
-MK_SIMD void Write_Sine(float *times, const uint32_t *ids, int count, float start, bool invert)
-{
-    Write_Signal<vrMKPClockModifier::CLOCK_SINE>(times, ids, count, start, invert);
 }
 
 /// One form of the clock: its value, and the loop where each particle has one of its own.
@@ -78,12 +69,20 @@ struct ClockForm
     float (*Value)(float intervals);
     void (*Write)(float *times, const uint32_t *ids, int count, float start, bool invert);
 };
+template <int Type>
+constexpr ClockForm Make_Clock_Form()
+{
+    return {[](float intervals) { return Signal<Type, false>(intervals); },
+            [](float *times, const uint32_t *ids, int count, float start, bool invert) {
+                if (start >= 0.0f && start < MOST_REGULAR - 1.0f)
+                    Write_Signals<Type, true>(times, ids, count, start, invert);
+                else
+                    Write_Signals<Type, false>(times, ids, count, start, invert);
+            }};
+}
 constexpr ClockForm CLOCK_FORMS[] = {
-    {[](float intervals) { return Signal<vrMKPClockModifier::CLOCK_LINEAR>(intervals); }, Write_Linear},
-    {[](float intervals) { return Signal<vrMKPClockModifier::CLOCK_SQUARE>(intervals); }, Write_Square},
-    {[](float intervals) { return Signal<vrMKPClockModifier::CLOCK_TRIANGLE>(intervals); }, Write_Triangle},
-    {[](float intervals) { return Signal<vrMKPClockModifier::CLOCK_SINE>(intervals); }, Write_Sine},
-};
+    Make_Clock_Form<vrMKPClockModifier::CLOCK_LINEAR>(), Make_Clock_Form<vrMKPClockModifier::CLOCK_SQUARE>(),
+    Make_Clock_Form<vrMKPClockModifier::CLOCK_TRIANGLE>(), Make_Clock_Form<vrMKPClockModifier::CLOCK_SINE>()};
 static_assert(std::size(CLOCK_FORMS) == std::size(CLOCK_TYPES));
 
 struct DistanceTime
@@ -94,14 +93,12 @@ struct DistanceTime
     bool Invert;
 };
 
-template <bool Smooth>
-MK_INLINE void Write_Distance(float *__restrict times, const Vector3 *points, int count, const DistanceTime &from)
+template <bool Smooth, typename Points>
+MK_SIMD void Write_Distance(float *__restrict times, const Points &positions, int count, DistanceTime law)
 {
-    const DistanceTime law = from;
-    const float *__restrict positions = &points->x;
     const float width = law.Outer - law.Inner;
     for (int i = 0; i < count; ++i) {
-        const Vector3 way = Minus({positions[3 * i], positions[3 * i + 1], positions[3 * i + 2]}, law.Target);
+        const Vector3 way = Minus(positions.At(i), law.Target);
         const float distance = std::sqrt(Dot(way, way));
         float time = Particle::Clamp_01((distance - law.Inner) / width);
         if constexpr (Smooth) {
@@ -111,14 +108,6 @@ MK_INLINE void Write_Distance(float *__restrict times, const Vector3 *points, in
         }
         times[i] = law.Invert ? time : 1.0f - time;
     }
-}
-MK_SIMD void Write_Linear_Distance(float *times, const Vector3 *points, int count, const DistanceTime &law)
-{
-    Write_Distance<false>(times, points, count, law);
-}
-MK_SIMD void Write_Smooth_Distance(float *times, const Vector3 *points, int count, const DistanceTime &law)
-{
-    Write_Distance<true>(times, points, count, law);
 }
 
 } // namespace
@@ -137,8 +126,13 @@ void vrMKPDistanceKeyTimeModifier::Apply(vrMKPBuffer &buffer, int index, vrMKPSp
 {
     const DistanceTime law = {Get_Buffer_Target(buffer, index), InnerRadius->Get_Value(), OuterRadius->Get_Value(),
                               Invert->Get_Value()};
-    const auto write = Smooth->Get_Value() ? Write_Smooth_Distance : Write_Linear_Distance;
-    write(buffer.Time + span.First, buffer.Position + span.First, span.Count, law);
+    Particle::For_Points(buffer.Position + span.First, span.Count, [&](const auto &positions, int at, int count) {
+        float *times = buffer.Time + span.First + at;
+        if (Smooth->Get_Value())
+            Write_Distance<true>(times, positions, count, law);
+        else
+            Write_Distance<false>(times, positions, count, law);
+    });
 }
 
 vrMKPClockModifier::vrMKPClockModifier()

@@ -28,7 +28,7 @@ public:
         float Overshoot = 0.0f; ///< seconds since the death
     };
 
-    /// Deaf until the layer's next frame, as ahead of its first: what the parent simulates until then isn't heard.
+    /// Deaf until it has found its parent again, as ahead of its first run.
     void Reset() override
     {
         Deaths.clear();

@@ -1,6 +1,6 @@
 #include "vrGraphics/plugins/stompers/StompLoops.h"
 
-#include "MKLib/MKMath/Simd.h"
+#include "vrGraphics/particle/VectorPlanes.h"
 
 namespace
 {
@@ -34,30 +34,17 @@ MK_SIMD int Count_Ages(const float *__restrict age, const float *__restrict maxA
 }
 
 /// `SIGN` 1 marks what is above the limit, -1 what is below it.
-template <int SIGN>
-MK_INLINE void Mark_Distances(const float *__restrict at, int count, const Vector3 &center, float limit,
-                              uint8_t *__restrict dead)
+template <int SIGN, typename Points>
+MK_SIMD void Mark_Distances(const Points &positions, int count, Vector3 center, float limit, uint8_t *__restrict dead)
 {
-    const float cx = center.x;
-    const float cy = center.y;
-    const float cz = center.z;
     for (int i = 0; i < count; ++i) {
-        const float x = at[i * 3] - cx;
-        const float y = at[i * 3 + 1] - cy;
-        const float z = at[i * 3 + 2] - cz;
+        const Vector3 position = positions.At(i);
+        const float x = position.x - center.x;
+        const float y = position.y - center.y;
+        const float z = position.z - center.z;
         const float squared = x * x + y * y + z * z;
         dead[i] = (SIGN > 0 ? squared > limit : squared <= limit) ? 1 : 0;
     }
-}
-
-MK_SIMD void Mark_Far(const float *at, int count, const Vector3 &center, float limit, uint8_t *dead)
-{
-    Mark_Distances<1>(at, count, center, limit, dead);
-}
-
-MK_SIMD void Mark_Near(const float *at, int count, const Vector3 &center, float limit, uint8_t *dead)
-{
-    Mark_Distances<-1>(at, count, center, limit, dead);
 }
 
 MK_SIMD void Mark_Coordinates(const float *__restrict values, int count, float sign, float limit,
@@ -66,12 +53,13 @@ MK_SIMD void Mark_Coordinates(const float *__restrict values, int count, float s
     for (int i = 0; i < count; ++i) dead[i] = values[i * 3] * sign > limit ? 1 : 0;
 }
 
-MK_SIMD void Mark_Rows(const float *__restrict at, int count, const Vector4 &row, float sign, float limit,
+template <typename Points>
+MK_SIMD void Mark_Rows(const Points &positions, int count, Vector4 row, float sign, float limit,
                        uint8_t *__restrict dead)
 {
-    const Vector4 r = row;
     for (int i = 0; i < count; ++i) {
-        const float value = r.x * at[i * 3] + r.y * at[i * 3 + 1] + r.z * at[i * 3 + 2] + r.w;
+        const Vector3 position = positions.At(i);
+        const float value = row.x * position.x + row.y * position.y + row.z * position.z + row.w;
         dead[i] = value * sign > limit ? 1 : 0;
     }
 }
@@ -100,13 +88,17 @@ int Count_Aged(const float *age, const float *maxAge, int count, float dt, int &
 
 int Mark_Beyond(const Vector3 *positions, int count, const Vector3 &center, float squaredRadius, uint8_t *dead)
 {
-    Mark_Far(&positions->x, count, center, squaredRadius, dead);
+    Particle::For_Points(positions, count, [&](const auto &points, int at, int size) {
+        Mark_Distances<1>(points, size, center, squaredRadius, dead + at);
+    });
     return Count_Marks(dead, count);
 }
 
 int Mark_Within(const Vector3 *positions, int count, const Vector3 &center, float squaredRadius, uint8_t *dead)
 {
-    Mark_Near(&positions->x, count, center, squaredRadius, dead);
+    Particle::For_Points(positions, count, [&](const auto &points, int at, int size) {
+        Mark_Distances<-1>(points, size, center, squaredRadius, dead + at);
+    });
     return Count_Marks(dead, count);
 }
 
@@ -121,7 +113,9 @@ int Mark_Mapped(const Vector3 *positions, int count, const Vector4 &row, Compari
                 uint8_t *dead)
 {
     const float sign = Sign_Of(comparison);
-    Mark_Rows(&positions->x, count, row, sign, limit * sign, dead);
+    Particle::For_Points(positions, count, [&](const auto &points, int at, int size) {
+        Mark_Rows(points, size, row, sign, limit * sign, dead + at);
+    });
     return Count_Marks(dead, count);
 }
 

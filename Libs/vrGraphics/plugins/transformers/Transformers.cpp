@@ -3,11 +3,14 @@
 #include "MKLib/MKDebug/Assert.h"
 #include "MKLib/Parameters/SimpleParameters.h"
 #include "vrGraphics/particle/ParticleMath.h"
+#include "vrGraphics/particle/VectorPlanes.h"
 #include "vrGraphics/particle/vrBounds.h"
 #include "vrGraphics/particle/vrHWParticleBuffer.h"
 #include "vrGraphics/particle/vrMKPRenderState.h"
 
 #include <algorithm>
+#include <bit>
+#include <cmath>
 #include <cstring>
 
 namespace
@@ -16,6 +19,8 @@ namespace
 /// How often a tile may fit into a coordinate for the remainder to be exact in double precision: the quotient of two
 /// floats well below 2^28, when rounded, never crosses a whole number.
 constexpr float MAX_TILES = 1 << 27;
+/// The same where tiles are taken off one power of two at a time, which is exact, too.
+constexpr float FEW_TILES = 8.0f;
 
 struct Tiling
 {
@@ -24,8 +29,23 @@ struct Tiling
     float ZOffset;
 };
 
-/// The remainder of `value` by `size` with the sign of `value`, the same as std::fmod's to the last bit. Expects less
-/// than 2^28 tiles.
+// Each is the remainder of `value` by `size` with the sign of `value`, the same as std::fmod's to the last bit.
+
+struct FewRemainder
+{
+    /// Less `part` if that is no more than there is. On bits, whose order is that of floats that aren't negative.
+    MK_INLINE static float Take_Off(float value, float part)
+    {
+        const uint32_t fits = value >= part ? ~0u : 0u;
+        return value - std::bit_cast<float>(std::bit_cast<uint32_t>(part) & fits);
+    }
+    MK_INLINE static float Of(float value, float size)
+    {
+        const float rest = Take_Off(Take_Off(Take_Off(std::abs(value), size * 4.0f), size * 2.0f), size);
+        return std::copysign(rest, value);
+    }
+};
+
 struct FastRemainder
 {
     MK_INLINE static float Of(float value, float size)
@@ -49,50 +69,72 @@ MK_INLINE float Tile(float value, float size)
     return Remainder::Of(value + shift, size) - shift;
 }
 
-template <typename Remainder>
-MK_INLINE void Tile_Points(float *__restrict to, const float *__restrict from, int count, const Tiling &tiling,
+template <typename Remainder, typename Points>
+MK_INLINE void Tile_Points(Particle::Planes &__restrict to, const Points &from, int count, const Tiling &tiling,
                            const Mat3DClass &camera)
 {
-    const Vector4 rx = camera.Row[0];
-    const Vector4 ry = camera.Row[1];
-    const Vector4 rz = camera.Row[2];
     const Vector2 size = tiling.Size;
-    const float depth = tiling.Depth;
-    const float offset = tiling.ZOffset;
     for (int at = 0; at < count; ++at) {
-        const float x = Tile<Remainder>(from[at * 3], size.x);
-        const float y = Tile<Remainder>(from[at * 3 + 1], size.y);
-        const float z = from[at * 3 + 2] * depth - offset;
-        to[at * 3] = rx.x * x + rx.y * y + rx.z * z + rx.w;
-        to[at * 3 + 1] = ry.x * x + ry.y * y + ry.z * z + ry.w;
-        to[at * 3 + 2] = rz.x * x + rz.y * y + rz.z * z + rz.w;
+        const Vector3 point = from.At(at);
+        to.Put(at, camera.Transform({Tile<Remainder>(point.x, size.x), Tile<Remainder>(point.y, size.y),
+                                     point.z * tiling.Depth - tiling.ZOffset}));
     }
 }
 
-MK_SIMD void Tile_Fast(float *to, const float *from, int count, const Tiling &tiling, const Mat3DClass &camera)
+template <typename Remainder, typename Points>
+MK_SIMD void Tile_Quickly(Particle::Planes &__restrict to, const Points &from, int count, Tiling tiling,
+                          Mat3DClass camera)
 {
-    Tile_Points<FastRemainder>(to, from, count, tiling, camera);
+    Tile_Points<Remainder>(to, from, count, tiling, camera);
 }
 
-void Tile_Any(float *to, const float *from, int count, const Tiling &tiling, const Mat3DClass &camera)
-{
-    Tile_Points<AnyRemainder>(to, from, count, tiling, camera);
-}
-
-/// Up to which coordinate the fast remainder holds.
-float Fast_Limit(float size)
+/// Up to which coordinate a remainder holds that is right for so many tiles.
+float Limit_For(float size, float tiles)
 {
     constexpr float GREATEST = 1e30f;
-    return size < GREATEST ? std::min(size * MAX_TILES, GREATEST) : 0.0f;
+    constexpr float LEAST = 1e-30f; // the tiles of a smaller size aren't exact
+    return size < GREATEST && size > LEAST ? std::min(size * tiles, GREATEST) : 0.0f;
 }
 
-/// Whether all of them are below the limits.
-MK_SIMD bool Is_In_Range(const float *__restrict from, int count, float limitX, float limitY)
+struct Reach
 {
-    int outside = 0;
-    for (int at = 0; at < count; ++at)
-        outside += (std::abs(from[at * 3]) < limitX ? 0 : 1) + (std::abs(from[at * 3 + 1]) < limitY ? 0 : 1);
-    return outside == 0;
+    float X;
+    float Y;
+};
+
+/// The greatest coordinates, or infinity where one is no number.
+template <typename Points>
+MK_SIMD Reach Find_Reach(const Points &from, int count)
+{
+    // On bits, which have the order of the floats, with what is no number on top.
+    uint32_t greatestX = 0;
+    uint32_t greatestY = 0;
+    for (int at = 0; at < count; ++at) {
+        const Vector3 point = from.At(at);
+        const uint32_t x = std::bit_cast<uint32_t>(point.x) & 0x7fffffffu;
+        const uint32_t y = std::bit_cast<uint32_t>(point.y) & 0x7fffffffu;
+        greatestX = x > greatestX ? x : greatestX;
+        greatestY = y > greatestY ? y : greatestY;
+    }
+    return {std::bit_cast<float>(greatestX), std::bit_cast<float>(greatestY)};
+}
+
+/// A block of particles. No comparison holds for what is no number.
+template <typename Points>
+void Tile_Block(Vector3 *to, const Points &from, int count, const Tiling &tiling, const Mat3DClass &camera)
+{
+    const Reach reach = Find_Reach(from, count);
+    const auto isWithin = [&](float tiles) {
+        return reach.X < Limit_For(tiling.Size.x, tiles) && reach.Y < Limit_For(tiling.Size.y, tiles);
+    };
+    Particle::Planes tiled;
+    if (isWithin(FEW_TILES - 1.0f)) // a half is added
+        Tile_Quickly<FewRemainder>(tiled, from, count, tiling, camera);
+    else if (isWithin(MAX_TILES))
+        Tile_Quickly<FastRemainder>(tiled, from, count, tiling, camera);
+    else
+        Tile_Points<AnyRemainder>(tiled, from, count, tiling, camera);
+    Particle::Join(to, tiled, count);
 }
 
 } // namespace
@@ -133,12 +175,14 @@ void vrMKPScreenTransformer::Transform_For_View(vrMKPBuffer *buffer, const Mat3D
     if (!MK_VERIFY(buffer && camera, "buffer == NULL || camera == NULL")) return;
     const Tiling tiling{
         {Width->Get_Value(), Height->Get_Value()}, EnableZClamp->Get_Value() ? 0.0f : 1.0f, ZOffset->Get_Value()};
-    for (const vrMKPSpan span : buffer->Live_Spans()) {
-        float *to = &buffer->WorldPosition[span.First].x;
-        const float *from = &buffer->Position[span.First].x;
-        const bool isFast = Is_In_Range(from, span.Count, Fast_Limit(tiling.Size.x), Fast_Limit(tiling.Size.y));
-        (isFast ? Tile_Fast : Tile_Any)(to, from, span.Count, tiling, *camera);
-    }
+    for (const vrMKPSpan span : buffer->Live_Spans())
+        for (int done = 0; done < span.Count; done += Particle::Planes::BLOCK) {
+            const int slot = span.First + done;
+            Particle::For_Points(buffer->Position + slot, std::min(Particle::Planes::BLOCK, span.Count - done),
+                                 [&](const auto &points, int at, int count) {
+                                     Tile_Block(buffer->WorldPosition + slot + at, points, count, tiling, *camera);
+                                 });
+        }
     // The camera looks down the negative of its third axis, so that this is the place in front of it.
     bounds.Center = camera->Get_Translation() - Particle::Unit(camera->Get_Axis(2)) * tiling.ZOffset;
     bounds.Extent = Vector3(VIEW_BOUNDS_EXTENT);
