@@ -24,7 +24,7 @@ constexpr float PRE_SIMULATION_STEP = 0.033f;
 constexpr double PRE_SIMULATION_RATE = 30.30303; ///< steps a second
 /// What a file may ask for at most: ten times the greatest value of the parameter, and a second or two of work.
 constexpr int MAX_PRE_SIMULATION_STEPS = 3030;
-constexpr int64_t MAX_PRE_SIMULATED_PARTICLES = 1 << 28; ///< in all steps together, were the ring full
+constexpr int64_t MAX_PRE_SIMULATED_PARTICLES = 1 << 26; ///< in all steps together, were the ring full
 
 /// Frames ahead of the start are charged too, which comes to more than an int holds.
 void Count(int &total, int count)

@@ -127,6 +127,22 @@ TEST(Frame, PreSimulationRunsWholeStepsOnceAndCountsThem)
     EXPECT_EQ(stage.Group->Get_State().ParticleCount, 5);
 }
 
+TEST(Frame, WhatRunsAheadOfAStartIsBoundedByTheRingThatItComesToHave)
+{
+    Stage stage;
+    vrMKParticle &parent = stage.Add_Layer("parent");
+    Set(parent.Get_Spawner(), "Particles / Second", 1000000.0f);
+    vrMKParticle &slave = stage.Add_Layer("slave", 95);
+    dynamic_cast<StringParameterClass &>(*slave.Get_Spawner()->Get_Parameter_By_Name("Parent Name")).Set_Value("parent");
+    Set(slave.Get_Spawner(), "PreSimulateSeconds", 100.0f);
+    const MKTest::Reports reports;
+    stage.Play(1, 0.0f);
+    EXPECT_EQ(slave.Get_Buffer()->Capacity, parent.Get_Buffer()->Capacity);
+    // 2^26 particle steps of a ring of 1.1 million are 62, and one more with the first, small one.
+    EXPECT_EQ(reports.Count_Logs("Layer \"slave\" asks for 100 seconds ahead of its start, gets 2.0"), 1)
+        << reports.Get_Text();
+}
+
 TEST(Frame, ALayerRunsByItsQualityChanceIndexAndHiding)
 {
     const struct

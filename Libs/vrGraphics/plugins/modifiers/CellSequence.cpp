@@ -128,14 +128,13 @@ MK_SIMD bool Find_Regular_Frames(float *__restrict frames, const float *__restri
 {
     uint32_t irregular = 0;
     for (int i = 0; i < count; ++i) {
-        // Not negative and below the limit, by the order that their bits have.
         const float frame = times[i] * framesPerTime + 0.0f; // a 0 without a sign
-        const uint32_t isRegular = frame >= 0.0f ? ~0u : 0u;
-        const uint32_t isSmall = frame < MOST_REGULAR ? isRegular : 0u;
-        const float kept = std::bit_cast<float>(std::bit_cast<uint32_t>(frame) & isSmall);
-        frames[i] = RegularArithmetic::Floor(kept);
-        if constexpr (Random) frames[i] += RegularArithmetic::Floor(Particle::Unit_ID(ids[i]) * randomFrames);
-        irregular |= ~isSmall;
+        const uint32_t isPositive = frame >= 0.0f ? ~0u : 0u;
+        const uint32_t isSmall = frame < MOST_REGULAR ? ~0u : 0u;
+        const uint32_t kept = std::bit_cast<uint32_t>(frame) & isPositive & isSmall;
+        const float ahead = Random ? RegularArithmetic::Floor(Particle::Unit_ID(ids[i]) * randomFrames) : 0.0f;
+        frames[i] = RegularArithmetic::Floor(std::bit_cast<float>(kept)) + ahead;
+        irregular |= std::bit_cast<uint32_t>(frame) ^ kept;
     }
     return irregular == 0;
 }
