@@ -98,6 +98,12 @@ bool vrMKParticleGroup::Needs_Serial_Frame() const
                        [](const auto &particle) { return particle->Needs_Serial_Frame(); });
 }
 
+void vrMKParticleGroup::Fetch_Particles() const
+{
+    for (const auto &particle : Particles)
+        if (const vrMKPBuffer *buffer = particle->Get_Buffer()) buffer->Fetch();
+}
+
 void vrMKParticleGroup::Think_Particles(float dt)
 {
     if (Is_Ended()) return;

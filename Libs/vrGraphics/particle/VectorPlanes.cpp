@@ -19,6 +19,16 @@ void Store(float *to, const Floats &floats)
     *reinterpret_cast<Floats *>(to) = floats;
 }
 
+MK_SIMD void Split_Freely(float *__restrict x, float *__restrict y, float *__restrict z, const float *__restrict from,
+                          int count)
+{
+    for (int i = 0; i < count; ++i) {
+        x[i] = from[3 * i];
+        y[i] = from[3 * i + 1];
+        z[i] = from[3 * i + 2];
+    }
+}
+
 MK_SIMD void Join_Freely(float *__restrict to, const float *__restrict x, const float *__restrict y,
                          const float *__restrict z, int count)
 {
@@ -64,6 +74,7 @@ bool Shuffles_Freely()
 void Split(Planes &to, const Vector3 *from, int count)
 {
     const float *source = &from->x;
+    if (Shuffles_Freely()) return Split_Freely(to.X, to.Y, to.Z, source, count);
     int at = 0;
     for (; at + 4 <= count; at += 4) {
         const Floats a = Load(source + at * 3);     // x0 y0 z0 x1

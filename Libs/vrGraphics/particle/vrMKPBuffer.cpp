@@ -252,6 +252,28 @@ void vrMKPBuffer::Share_World_Positions(bool shared)
     WorldPosition = shared ? Position : static_cast<Vector3 *>(Channels[MKP_WORLD_POSITION]);
 }
 
+void vrMKPBuffer::Fetch() const
+{
+    constexpr int LARGEST = 4096;
+    constexpr size_t PAGE = 4096;
+    constexpr size_t LINE = 64;
+    constexpr size_t LINES = 4;
+    if (ActiveCount == 0 || Capacity > LARGEST) return;
+    const auto fetch = [this](const auto *channel) {
+        const auto *begin = reinterpret_cast<const char *>(channel);
+        for (size_t page = 0; page < sizeof(*channel) * static_cast<size_t>(Capacity); page += PAGE)
+            for (size_t line = 0; line < LINES; ++line) __builtin_prefetch(begin + page + line * LINE, 1);
+    };
+    fetch(Age);
+    fetch(Time);
+    fetch(Position);
+    fetch(PreviousPosition);
+    fetch(Velocity);
+    fetch(Color);
+    fetch(Size);
+    fetch(Rotation);
+}
+
 void vrMKPBuffer::Offset_Positions(const Vector3 &delta)
 {
     if (!Is_World()) return;

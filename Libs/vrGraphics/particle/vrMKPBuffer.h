@@ -117,6 +117,10 @@ public:
     /// Moves world-space particles with their owner.
     void Offset_Positions(const Vector3 &delta);
 
+    /// A hint that a frame comes: fetches the beginnings of what it reads, page by page, where the processor's own
+    /// prefetching has to start anew. Of small rings; others keep that busy.
+    void Fetch() const;
+
     bool Is_World() const { return TransformType == MKP_TRANSFORM_WORLD; }
     /// Tells the layers that spawn from this one's deaths.
     void Notify_Death(int slot, float overshoot) const;

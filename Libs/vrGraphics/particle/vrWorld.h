@@ -7,8 +7,16 @@
 #include "MKLib/MKMath/Mat3D.h"
 
 #include <cstdint>
+#include <limits>
 #include <span>
 #include <string_view>
+
+/// What the heights of a ground lie within; more than it takes is right, too.
+struct vrHeightRange
+{
+    float Least;
+    float Greatest;
+};
 
 /// Ground with one height at each place.
 class vrTerrain
@@ -17,6 +25,11 @@ public:
     virtual ~vrTerrain() = default;
     /// World units.
     virtual float Get_Height(float x, float y) const = 0;
+    /// Spares queries for what is above or below all of the ground. Without limits where a ground doesn't know any.
+    virtual vrHeightRange Get_Height_Range() const
+    {
+        return {-std::numeric_limits<float>::infinity(), std::numeric_limits<float>::infinity()};
+    }
     /// Whether the way from one point to another goes through the ground from above, where first, and the unit normal
     /// of the ground there.
     virtual bool Intersect_Segment(const Vector3 &from, const Vector3 &to, Vector3 &hit, Vector3 &normal) const = 0;
@@ -26,7 +39,7 @@ public:
 struct vrSpawnMesh
 {
     std::span<const Vector3> Vertices;
-    std::span<const Vector3> Normals; ///< one a vertex, of unit length; may be empty
+    std::span<const Vector3> Normals;  ///< one a vertex, of unit length; may be empty
     std::span<const uint32_t> Indices; ///< three a triangle
     int Bone = -1;                     ///< the bone that it hangs on; -1 for the model itself
 };

@@ -52,6 +52,21 @@ double Find_Descent(double a, double b, double c)
     return root <= 1.0 ? root : -1.0;
 }
 
+/// A little wider than the heights are, for what rounding does between them. No limits where one is no number.
+vrHeightRange Find_Range(const std::vector<float> &heights)
+{
+    vrHeightRange range{std::numeric_limits<float>::infinity(), -std::numeric_limits<float>::infinity()};
+    bool areNumbers = true;
+    for (const float height : heights) {
+        range.Least = std::min(range.Least, height);
+        range.Greatest = std::max(range.Greatest, height);
+        areNumbers &= std::isfinite(height);
+    }
+    if (!areNumbers) return {-std::numeric_limits<float>::infinity(), std::numeric_limits<float>::infinity()};
+    const float margin = std::max(std::fabs(range.Least), std::fabs(range.Greatest)) * 1e-6f;
+    return {range.Least - margin, range.Greatest + margin};
+}
+
 } // namespace
 
 vrHeightField::vrHeightField(const std::vector<uint8_t> &levels, int columns, int rows, float sizeX, float sizeY,
@@ -64,6 +79,7 @@ vrHeightField::vrHeightField(const std::vector<uint8_t> &levels, int columns, in
     MK_ASSERT(sizeX > 0.0f && sizeY > 0.0f, "sizeX > 0.0f && sizeY > 0.0f");
     Heights.reserve(levels.size());
     for (const uint8_t level : levels) Heights.push_back(float(level) / 255.0f * height);
+    Range = Find_Range(Heights);
 }
 
 int vrHeightField::Column_Of(double gridX) const

@@ -17,6 +17,7 @@ public:
     vrHeightField(const std::vector<uint8_t> &levels, int columns, int rows, float sizeX, float sizeY, float height);
 
     float Get_Height(float x, float y) const override;
+    vrHeightRange Get_Height_Range() const override { return Range; }
     /// The ground's very surface, not a triangulation of it. A way that starts on the ground and leads down goes
     /// through it at its start.
     bool Intersect_Segment(const Vector3 &from, const Vector3 &to, Vector3 &hit, Vector3 &normal) const override;
@@ -36,6 +37,7 @@ private:
     Vector3 Get_Normal(double gridX, double gridY, const Patch &patch, int column, int row) const;
 
     std::vector<float> Heights; ///< row by row
+    vrHeightRange Range;
     int Columns;
     int Rows;
     // World to grid: column = x * ScaleX + OffsetX. A grid of one column or row has a scale of 0.

@@ -67,6 +67,8 @@ public:
     /// The only step that may allocate or draw from what the process shares.
     virtual void Pre_Think(float /*dt*/) {}
     virtual void Think(float /*dt*/) {}
+    /// A hint that its particles think next: it may fetch into the cache what they begin with.
+    virtual void Fetch_Particles() const {}
     virtual void Think_Particles(float /*dt*/) {}
     /// May ask the scene to remove it.
     virtual void Post_Think(float /*dt*/) {}

@@ -101,10 +101,13 @@ void vrScene::Think_Groups(float dt)
 
 void vrScene::Think_Particles_Of_All(float dt)
 {
-    const auto think = [&](int first, int last) {
-        for (int index = first; index < last; ++index) ParticleList[static_cast<size_t>(index)]->Think_Particles(dt);
-    };
     const int count = static_cast<int>(ParticleList.size());
+    const auto think = [&](int first, int last) {
+        for (int index = first; index < last; ++index) {
+            if (index + 1 < count) ParticleList[static_cast<size_t>(index + 1)]->Fetch_Particles();
+            ParticleList[static_cast<size_t>(index)]->Think_Particles(dt);
+        }
+    };
     const bool isSerial = std::any_of(ParticleList.begin(), ParticleList.end(),
                                       [](const vrRenderable *renderable) { return renderable->Needs_Serial_Frame(); });
     const ParallelSection section;

@@ -4,10 +4,13 @@
 #include "MKLib/Parameters/KeyedParameters.h"
 #include "MKLib/Parameters/SimpleParameters.h"
 #include "vrGraphics/particle/ParticleMath.h"
+#include "vrGraphics/particle/VectorPlanes.h"
 #include "vrGraphics/particle/vrMKPRenderState.h"
 #include "vrGraphics/particle/vrWorld.h"
 
 #include <algorithm>
+#include <bit>
+#include <cmath>
 
 namespace
 {
@@ -16,12 +19,127 @@ namespace
 constexpr const char *TRAJECTORY_TYPES[] = {"Linear", "Arc", "Ground"};
 constexpr const char *TRACK_MODES[] = {"Normal", "Homing"};
 
-constexpr int BLOCK = 128;
+using Particle::Planes;
+
+constexpr int BLOCK = Planes::BLOCK;
+
+MK_INLINE Vector3 Minus(const Vector3 &a, const Vector3 &b)
+{
+    return {a.x - b.x, a.y - b.y, a.z - b.z};
+}
+
+MK_INLINE float Dot(const Vector3 &a, const Vector3 &b)
+{
+    return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+
+/// a (1 - t) + b t
+MK_INLINE Vector3 Mix(const Vector3 &a, const Vector3 &b, float t)
+{
+    const float rest = 1.0f - t;
+    return {a.x * rest + b.x * t, a.y * rest + b.y * t, a.z * rest + b.z * t};
+}
+
+/// What the loops read of a block, a value or a vector each.
+struct Shots
+{
+    Planes Origins; ///< in the world, as the targets
+    Planes Targets;
+    float Times[BLOCK]; ///< of the way, at most 1
+    float Spreads[BLOCK];
+    const float *Ages;
+    const float *Durations;
+    const uint32_t *IDs;
+};
+
+struct Course
+{
+    float Gravity;
+    float HoverHeight;
+};
+
+/// The places without the spread.
+template <int Trajectory>
+MK_SIMD void Place_On_Way(Planes &__restrict places, const Shots &shots, int count, Course course)
+{
+    const float *__restrict ages = shots.Ages;
+    const float *__restrict durations = shots.Durations;
+    for (int i = 0; i < count; ++i) {
+        const Vector3 origin = shots.Origins.At(i);
+        const Vector3 target = shots.Targets.At(i);
+        const float time = shots.Times[i];
+        if constexpr (Trajectory == vrMKPBulletModifier::TRAJECTORY_LINEAR) {
+            places.Put(i, Mix(origin, target, time));
+        } else {
+            const Vector3 delta = Minus(target, origin);
+            const Vector3 unit = Particle::Unit(delta);
+            const float length = std::sqrt(Dot(delta, delta));
+            const Vector3 way(unit.x * length * time, unit.y * length * time, unit.z * length * time);
+            float height = course.HoverHeight;
+            if constexpr (Trajectory == vrMKPBulletModifier::TRAJECTORY_ARC) {
+                const float duration = durations[i] > 0.0f ? durations[i] : 0.01f;
+                const float age = ages[i];
+                const float rise = course.Gravity * duration * 0.5f * age - course.Gravity * age * age * 0.5f;
+                height = origin.z + rise + way.z;
+            }
+            places.Put(i, {origin.x + way.x, origin.y + way.y, height});
+        }
+    }
+}
 
 /// Six bits of an ID as a value in [-1, 1]. The second and the third of the three share two bits.
-float Signed_Six_Bits(uint32_t id, int low)
+MK_INLINE float Signed_Six_Bits(uint32_t id, int low)
 {
     return static_cast<float>(static_cast<int32_t>(id >> low & 63)) * 0.015873017f * 2.0f - 1.0f;
+}
+
+MK_INLINE float Select_Bits(uint32_t mask, float a, float b)
+{
+    return std::bit_cast<float>((std::bit_cast<uint32_t>(a) & mask) | (std::bit_cast<uint32_t>(b) & ~mask));
+}
+
+/// Lets them stray across their way, or level; an arc's is the way that they have come.
+template <bool Level, bool Arc>
+MK_SIMD void Stray(Planes &__restrict places, const Shots &shots, int count)
+{
+    const uint32_t *__restrict ids = shots.IDs;
+    for (int i = 0; i < count; ++i) {
+        const Vector3 place = places.At(i);
+        const Vector3 origin = shots.Origins.At(i);
+        const Vector3 way = Particle::Unit(Minus(Arc ? place : shots.Targets.At(i), origin));
+        const Vector3 across = Level ? Vector3(0.0f, 0.0f, 1.0f) : way;
+        const float spread = shots.Spreads[i];
+        const uint32_t id = ids[i];
+        const Vector3 offset(Signed_Six_Bits(id, 0) * spread, Signed_Six_Bits(id, 6) * spread,
+                             Signed_Six_Bits(id, 10) * spread);
+        const float along = Dot(offset, across);
+        const uint32_t strays = spread > 0.0f ? ~0u : 0u;
+        places.Put(i, {Select_Bits(strays, place.x + (offset.x - across.x * along), place.x),
+                       Select_Bits(strays, place.y + (offset.y - across.y * along), place.y),
+                       Select_Bits(strays, place.z + (offset.z - across.z * along), place.z)});
+    }
+}
+
+MK_SIMD bool Any_Spread(const float *__restrict spreads, int count)
+{
+    uint32_t any = 0;
+    for (int i = 0; i < count; ++i) any |= spreads[i] > 0.0f ? ~0u : 0u;
+    return any != 0;
+}
+
+MK_SIMD void Limit_Times(float *__restrict times, const float *__restrict from, int count)
+{
+    for (int i = 0; i < count; ++i) times[i] = 1.0f < from[i] ? 1.0f : from[i];
+}
+
+MK_SIMD void Blend_In(Planes &__restrict places, const Planes &own, const float *__restrict blends, int count)
+{
+    for (int i = 0; i < count; ++i) places.Put(i, Mix(own.At(i), places.At(i), blends[i]));
+}
+
+void Add_Ground(Planes &places, int count, const vrTerrain &terrain)
+{
+    for (int i = 0; i < count; ++i) places.Z[i] += terrain.Get_Height(places.X[i], places.Y[i]);
 }
 
 } // namespace
@@ -34,54 +152,42 @@ struct vrMKPBulletModifier::Flight
     int Trajectory;
     bool IsHoming;
     bool SpreadsLevel; ///< and not across the way
-    float Gravity;
-    float HoverHeight;
+    Course Shape;
 
-    Vector3 To_World(const Vector3 &point) const { return IsWorld ? point : State.Transform.Transform(point); }
-    Vector3 To_Buffer(const Vector3 &point) const { return IsWorld ? point : State.InverseTransform.Transform(point); }
-
-    /// Where the particle flies to from `origin`.
-    Vector3 Get_Target(const vrMKPBuffer &buffer, int slot) const
+    /// In the world.
+    void Split(Planes &to, const Vector3 *from, int count) const
     {
-        return IsHoming ? State.HomingTarget : To_World(buffer.ProjectileTargetPosition[slot]);
+        if (IsWorld) return Particle::Split(to, from, count);
+        Vector3 mapped[BLOCK];
+        Particle::Transform_Points(mapped, from, count, State.Transform);
+        Particle::Split(to, mapped, count);
     }
 
-    /// The place without the spread, at `time` of the way.
-    Vector3 Place_On_Way(const vrMKPBuffer &buffer, int slot, const Vector3 &origin, const Vector3 &target,
-                         float time) const
+    void Take(Shots &shots, const vrMKPBuffer &buffer, int first, int count) const
     {
-        if (Trajectory == TRAJECTORY_LINEAR) return origin * (1.0f - time) + target * time;
-        const Vector3 delta = target - origin;
-        const Vector3 way = Particle::Unit(delta) * glm::length(delta) * time;
-        if (Trajectory == TRAJECTORY_GROUND) return {origin.x + way.x, origin.y + way.y, HoverHeight};
-        const float flightTime = buffer.ProjectileFlightDuration[slot];
-        const float duration = flightTime > 0.0f ? flightTime : 0.01f;
-        const float age = buffer.Age[slot];
-        const float rise = Gravity * duration * 0.5f * age - Gravity * age * age * 0.5f;
-        return {origin.x + way.x, origin.y + way.y, origin.z + rise + way.z};
+        shots.Ages = buffer.Age + first;
+        shots.Durations = buffer.ProjectileFlightDuration + first;
+        shots.IDs = buffer.ID + first;
+        Limit_Times(shots.Times, buffer.Time + first, count);
+        Split(shots.Origins, buffer.ProjectileStartingPosition + first, count);
+        if (!IsHoming) return Split(shots.Targets, buffer.ProjectileTargetPosition + first, count);
+        for (int i = 0; i < count; ++i) shots.Targets.Put(i, State.HomingTarget);
     }
 
-    /// How far a particle strays, across `direction`.
-    Vector3 Stray(uint32_t id, float spread, const Vector3 &direction) const
+    /// The places in the world.
+    void Place(Planes &places, const Shots &shots, int count) const
     {
-        const Vector3 across = SpreadsLevel ? Vector3(0.0f, 0.0f, 1.0f) : direction;
-        const Vector3 offset(Signed_Six_Bits(id, 0) * spread, Signed_Six_Bits(id, 6) * spread,
-                             Signed_Six_Bits(id, 10) * spread);
-        return offset - across * glm::dot(offset, across);
-    }
-
-    /// The place at `time`, in the world.
-    Vector3 Place(const vrMKPBuffer &buffer, int slot, float time, float spread) const
-    {
-        const Vector3 origin = To_World(buffer.ProjectileStartingPosition[slot]);
-        const Vector3 target = Get_Target(buffer, slot);
-        Vector3 place = Place_On_Way(buffer, slot, origin, target, time);
-        if (spread > 0.0f) {
-            const Vector3 way = Trajectory == TRAJECTORY_ARC ? place - origin : target - origin;
-            place += Stray(buffer.ID[slot], spread, Particle::Unit(way));
+        switch (Trajectory) {
+        case TRAJECTORY_LINEAR: Place_On_Way<TRAJECTORY_LINEAR>(places, shots, count, Shape); break;
+        case TRAJECTORY_GROUND: Place_On_Way<TRAJECTORY_GROUND>(places, shots, count, Shape); break;
+        default: Place_On_Way<TRAJECTORY_ARC>(places, shots, count, Shape);
         }
-        if (Trajectory == TRAJECTORY_GROUND && State.Terrain) place.z += State.Terrain->Get_Height(place.x, place.y);
-        return place;
+        if (Any_Spread(shots.Spreads, count)) {
+            const bool isArc = Trajectory == TRAJECTORY_ARC;
+            const auto across = isArc ? Stray<false, true> : Stray<false, false>;
+            (SpreadsLevel ? Stray<true, false> : across)(places, shots, count);
+        }
+        if (Trajectory == TRAJECTORY_GROUND && State.Terrain) Add_Ground(places, count, *State.Terrain);
     }
 };
 
@@ -124,8 +230,7 @@ vrMKPBulletModifier::Flight vrMKPBulletModifier::Get_Flight(const vrMKPBuffer &b
             Trajectory->Get_Value(),
             Track->Get_Value() == TRACK_HOMING,
             UseXYSpread->Get_Value(),
-            Gravity->Get_Value(),
-            HoverHeight->Get_Value()};
+            {Gravity->Get_Value(), HoverHeight->Get_Value()}};
 }
 
 void vrMKPBulletModifier::Evaluate_Spreads(const vrMKPBuffer &buffer, const float *times, int count,
@@ -139,21 +244,24 @@ void vrMKPBulletModifier::Evaluate_Spreads(const vrMKPBuffer &buffer, const floa
 void vrMKPBulletModifier::Apply(vrMKPBuffer &buffer, int, vrMKPSpan span) const
 {
     const Flight flight = Get_Flight(buffer);
-    float times[BLOCK];
-    float spreads[BLOCK];
+    Shots shots;
+    Planes own;
+    Planes places;
     float blends[BLOCK];
+    Vector3 results[BLOCK];
     for (int at = 0; at < span.Count; at += BLOCK) {
         const int first = span.First + at;
         const int count = std::min(BLOCK, span.Count - at);
-        for (int i = 0; i < count; ++i) times[i] = std::min(buffer.Time[first + i], 1.0f);
-        Evaluate_Spreads(buffer, times, count, spreads);
-        Blend->Evaluate_Many(times, count, false, blends);
-        for (int i = 0; i < count; ++i) {
-            const int slot = first + i;
-            if (buffer.Flags[slot] & PARTICLE_STOPPED) continue;
-            const Vector3 own = flight.To_World(buffer.Position[slot]);
-            const Vector3 place = flight.Place(buffer, slot, times[i], spreads[i]);
-            buffer.Position[slot] = flight.To_Buffer(own * (1.0f - blends[i]) + place * blends[i]);
-        }
+        flight.Take(shots, buffer, first, count);
+        Evaluate_Spreads(buffer, shots.Times, count, shots.Spreads);
+        Blend->Evaluate_Many(shots.Times, count, false, blends);
+        flight.Split(own, buffer.Position + first, count);
+        flight.Place(places, shots, count);
+        Blend_In(places, own, blends, count);
+        Particle::Join(results, places, count);
+        if (!flight.IsWorld) Particle::Transform_Points(results, results, count, buffer.State->InverseTransform);
+        for (int i = 0; i < count; ++i)
+            if (!buffer.MayHaveStopped || !(buffer.Flags[first + i] & PARTICLE_STOPPED))
+                buffer.Position[first + i] = results[i];
     }
 }

@@ -46,14 +46,6 @@ MK_SIMD int Count_Not_Positive(const float *__restrict values, int count)
     return found;
 }
 
-MK_SIMD int Mark_Arrived(const float *__restrict time, int count, uint8_t *__restrict dead)
-{
-    for (int at = 0; at < count; ++at) dead[at] = time[at] >= ARRIVAL_TIME ? 1 : 0;
-    int deaths = 0;
-    for (int at = 0; at < count; ++at) deaths += dead[at];
-    return deaths;
-}
-
 } // namespace
 
 vrMKPBulletStomper::vrMKPBulletStomper()
@@ -114,6 +106,6 @@ void vrMKPBulletStomper::Age_Span(vrMKPBuffer &buffer, vrMKPSpan span) const
 void vrMKPBulletStomper::Stomp(vrMKPBuffer &buffer, bool spawnOnDeath) const
 {
     StompLoops::Remove_Marked(buffer, 0.0f, spawnOnDeath, [&buffer](vrMKPSpan span, uint8_t *dead) {
-        return Mark_Arrived(buffer.Time + span.First, span.Count, dead);
+        return StompLoops::Mark_From(buffer.Time + span.First, span.Count, ARRIVAL_TIME, dead);
     });
 }

@@ -13,6 +13,7 @@
 #include <glm/geometric.hpp>
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 namespace
@@ -46,15 +47,34 @@ MK_INLINE float Whole_Part(float value)
 }
 
 /// What is left of the way past a face. The whole cubes go off as a number, not as a length: effects are tuned to it.
+/// `Near` is for ways that are shorter than the cube.
+template <bool Near>
 MK_INLINE float Reduce(float excess, float size)
 {
-    return excess >= size ? excess - Whole_Part(excess / size) : excess;
+    return !Near && excess >= size ? excess - Whole_Part(excess / size) : excess;
 }
 
+/// `a` where the mask is all ones, without a jump.
+MK_INLINE float Select_Bits(uint32_t mask, float a, float b)
+{
+    return std::bit_cast<float>((std::bit_cast<uint32_t>(a) & mask) | (std::bit_cast<uint32_t>(b) & ~mask));
+}
+
+template <bool Near>
 MK_INLINE float Wrap(float coordinate, float size, float half)
 {
-    const float raised = coordinate < -half ? half - Reduce(-half - coordinate, size) : coordinate;
-    return raised > half ? -half + Reduce(raised - half, size) : raised;
+    const uint32_t isBelow = coordinate < -half ? ~0u : 0u;
+    const float raised = Select_Bits(isBelow, half - Reduce<Near>(-half - coordinate, size), coordinate);
+    const uint32_t isAbove = raised > half ? ~0u : 0u;
+    return Select_Bits(isAbove, -half + Reduce<Near>(raised - half, size), raised);
+}
+
+/// Whether a coordinate lies beyond `limit`, which isn't negative.
+MK_SIMD bool Any_Beyond(const float *__restrict values, int count, float limit)
+{
+    uint32_t outside = 0;
+    for (int at = 0; at < count; ++at) outside |= std::fabs(values[at]) > limit ? ~0u : 0u;
+    return outside != 0;
 }
 
 MK_SIMD bool Any_Outside(const float *__restrict values, int count, float half)
@@ -65,11 +85,12 @@ MK_SIMD bool Any_Outside(const float *__restrict values, int count, float half)
 }
 
 /// Wraps `count` coordinates, and shifts the previous ones along.
+template <bool Near>
 MK_SIMD void Wrap_All(float *__restrict positions, float *__restrict previous, int count, float size, float half)
 {
     for (int at = 0; at < count; ++at) {
         const float old = positions[at];
-        const float wrapped = Wrap(old, size, half);
+        const float wrapped = Wrap<Near>(old, size, half);
         previous[at] = wrapped - (old - previous[at]);
         positions[at] = wrapped;
     }
@@ -205,7 +226,11 @@ void vrMKPWeatherCubeModifier::Modify(vrMKPBuffer &buffer, int) const
         return buffer.MayHaveStopped && (buffer.Flags[slot] & PARTICLE_STOPPED);
     };
     const auto wrap = [&](int first, int count) {
-        Wrap_All(&buffer.Position[first].x, &buffer.PreviousPosition[first].x, count * 3, size, half);
+        float *positions = &buffer.Position[first].x;
+        // Within the cube and its neighbours the ways past a face are shorter than it.
+        const bool isNear = half > 0.0f && !Any_Beyond(positions, count * 3, half * 2.5f);
+        const auto wrapAll = isNear ? Wrap_All<true> : Wrap_All<false>;
+        wrapAll(positions, &buffer.PreviousPosition[first].x, count * 3, size, half);
     };
     for (const vrMKPSpan span : buffer.Live_Spans()) {
         const int end = span.First + span.Count;

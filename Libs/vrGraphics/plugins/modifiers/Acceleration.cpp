@@ -18,7 +18,7 @@ MK_SIMD bool Add_Keyed(const Run &run, const Vector3 &acceleration, const float 
     const Vector3 add = acceleration;
     const auto kernel = [=](int i, const Vector3 &, Vector3 &push) MK_KERNEL {
         push = Times(add, frameTime * factors[i]);
-        return true;
+        return TOUCHED;
     };
     return Accelerate(run, kernel).Velocity;
 }
@@ -28,7 +28,7 @@ MK_SIMD bool Add_To_Moving(const Run &run, const Vector3 &addend)
     const Vector3 add = addend;
     const auto kernel = [=](int, const Vector3 &, Vector3 &push) MK_KERNEL {
         push = add;
-        return true;
+        return TOUCHED;
     };
     return Accelerate(run, kernel).Velocity;
 }

@@ -45,9 +45,9 @@ struct Field
     {
     }
 
-    MK_INLINE bool Reaches(float distance) const
+    MK_INLINE uint32_t Reaches(float distance) const
     {
-        return (distance != 0.0f) & (distance > Inner) & (distance < Outer);
+        return As_Mask(distance != 0.0f) & As_Mask(distance > Inner) & As_Mask(distance < Outer);
     }
     /// `inverse` is the term that falls with the distance.
     MK_INLINE Vector3 Push_Along(const Vector3 &direction, float inverse, float distance) const
@@ -73,7 +73,7 @@ MK_SIMD bool Push_From(const Run &run, const Vector3 &from, float strength)
     const Vector3 center = from;
     const auto kernel = [=](int, const Vector3 &position, Vector3 &push) MK_KERNEL {
         push = Times(Particle::Unit(Minus(position, center)), strength);
-        return true;
+        return TOUCHED;
     };
     return Accelerate(run, kernel).Velocity;
 }
@@ -130,9 +130,10 @@ MK_SIMD Faults Push_Around_Axis(const Run &run, const Field &field)
     });
 }
 
-MK_INLINE bool Is_Nearly_Zero(const Vector3 &vector)
+MK_INLINE uint32_t Is_Nearly_Zero(const Vector3 &vector)
 {
-    return (std::abs(vector.x) <= 0.0001f) & (std::abs(vector.y) <= 0.0001f) & (std::abs(vector.z) <= 0.0001f);
+    return As_Mask(std::abs(vector.x) <= 0.0001f) & As_Mask(std::abs(vector.y) <= 0.0001f) &
+           As_Mask(std::abs(vector.z) <= 0.0001f);
 }
 
 /// The acceleration at a place, and how far that is from the target.
@@ -154,9 +155,7 @@ MK_SIMD Faults Turn_From_Point(const Run &run, const Field &source)
         const Vector3 acceleration = Push_At(field, position, direction, distance);
         const float speed = std::sqrt(Dot(velocity, velocity));
         const Vector3 turned = Plus(velocity, acceleration);
-        const bool cancels = Is_Nearly_Zero(turned);
-        const Vector3 course(cancels ? direction.x : turned.x, cancels ? direction.y : turned.y,
-                             cancels ? direction.z : turned.z);
+        const Vector3 course = Select_Bits(Is_Nearly_Zero(turned), direction, turned);
         velocity = Times(Particle::Unit(course), speed);
         return field.Reaches(distance);
     });
@@ -164,7 +163,7 @@ MK_SIMD Faults Turn_From_Point(const Run &run, const Field &source)
         Vector3 direction;
         float distance;
         const Vector3 acceleration = Push_At(field, run.Position[i], direction, distance);
-        faults.Push |= field.Reaches(distance) && Is_Invalid(acceleration);
+        faults.Push |= field.Reaches(distance) != 0 && Is_Invalid(acceleration);
     }
     return faults;
 }

@@ -9,7 +9,7 @@ namespace
 {
 
 constexpr int BLOCK = 256;
-constexpr float MOST_REGULAR = 4194304.0f; ///< whole numbers and their sums below this are exact, with room to spare
+constexpr float MOST_REGULAR = 1048576.0f; ///< below this the quick forms of the arithmetic are exact for whole numbers
 
 MK_INLINE uint32_t As_Bit(bool value)
 {
@@ -37,20 +37,23 @@ struct FullArithmetic
 {
     static float Floor(float value) { return std::floor(value); }
     static float Remainder(float value, const Divisor &divisor) { return std::fmod(value, divisor.Value); }
+    static bool Is_Odd(float value) { return std::fmod(value, 2.0f) >= 1.0f; }
 };
 
-/// For values from 0 to twice `MOST_REGULAR`; for remainders, of whole numbers or by a power of two.
+/// For values from 0 to twice `MOST_REGULAR`; quotients and remainders for whole numbers alone.
 struct RegularArithmetic
 {
     MK_INLINE static float Floor(float value) { return static_cast<float>(static_cast<int32_t>(value)); }
+    /// The half keeps the quotient further from whole numbers than rounding takes it.
+    MK_INLINE static float Quotient(float value, const Divisor &divisor)
+    {
+        return Floor((value + 0.5f) * divisor.Inverse);
+    }
     MK_INLINE static float Remainder(float value, const Divisor &divisor)
     {
-        // By the reciprocal, and by rounding, the quotient may be the next whole number on either side. The product is
-        // exact all the same.
-        const float rest = value - Floor(value * divisor.Inverse) * divisor.Value;
-        const float raised = rest + Select(As_Bit(rest < 0.0f), divisor.Value, 0.0f);
-        return raised - Select(As_Bit(raised >= divisor.Value), divisor.Value, 0.0f);
+        return value - Quotient(value, divisor) * divisor.Value;
     }
+    MK_INLINE static bool Is_Odd(float value) { return value - Floor(value * 0.5f) * 2.0f >= 1.0f; }
 };
 
 /// The numbers of one sheet, ready for a loop.
@@ -66,11 +69,11 @@ struct Sheet
     Divisor FrameCount;
     Divisor CellCount;
     Divisor CellsPerRow;
-    Divisor Two{2.0f};
 };
 
 /// `Simple` is for a sequence that goes on for ever in one direction and doesn't run past the sheet, in rows of a whole
-/// number of cells. `Flips` is needed where IDs mirror.
+/// number of cells. `Flips` is needed where IDs mirror; all of a simple one have the same size without it, and then it
+/// isn't written here.
 template <typename Arithmetic, bool Simple, bool Flips>
 MK_INLINE void Write_Cell(float *origin, float *size, float frame, uint32_t id, const Sheet &sheet)
 {
@@ -80,28 +83,26 @@ MK_INLINE void Write_Cell(float *origin, float *size, float frame, uint32_t id, 
     if constexpr (!Simple) {
         const float loops = sequence.LoopsPerFrame * frame;
         isOver = As_Bit(!(loops < sequence.LoopLimit));
-        isReverse ^= sequence.PingPongBit & As_Bit(Arithmetic::Remainder(loops, sheet.Two) >= 1.0f);
+        isReverse ^= sequence.PingPongBit & As_Bit(Arithmetic::Is_Odd(loops));
     }
     const float inLoop = Arithmetic::Remainder(frame, sheet.FrameCount);
     const float step = Select(isReverse, sequence.FrameCount - 1.0f - inLoop, inLoop);
     float cell = step + sequence.FirstCell;
-    float column;
     float row;
     if constexpr (Simple) {
-        column = Arithmetic::Remainder(cell, sheet.CellsPerRow);
-        // A whole number, but for rounding.
-        row = Arithmetic::Floor((cell - column) * sheet.CellsPerRow.Inverse + 0.5f);
+        row = Arithmetic::Quotient(cell, sheet.CellsPerRow);
     } else {
         cell = Arithmetic::Remainder(cell, sheet.CellCount);
         row = Arithmetic::Floor(cell / sequence.CellsPerRow);
-        column = cell - sequence.CellsPerRow * row;
     }
+    const float column = cell - sequence.CellsPerRow * row;
     const uint32_t flipU = Flips ? id & sequence.RandomFlipBit : 0;
     const uint32_t flipV = Flips ? (id >> 4) & sequence.RandomFlipBit : 0;
     const float u = column * sequence.Cell.x + Select(flipU | sequence.FlipU, sequence.Cell.x, 0.0f);
     const float v = row * sequence.Cell.y + Select(flipV | sequence.FlipV, sequence.Cell.y, 0.0f);
     origin[0] = Select(isOver, origin[0], u + sequence.Offset.x);
     origin[1] = Select(isOver, origin[1], v + sequence.Offset.y);
+    if constexpr (Simple && !Flips) return;
     size[0] = Select(isOver, size[0], Select(flipU, -sequence.Size.x, sequence.Size.x));
     size[1] = Select(isOver, size[1], Select(flipV, -sequence.Size.y, sequence.Size.y));
 }
@@ -112,6 +113,14 @@ MK_SIMD void Write_Regular(float *__restrict origins, float *__restrict sizes, c
 {
     for (int i = 0; i < count; ++i)
         Write_Cell<RegularArithmetic, Simple, Flips>(origins + 2 * i, sizes + 2 * i, frames[i], ids[i], sheet);
+}
+
+MK_SIMD void Write_Pairs(float *__restrict pairs, int count, float first, float second)
+{
+    for (int i = 0; i < count; ++i) {
+        pairs[2 * i] = first;
+        pairs[2 * i + 1] = second;
+    }
 }
 
 void Write_Any(float *origins, float *sizes, const float *frames, const uint32_t *ids, int count, const Sheet &sheet)
@@ -146,9 +155,16 @@ void Find_Any_Frames(float *frames, const float *times, const uint32_t *ids, int
         frames[i] = std::floor(times[i] * framesPerTime) + std::floor(Particle::Unit_ID(ids[i]) * randomFrames);
 }
 
+/// The remainder by 1. Floats from 2^23 on are whole.
+float Fraction(float value)
+{
+    if (!(std::fabs(value) < 8388608.0f)) return std::fmod(value, 1.0f);
+    return std::copysign(value - static_cast<float>(static_cast<int32_t>(value)), value);
+}
+
 bool Is_Whole(float value)
 {
-    return std::floor(value) == value;
+    return Fraction(value) == 0.0f;
 }
 
 } // namespace
@@ -162,8 +178,8 @@ bool vrMKPCellSequence::Set_Sheet(const Vector4 &start, float frames)
     CellCount = inverseHeight * CellsPerRow;
     const float column = CellsPerRow * (start.z < 0.0f ? start.x + start.z : start.x);
     const float row = inverseHeight * (start.w < 0.0f ? start.y + start.w : start.y);
-    const float columnRest = std::fmod(column, 1.0f);
-    const float rowRest = std::fmod(row, 1.0f);
+    const float columnRest = Fraction(column);
+    const float rowRest = Fraction(row);
     Offset = {columnRest * Cell.x, rowRest * Cell.y};
     FirstCell = (row - rowRest) * CellsPerRow + (column - columnRest);
     FrameCount = frames;
@@ -202,6 +218,7 @@ void vrMKPCellSequence::Write(float *origins, float *sizes, const float *times, 
         const int size = std::min(BLOCK, count - at);
         if (IsRegular && find(frames, times + at, ids + at, size, FramesPerTime, RandomFrames)) {
             write(origins + 2 * at, sizes + 2 * at, frames, ids + at, size, sheet);
+            if (isSimple && !flips) Write_Pairs(sizes + 2 * at, size, Size.x, Size.y);
             continue;
         }
         Find_Any_Frames(frames, times + at, ids + at, size, FramesPerTime, RandomFrames);

@@ -3,9 +3,9 @@
 /// What the loops of the modifiers that move particles share. Private to their sources.
 ///
 /// A loop is a free function marked MK_SIMD that hands a kernel, an inlined lambda over the values of one particle, to
-/// `Accelerate`, `Steer`, `Push` or `Move`. The kernel answers whether it touched the particle, and those at rest are
-/// left alone, by selects and without a branch. Each loop yields whether something that it wrote is infinite or no
-/// number.
+/// `Accelerate`, `Steer`, `Push` or `Move`. The kernel answers, as a mask, whether it touched the particle, and those
+/// at rest are left alone, by selects and without a branch. Each loop yields whether something that it wrote is
+/// infinite or no number.
 
 #include "MKLib/MKMath/Mat3D.h"
 #include "vrGraphics/particle/ParticleMath.h"
@@ -85,8 +85,7 @@ MK_INLINE Vector3 Turn(const Mat3DClass &transform, const Vector3 &direction)
             y.x * direction.x + y.y * direction.y + y.z * direction.z,
             z.x * direction.x + z.y * direction.y + z.z * direction.z};
 }
-/// 0, or not where a component is infinite or no number: of those alone x - x isn't 0. As bits, since a truth value has
-/// the width of a byte, by which the compiler would choose how many particles a loop takes at once.
+/// 0, or not where a component is infinite or no number: of those alone x - x isn't 0.
 MK_INLINE uint32_t Invalid_Bits(const Vector3 &vector)
 {
     return std::bit_cast<uint32_t>((vector.x - vector.x) + (vector.y - vector.y) + (vector.z - vector.z));
@@ -113,11 +112,20 @@ MK_INLINE Vector3 Select_Bits(uint32_t mask, const Vector3 &a, const Vector3 &b)
     return {Select_Bits(mask, a.x, b.x), Select_Bits(mask, a.y, b.y), Select_Bits(mask, a.z, b.z)};
 }
 
-/// All ones for a particle that was touched and isn't at rest.
-template <bool MayRest>
-MK_INLINE uint32_t Mask(bool isTouched, const uint32_t *flags)
+/// What a kernel answers: all ones where it touched the particle, or else 0. Truth values are for single comparisons
+/// alone, since they have the width of a byte, by which the compiler would choose how many particles a loop takes at
+/// once.
+constexpr uint32_t TOUCHED = ~0u;
+
+MK_INLINE uint32_t As_Mask(bool value)
 {
-    const uint32_t touched = isTouched ? ~0u : 0u;
+    return value ? ~0u : 0u;
+}
+
+/// Without those at rest.
+template <bool MayRest>
+MK_INLINE uint32_t Mask(uint32_t touched, const uint32_t *flags)
+{
     return MayRest ? touched & ((*flags >> 1 & 1u) - 1u) : touched; // PARTICLE_STOPPED
 }
 
@@ -161,7 +169,7 @@ MK_INLINE uint32_t Loop_Block(const Run &run, int first, int count, const Kernel
     Particle::Planes positions;
     Particle::Planes velocities;
     uint32_t suspicious = 0;
-    if (Particle::Shuffles_Freely()) {
+    if (Form == VELOCITY_ALONE && Particle::Shuffles_Freely()) {
         suspicious = Run_Kernel<Form, MayRest>(kernel, first, count, flags, Particle::Interleaved{&position->x},
                                                Particle::Interleaved{&velocity->x}, positions, velocities);
     } else {
@@ -222,8 +230,8 @@ Faults Find_Faults(const Run &run, const Kernel &kernel)
     Faults faults;
     for (int i = 0; i < run.Count; ++i) {
         Vector3 push(0.0f);
-        const bool isTouched = kernel(i, run.Position[i], push);
-        if (!isTouched || (run.MayHaveStopped && Mask<true>(true, run.Flags + i) == 0)) continue;
+        const uint32_t touched = kernel(i, run.Position[i], push);
+        if ((run.MayHaveStopped ? Mask<true>(touched, run.Flags + i) : touched) == 0) continue;
         faults.Push |= Is_Invalid(push);
         faults.Velocity |= Is_Invalid(run.Velocity[i]);
     }

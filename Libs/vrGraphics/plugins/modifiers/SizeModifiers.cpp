@@ -4,6 +4,7 @@
 #include "vrGraphics/particle/vrMKPRenderState.h"
 
 #include <algorithm>
+#include <bit>
 
 namespace
 {
@@ -103,6 +104,19 @@ MK_INLINE Vector2 Both(const Vector2 &size)
     return size;
 }
 
+/// The same pair of floats to all.
+MK_SIMD void Write_Same(float *__restrict sizes, int count, float width, float height)
+{
+    if (std::bit_cast<uint32_t>(width) == std::bit_cast<uint32_t>(height)) {
+        std::fill_n(sizes, count * 2, width);
+        return;
+    }
+    for (int i = 0; i < count; ++i) {
+        sizes[2 * i] = width;
+        sizes[2 * i + 1] = height;
+    }
+}
+
 template <typename Source>
 MK_SIMD void Write_Plain(Vector2 *__restrict sizes, int count, Source source)
 {
@@ -138,13 +152,21 @@ Vector2 Difference(const Vector2 &start, const Vector2 &end)
 }
 
 template <typename Size>
+void Write_Constant_Sizes(vrMKPBuffer &buffer, vrMKPSpan span, const Size &size, const Size &variation)
+{
+    if (variation != Size(0.0f)) return Write_Sizes(buffer, span, ConstantSize<Size>{size}, variation);
+    const Vector2 both = Both(size);
+    Write_Same(&buffer.Size[span.First].x, span.Count, both.x, both.y);
+}
+
+template <typename Size>
 void Write_Linear_Sizes(vrMKPBuffer &buffer, vrMKPSpan span, const vrMKPLinearWeight &weight, bool smooth,
                         const Size &start, const Size &end, const Size &variation)
 {
     const float *times = buffer.Time + span.First;
     const Size difference = Difference(start, end);
     if (difference == Size(0.0f))
-        Write_Sizes(buffer, span, ConstantSize<Size>{start}, variation);
+        Write_Constant_Sizes(buffer, span, start, variation);
     else if (smooth)
         Write_Sizes(buffer, span, LinearSize<true, Size>{times, weight, start, difference}, variation);
     else
@@ -244,7 +266,7 @@ vrMKPConstantUniformSizeModifier::vrMKPConstantUniformSizeModifier()
 void vrMKPConstantUniformSizeModifier::Apply(vrMKPBuffer &buffer, int, vrMKPSpan span) const
 {
     const float radius = Radius_Factor(*ScaleByTargetRadius, buffer);
-    Write_Sizes(buffer, span, ConstantSize<float>{Size->Get_Value() * radius}, Variation->Get_Value());
+    Write_Constant_Sizes(buffer, span, Size->Get_Value() * radius, Variation->Get_Value());
 }
 
 vrMKPConstantSizeModifier::vrMKPConstantSizeModifier()
@@ -261,7 +283,7 @@ void vrMKPConstantSizeModifier::Apply(vrMKPBuffer &buffer, int, vrMKPSpan span) 
     const float radius = Radius_Factor(*ScaleByTargetRadius, buffer);
     const Vector2 size(Width->Get_Value() * radius, Height->Get_Value() * radius);
     const Vector2 variation(WidthVariation->Get_Value(), HeightVariation->Get_Value());
-    Write_Sizes(buffer, span, ConstantSize<Vector2>{size}, variation);
+    Write_Constant_Sizes(buffer, span, size, variation);
 }
 
 vrMKPKeyedUniformSizeModifier::vrMKPKeyedUniformSizeModifier()

@@ -16,7 +16,7 @@ MK_SIMD bool Limit(const Run &run, float least, float greatest)
         const float speed = std::sqrt(Dot(velocity, velocity));
         const float raised = speed < least ? least : speed;
         velocity = Times(Particle::Unit(velocity), raised > greatest ? greatest : raised);
-        return true;
+        return TOUCHED;
     });
 }
 
@@ -30,7 +30,7 @@ MK_INLINE bool Set_Speed(const Run &run, const vrMKPLinearWeight &from, float st
         const float w = Smooth ? weight.At<true>(times[i])
                                : Particle::Clamp_01((times[i] - weight.Start) / (weight.End - weight.Start));
         velocity = Times(Particle::Unit(velocity), (1.0f - w) * startSpeed + w * endSpeed);
-        return true;
+        return TOUCHED;
     });
 }
 MK_SIMD bool Set_Linear_Speed(const Run &run, const vrMKPLinearWeight &weight, float startSpeed, float endSpeed)
@@ -48,9 +48,10 @@ MK_SIMD bool Brake(const Run &run, const float *__restrict frictions, float fram
         const float part = Particle::Clamp_01(frameTime * frictions[i]);
         const float speed = std::sqrt(Dot(velocity, velocity));
         const Vector3 slower = Minus(velocity, Times(Times(Particle::Unit(velocity), speed), part));
-        const bool rests = (speed < 0.01f) | (part >= 1.0f); // what is left of a full stop would be rounding
-        velocity = {rests ? 0.0f : slower.x, rests ? 0.0f : slower.y, rests ? 0.0f : slower.z};
-        return true;
+        const uint32_t rests =
+            As_Mask(speed < 0.01f) | As_Mask(part >= 1.0f); // what is left of a full stop is rounding
+        velocity = Select_Bits(rests, Vector3(0.0f), slower);
+        return TOUCHED;
     });
 }
 

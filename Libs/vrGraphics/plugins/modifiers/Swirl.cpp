@@ -57,7 +57,7 @@ MK_INLINE bool Spin(const Run &run, const Vortex &from, const vrMKPRenderState &
         const Vector3 tangent = Particle::Unit(Cross(vortex.Axis, outward));
         const Vector3 local = Times(Times(tangent, vortex.FrameTime), vortex.Speed);
         push = World ? Turn(toWorld, local) : local;
-        return distance > 0.1f;
+        return As_Mask(distance > 0.1f);
     };
     return Accelerate(run, kernel).Velocity;
 }
@@ -86,7 +86,7 @@ MK_INLINE bool Hold(const Run &run, const vrMKPRenderState &state, const Shape &
     return Move(run, [&](int i, Vector3 &position, Vector3 &velocity) MK_KERNEL {
         Vector3 place = World ? Map(toLocal, position) : position;
         Vector3 course = World ? Turn(toLocal, velocity) : velocity;
-        const bool held = shape(ids[i], place, course);
+        const uint32_t held = shape(ids[i], place, course);
         position = World ? Map(toWorld, place) : place;
         velocity = World ? Turn(toWorld, course) : course;
         return held;
@@ -117,7 +117,7 @@ MK_INLINE bool Hold_In_Funnel(const Run &run, const Funnel &from, const vrMKPRen
         const float speed = Lerp(funnel.StartSpeed, funnel.EndSpeed, t) + variation;
         position = Plus(Times(axis, height), Times(outward, radius));
         velocity = Plus(Times(axis, Dot(velocity, axis)), Times(Cross(axis, outward), speed));
-        return (t >= 0.0f) & (t <= 1.0f);
+        return As_Mask(t >= 0.0f) & As_Mask(t <= 1.0f);
     });
 }
 MK_SIMD bool Funnel_Local(const Run &run, const Funnel &funnel, const vrMKPRenderState &state)
@@ -147,7 +147,7 @@ MK_INLINE bool Hold_On_Torus(const Run &run, const Torus &from, const vrMKPRende
         const float speed = (pace * 2.0f - 1.0f) * mean * torus.SpeedVariation + mean;
         velocity = Times(Cross(tangent, up), speed);
         position = Plus(Times(up, tube), center);
-        return true;
+        return TOUCHED;
     });
 }
 MK_SIMD bool Torus_Local(const Run &run, const Torus &torus, const vrMKPRenderState &state)

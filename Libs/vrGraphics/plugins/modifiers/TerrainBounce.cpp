@@ -21,6 +21,53 @@ Vector3 Turn_About(const Vector3 &vector, const Vector3 &axis, float radians)
     return vector * cosine + Cross(axis, vector) * sine + axis * (Dot(axis, vector) * (1.0f - cosine));
 }
 
+/// A place's height in the world, less what the ground is taken to be higher.
+struct HeightOf
+{
+    Vector4 Row;
+    float Lowered;
+
+    MK_INLINE float At(const Vector3 &place) const
+    {
+        return Row.x * place.x + Row.y * place.y + Row.z * place.z + Row.w - Lowered;
+    }
+};
+
+/// Marks those whose way isn't wholly above or below all heights, and answers whether there are any.
+template <typename Points>
+MK_SIMD bool Mark_Near_Ground(const Points &from, const Points &to, int count, HeightOf before, HeightOf now,
+                              vrHeightRange heights, uint8_t *__restrict marks)
+{
+    uint32_t any = 0;
+    for (int i = 0; i < count; ++i) {
+        const float start = before.At(from.At(i));
+        const float end = now.At(to.At(i));
+        const uint32_t isLow = start < heights.Greatest ? ~0u : 0u;
+        const uint32_t endsLow = end < heights.Greatest ? ~0u : 0u;
+        const uint32_t isHigh = start >= heights.Least ? ~0u : 0u;
+        const uint32_t endsHigh = end >= heights.Least ? ~0u : 0u;
+        const uint32_t isNear = (isLow | endsLow) & (isHigh | endsHigh);
+        marks[i] = static_cast<uint8_t>(isNear & 1u);
+        any |= isNear;
+    }
+    return any != 0;
+}
+
+bool Find_Candidates(const vrMKPBuffer &buffer, vrMKPSpan block, const HeightOf &before, const HeightOf &now,
+                     const vrHeightRange &heights, uint8_t *marks)
+{
+    const Vector3 *from = buffer.PreviousPosition + block.First;
+    const Vector3 *to = buffer.Position + block.First;
+    if (Particle::Shuffles_Freely())
+        return Mark_Near_Ground(Particle::Interleaved{&from->x}, Particle::Interleaved{&to->x}, block.Count, before,
+                                now, heights, marks);
+    Particle::Planes starts;
+    Particle::Planes ends;
+    Particle::Split(starts, from, block.Count);
+    Particle::Split(ends, to, block.Count);
+    return Mark_Near_Ground(starts, ends, block.Count, before, now, heights, marks);
+}
+
 } // namespace
 
 /// The parameters of one run.
@@ -88,36 +135,54 @@ void vrMKPTerrainBounceModifier::Apply(vrMKPBuffer &buffer, int, vrMKPSpan span)
     const vrMKPRenderState &state = *buffer.State;
     if (!state.Terrain) return;
     const Surface surface = Get_Surface(state.FrameTime);
-    const bool isWorld = buffer.Is_World();
+    const vrHeightRange heights = state.Terrain->Get_Height_Range();
+    // Of the height in the world, and lowered.
+    const Vector4 row = buffer.Is_World() ? Vector4(0.0f, 0.0f, 1.0f, 0.0f) : state.Transform.Row[2];
+    const HeightOf before{row, 0.0f};
+    const HeightOf now{row, surface.ZOffset};
+    uint8_t candidates[BLOCK];
     bool invalid = false;
-    for (int slot = span.First; slot < span.First + span.Count; ++slot) {
-        if (buffer.Flags[slot] & PARTICLE_STOPPED) continue;
-        Vector3 from = buffer.PreviousPosition[slot];
-        Vector3 to = buffer.Position[slot];
-        if (!isWorld) {
-            from = state.Transform.Transform(from);
-            to = state.Transform.Transform(to);
-        }
-        to.z -= surface.ZOffset;
-        Vector3 hit;
-        Vector3 normal;
-        if (!state.Terrain->Intersect_Segment(from, to, hit, normal)) continue;
-
-        bool rests = surface.Sticky;
-        if (!surface.Sticky) {
-            Vector3 &velocity = buffer.Velocity[slot];
-            const Vector3 before = isWorld ? velocity : state.Transform.Rotate(velocity);
-            const Vector3 after = surface.Bounce(before, normal, state.Random, rests);
-            velocity = isWorld ? after : state.InverseTransform.Rotate(after);
-            invalid |= Is_Invalid(velocity);
-        }
-        if (rests) {
-            buffer.Flags[slot] |= PARTICLE_STOPPED;
-            buffer.MayHaveStopped = true;
-        }
-        Vector3 place = hit + normal * CLEARANCE;
-        place.z += surface.ZOffset;
-        buffer.Position[slot] = isWorld ? place : state.InverseTransform.Transform(place);
+    for (int done = 0; done < span.Count; done += BLOCK) {
+        const vrMKPSpan block{span.First + done, span.Count - done < BLOCK ? span.Count - done : BLOCK};
+        if (!Find_Candidates(buffer, block, before, now, heights, candidates)) continue;
+        for (int at = 0; at < block.Count; ++at)
+            if (candidates[at]) invalid |= Meet_Ground(buffer, block.First + at, surface);
     }
     MK_ASSERT(!invalid, INVALID_VELOCITY);
+}
+
+/// The ground that a particle comes upon in this frame, if any. True when its velocity is infinite or no number then.
+bool vrMKPTerrainBounceModifier::Meet_Ground(vrMKPBuffer &buffer, int slot, const Surface &surface) const
+{
+    if (buffer.Flags[slot] & PARTICLE_STOPPED) return false;
+    const vrMKPRenderState &state = *buffer.State;
+    const bool isWorld = buffer.Is_World();
+    Vector3 from = buffer.PreviousPosition[slot];
+    Vector3 to = buffer.Position[slot];
+    if (!isWorld) {
+        from = state.Transform.Transform(from);
+        to = state.Transform.Transform(to);
+    }
+    to.z -= surface.ZOffset;
+    Vector3 hit;
+    Vector3 normal;
+    if (!state.Terrain->Intersect_Segment(from, to, hit, normal)) return false;
+
+    bool rests = surface.Sticky;
+    bool isInvalid = false;
+    if (!surface.Sticky) {
+        Vector3 &velocity = buffer.Velocity[slot];
+        const Vector3 before = isWorld ? velocity : state.Transform.Rotate(velocity);
+        const Vector3 after = surface.Bounce(before, normal, state.Random, rests);
+        velocity = isWorld ? after : state.InverseTransform.Rotate(after);
+        isInvalid = Is_Invalid(velocity);
+    }
+    if (rests) {
+        buffer.Flags[slot] |= PARTICLE_STOPPED;
+        buffer.MayHaveStopped = true;
+    }
+    Vector3 place = hit + normal * CLEARANCE;
+    place.z += surface.ZOffset;
+    buffer.Position[slot] = isWorld ? place : state.InverseTransform.Transform(place);
+    return isInvalid;
 }

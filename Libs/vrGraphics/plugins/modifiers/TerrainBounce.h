@@ -19,6 +19,7 @@ private:
     struct Surface;
 
     Surface Get_Surface(float frameTime) const;
+    bool Meet_Ground(vrMKPBuffer &buffer, int slot, const Surface &surface) const;
 
     RangedFloatParameter *Elasticity;
     BoolParameter *Sticky;

@@ -37,7 +37,7 @@ MK_INLINE bool Step(const Run &run, const Vector3 *places, const Vector3 *course
         const Vector3 turn(turns[3 * i], turns[3 * i + 1], turns[3 * i + 2]);
         position = World ? Map(toWorld, Plus(Map(toLocal, position), way)) : Plus(position, way);
         velocity = World ? Turn(toWorld, Plus(Turn(toLocal, velocity), turn)) : Plus(velocity, turn);
-        return true;
+        return TOUCHED;
     });
 }
 MK_SIMD bool Step_Local(const Run &run, const Vector3 *places, const Vector3 *courses, const vrMKPRenderState &state)

@@ -2,6 +2,8 @@
 
 #include "vrGraphics/particle/VectorPlanes.h"
 
+#include <cstring>
+
 namespace
 {
 
@@ -33,35 +35,120 @@ MK_SIMD int Count_Ages(const float *__restrict age, const float *__restrict maxA
     return aged;
 }
 
-/// `SIGN` 1 marks what is above the limit, -1 what is below it.
-template <int SIGN, typename Points>
-MK_SIMD void Mark_Distances(const Points &positions, int count, Vector3 center, float limit, uint8_t *__restrict dead)
+// What kills: whether it does a particle that a source tells of by its place.
+
+/// `SIGN` 1 for what is above the limit, -1 for what isn't.
+template <int SIGN>
+struct AtDistance
 {
-    for (int i = 0; i < count; ++i) {
+    Vector3 Center;
+    float Limit;
+
+    template <typename Points>
+    MK_INLINE bool Kills(const Points &positions, int i) const
+    {
         const Vector3 position = positions.At(i);
-        const float x = position.x - center.x;
-        const float y = position.y - center.y;
-        const float z = position.z - center.z;
+        const float x = position.x - Center.x;
+        const float y = position.y - Center.y;
+        const float z = position.z - Center.z;
         const float squared = x * x + y * y + z * z;
-        dead[i] = (SIGN > 0 ? squared > limit : squared <= limit) ? 1 : 0;
+        return SIGN > 0 ? squared > Limit : squared <= Limit;
     }
-}
+};
 
-MK_SIMD void Mark_Coordinates(const float *__restrict values, int count, float sign, float limit,
-                              uint8_t *__restrict dead)
+struct PastRow
 {
-    for (int i = 0; i < count; ++i) dead[i] = values[i * 3] * sign > limit ? 1 : 0;
-}
+    Vector4 Row;
+    float Sign;
+    float Limit;
 
-template <typename Points>
-MK_SIMD void Mark_Rows(const Points &positions, int count, Vector4 row, float sign, float limit,
-                       uint8_t *__restrict dead)
-{
-    for (int i = 0; i < count; ++i) {
+    template <typename Points>
+    MK_INLINE bool Kills(const Points &positions, int i) const
+    {
         const Vector3 position = positions.At(i);
-        const float value = row.x * position.x + row.y * position.y + row.z * position.z + row.w;
-        dead[i] = value * sign > limit ? 1 : 0;
+        return (Row.x * position.x + Row.y * position.y + Row.z * position.z + Row.w) * Sign > Limit;
     }
+};
+
+/// One of `STEP` floats each.
+template <int STEP>
+struct Coordinates
+{
+    const float *Values;
+
+    MK_INLINE float At(int i) const { return Values[i * STEP]; }
+};
+
+struct PastValue
+{
+    float Sign;
+    float Limit;
+
+    template <typename Values>
+    MK_INLINE bool Kills(const Values &values, int i) const
+    {
+        return values.At(i) * Sign > Limit;
+    }
+};
+
+struct FromValue
+{
+    float Limit;
+
+    template <typename Values>
+    MK_INLINE bool Kills(const Values &values, int i) const
+    {
+        return values.At(i) >= Limit;
+    }
+};
+
+/// Above an offset.
+struct BelowHeight
+{
+    float Offset;
+    float Limit;
+
+    template <typename Values>
+    MK_INLINE bool Kills(const Values &values, int i) const
+    {
+        return values.At(i) + Offset < Limit;
+    }
+};
+
+template <typename Source, typename Condition>
+MK_SIMD bool Kills_Any(const Source &source, int count, Condition condition)
+{
+    uint32_t any = 0;
+    for (int i = 0; i < count; ++i) any |= condition.Kills(source, i) ? ~0u : 0u;
+    return any != 0;
+}
+
+template <typename Source, typename Condition>
+MK_SIMD void Mark_All(const Source &source, int count, Condition condition, uint8_t *__restrict dead)
+{
+    for (int i = 0; i < count; ++i) dead[i] = condition.Kills(source, i) ? 1 : 0;
+}
+
+/// Most blocks lose nobody, and are done when that is known.
+template <typename Source, typename Condition>
+int Mark(const Source &source, int count, const Condition &condition, uint8_t *dead)
+{
+    if (!Kills_Any(source, count, condition)) {
+        std::memset(dead, 0, static_cast<size_t>(count));
+        return 0;
+    }
+    Mark_All(source, count, condition, dead);
+    return Count_Marks(dead, count);
+}
+
+template <typename Condition>
+int Mark_Points(const Vector3 *positions, int count, const Condition &condition, uint8_t *dead)
+{
+    int deaths = 0;
+    Particle::For_Points(positions, count, [&](const auto &points, int at, int size) {
+        deaths += Mark(points, size, condition, dead + at);
+    });
+    return deaths;
 }
 
 /// Below a limit is above it with both signs turned.
@@ -88,35 +175,45 @@ int Count_Aged(const float *age, const float *maxAge, int count, float dt, int &
 
 int Mark_Beyond(const Vector3 *positions, int count, const Vector3 &center, float squaredRadius, uint8_t *dead)
 {
-    Particle::For_Points(positions, count, [&](const auto &points, int at, int size) {
-        Mark_Distances<1>(points, size, center, squaredRadius, dead + at);
-    });
-    return Count_Marks(dead, count);
+    return Mark_Points(positions, count, AtDistance<1>{center, squaredRadius}, dead);
 }
 
 int Mark_Within(const Vector3 *positions, int count, const Vector3 &center, float squaredRadius, uint8_t *dead)
 {
-    Particle::For_Points(positions, count, [&](const auto &points, int at, int size) {
-        Mark_Distances<-1>(points, size, center, squaredRadius, dead + at);
-    });
-    return Count_Marks(dead, count);
+    return Mark_Points(positions, count, AtDistance<-1>{center, squaredRadius}, dead);
 }
 
 int Mark_On_Axis(const Vector3 *positions, int axis, int count, Comparison comparison, float limit, uint8_t *dead)
 {
     const float sign = Sign_Of(comparison);
-    Mark_Coordinates(&positions->x + axis, count, sign, limit * sign, dead);
-    return Count_Marks(dead, count);
+    return Mark(Coordinates<3>{&positions->x + axis}, count, PastValue{sign, limit * sign}, dead);
 }
 
 int Mark_Mapped(const Vector3 *positions, int count, const Vector4 &row, Comparison comparison, float limit,
                 uint8_t *dead)
 {
     const float sign = Sign_Of(comparison);
-    Particle::For_Points(positions, count, [&](const auto &points, int at, int size) {
-        Mark_Rows(points, size, row, sign, limit * sign, dead + at);
-    });
-    return Count_Marks(dead, count);
+    return Mark_Points(positions, count, PastRow{row, sign, limit * sign}, dead);
+}
+
+int Mark_Below(const Vector3 *positions, int count, const vrTerrain &terrain, const Vector3 &offset, uint8_t *dead)
+{
+    const vrHeightRange range = terrain.Get_Height_Range();
+    const int low = Mark(Coordinates<3>{&positions->z}, count, BelowHeight{offset.z, range.Greatest}, dead);
+    if (low == 0 || range.Least == range.Greatest) return low;
+    int deaths = 0;
+    for (int at = 0; at < count; ++at) {
+        if (!dead[at]) continue;
+        const Vector3 point = positions[at] + offset;
+        dead[at] = point.z < range.Least || point.z < terrain.Get_Height(point.x, point.y) ? 1 : 0;
+        deaths += dead[at];
+    }
+    return deaths;
+}
+
+int Mark_From(const float *values, int count, float limit, uint8_t *dead)
+{
+    return Mark(Coordinates<1>{values}, count, FromValue{limit}, dead);
 }
 
 void Report_Deaths(vrMKPBuffer &buffer, vrMKPSpan span, const uint8_t *dead, float dt, bool spawnOnDeath)

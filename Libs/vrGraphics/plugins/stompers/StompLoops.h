@@ -4,6 +4,7 @@
 /// many are dead; a comparison with what is no number spares the particle.
 
 #include "vrGraphics/particle/vrMKPBuffer.h"
+#include "vrGraphics/particle/vrWorld.h"
 
 namespace StompLoops
 {
@@ -26,6 +27,11 @@ int Mark_On_Axis(const Vector3 *positions, int axis, int count, Comparison compa
 /// The same for the coordinate in another frame: the dot product with `row`, its fourth number added.
 int Mark_Mapped(const Vector3 *positions, int count, const Vector4 &row, Comparison comparison, float limit,
                 uint8_t *dead);
+
+/// Those that `offset` puts below the ground.
+int Mark_Below(const Vector3 *positions, int count, const vrTerrain &terrain, const Vector3 &offset, uint8_t *dead);
+/// Those with a value that is no less than `limit`.
+int Mark_From(const float *values, int count, float limit, uint8_t *dead);
 
 /// Tells the listeners of the marked ones of a run, in ring order, as they will stand `dt` later, and clears the clock.
 void Report_Deaths(vrMKPBuffer &buffer, vrMKPSpan span, const uint8_t *dead, float dt, bool spawnOnDeath);

@@ -22,6 +22,19 @@ constexpr const char *DYNAMIC_RADIUS_TEXT = "Use the dynamic target radius value
 
 std::atomic<float> defaultHeight{-60.0f};
 
+/// The ground of a world without terrain.
+class LevelGround final : public vrTerrain
+{
+public:
+    explicit LevelGround(float height) : Height(height) {}
+    float Get_Height(float /*x*/, float /*y*/) const override { return Height; }
+    vrHeightRange Get_Height_Range() const override { return {Height, Height}; }
+    bool Intersect_Segment(const Vector3 &, const Vector3 &, Vector3 &, Vector3 &) const override { return false; }
+
+private:
+    float Height;
+};
+
 /// The bone that the target rides on.
 class vrMKPTargetStomperPluginData final : public vrMKPBufferPluginData
 {
@@ -92,17 +105,11 @@ void vrMKPTerrainStomper::Set_Default_Height(float height)
 
 void vrMKPTerrainStomper::Stomp(vrMKPBuffer &buffer, bool spawnOnDeath) const
 {
-    const vrTerrain *terrain = buffer.State->Terrain;
+    const LevelGround substitute(Get_Default_Height());
+    const vrTerrain &terrain = buffer.State->Terrain ? *buffer.State->Terrain : substitute;
     const Vector3 offset = IntersectionOffset->Get_Value();
-    const float ground = Get_Default_Height();
     StompLoops::Remove_Marked(buffer, 0.0f, spawnOnDeath, [&](vrMKPSpan span, uint8_t *dead) {
-        int deaths = 0;
-        for (int at = 0; at < span.Count; ++at) {
-            const Vector3 point = buffer.WorldPosition[span.First + at] + offset;
-            dead[at] = point.z < (terrain ? terrain->Get_Height(point.x, point.y) : ground) ? 1 : 0;
-            deaths += dead[at];
-        }
-        return deaths;
+        return StompLoops::Mark_Below(buffer.WorldPosition + span.First, span.Count, terrain, offset, dead);
     });
 }
 
