@@ -68,8 +68,8 @@ MK_SIMD void Color_Loop(const float *__restrict time, uint32_t *__restrict color
 
 /// One axis of the box and of the centroid, in lanes, as a loop without reordering can do it.
 MK_SIMD void Bounds_Loop(const float *__restrict position, const float *__restrict width,
-                         const float *__restrict height, int count, float *__restrict lowest,
-                         float *__restrict highest, float *__restrict sum)
+                         const float *__restrict height, int count, float *__restrict lowest, float *__restrict highest,
+                         float *__restrict sum)
 {
     float low[LANES], high[LANES], sums[LANES];
     for (int lane = 0; lane < LANES; ++lane) {
@@ -100,8 +100,8 @@ PlainLayer::PlainLayer(int capacity, float rate, float life, bool measuresBounds
     : Capacity(capacity), Rate(rate), Life(life), MeasuresBounds(measuresBounds), Color(static_cast<size_t>(capacity)),
       Rotation(static_cast<size_t>(capacity)), ID(static_cast<size_t>(capacity))
 {
-    for (float **array : {&X, &Y, &Z, &OldX, &OldY, &OldZ, &VX, &VY, &VZ, &WX, &WY, &WZ, &Age, &MaxAge, &Time, &Width,
-                          &Height})
+    for (float **array :
+         {&X, &Y, &Z, &OldX, &OldY, &OldZ, &VX, &VY, &VZ, &WX, &WY, &WZ, &Age, &MaxAge, &Time, &Width, &Height})
         *array = Take();
 }
 
@@ -111,7 +111,8 @@ float *PlainLayer::Take()
     return Arrays.back().get();
 }
 
-template <typename Work> void PlainLayer::For_Spans(Work &&work)
+template <typename Work>
+void PlainLayer::For_Spans(Work &&work)
 {
     const int untilEnd = std::min(Count, Capacity - Head);
     if (untilEnd > 0) work(Span{Head, untilEnd});

@@ -25,7 +25,8 @@ private:
         int First;
         int Count;
     };
-    template <typename Work> void For_Spans(Work &&work);
+    template <typename Work>
+    void For_Spans(Work &&work);
     void Spawn(int count, float dt);
     float *Take();
 

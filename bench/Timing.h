@@ -12,7 +12,8 @@ namespace Timing
 using Clock = std::chrono::steady_clock;
 
 /// Nanoseconds that a call takes.
-template <typename Call> double Nanoseconds(Call &&call)
+template <typename Call>
+double Nanoseconds(Call &&call)
 {
     const auto start = Clock::now();
     call();
@@ -32,7 +33,8 @@ struct PairStruct
 };
 
 /// `ours` and `limit` run one round each and answer its nanoseconds a unit of work.
-template <typename Ours, typename Limit> PairStruct Compare(int rounds, Ours &&ours, Limit &&limit)
+template <typename Ours, typename Limit>
+PairStruct Compare(int rounds, Ours &&ours, Limit &&limit)
 {
     std::vector<double> left;
     std::vector<double> right;

@@ -57,7 +57,8 @@ ShapeStruct Take_Shape(Bytes &bytes)
     return shape;
 }
 
-template <typename Curve, typename Take> void Change_Curve(ParameterClass &parameter, Bytes &bytes, Take &&take)
+template <typename Curve, typename Take>
+void Change_Curve(ParameterClass &parameter, Bytes &bytes, Take &&take)
 {
     auto &curve = static_cast<Curve &>(parameter);
     curve.Clear_Keys();
@@ -80,9 +81,7 @@ void Change(ParameterClass &parameter, Bytes &bytes)
     case ParameterType::Mask:
         static_cast<MaskParameter &>(parameter).Set_Value(static_cast<uint32_t>(bytes.Take_Int()));
         break;
-    case ParameterType::Enumeration:
-        static_cast<EnumParameterClass &>(parameter).Set_Index(bytes.Choose(9) - 1);
-        break;
+    case ParameterType::Enumeration: static_cast<EnumParameterClass &>(parameter).Set_Index(bytes.Choose(9) - 1); break;
     case ParameterType::Shape: static_cast<ShapeParameterClass &>(parameter).Set_Value(Take_Shape(bytes)); break;
     case ParameterType::KeyedFloat:
         Change_Curve<KeyedFloatParameterClass>(parameter, bytes, [](Bytes &from) { return from.Take_Float(); });
@@ -107,7 +106,8 @@ void Change(ParameterClass &parameter, Bytes &bytes)
 }
 
 /// A plugin of a family; each parameter stays as it is or gets a value.
-template <typename Plugin> SmartPtr<Plugin> Make(vrMKPPlugin::PluginType family, Bytes &bytes)
+template <typename Plugin>
+SmartPtr<Plugin> Make(vrMKPPlugin::PluginType family, Bytes &bytes)
 {
     const int first = static_cast<int>(bytes.Take_Byte());
     for (int step = 0; step < VRMKP_PLUGIN_COUNT; ++step) {
@@ -167,8 +167,8 @@ float Bytes::Take_Float()
 
 int32_t Bytes::Take_Int()
 {
-    constexpr int32_t SPECIAL[] = {0, 1, -1, std::numeric_limits<int32_t>::max(), std::numeric_limits<int32_t>::min(),
-                                   1000000};
+    constexpr int32_t SPECIAL[] = {
+        0, 1, -1, std::numeric_limits<int32_t>::max(), std::numeric_limits<int32_t>::min(), 1000000};
     const uint32_t kind = Take_Byte();
     return kind < std::size(SPECIAL) ? SPECIAL[kind] : static_cast<int32_t>(kind);
 }

@@ -29,8 +29,9 @@ vrMKPRenderable::vrMKPRenderable(const vrMKPRenderable &other)
       RotateOffset(other.RotateOffset), ScaleOffset(other.ScaleOffset), SortBias(other.SortBias),
       StartDelay(other.StartDelay), StartDelayVariation(other.StartDelayVariation),
       BaseRandomSeed(other.BaseRandomSeed), Physics(PluginSlots::Copy(other.Physics, vrMKPContext::InEditor)),
-      DynamicSettings(vrMKPDynamicSettings::Get_Shared_Default()), RenderableState(other.RenderableState), AlwaysSimulate(other.AlwaysSimulate),
-      VelocityAligned(other.VelocityAligned), Marker(other.Marker), ScaleEnabled(other.ScaleEnabled)
+      DynamicSettings(vrMKPDynamicSettings::Get_Shared_Default()), RenderableState(other.RenderableState),
+      AlwaysSimulate(other.AlwaysSimulate), VelocityAligned(other.VelocityAligned), Marker(other.Marker),
+      ScaleEnabled(other.ScaleEnabled)
 {
     Set_Renderable_State(STATE_STARTED | STATE_IN_SCENE, false);
     Modifiers.reserve(other.Modifiers.size());

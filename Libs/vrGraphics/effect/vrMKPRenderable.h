@@ -169,9 +169,11 @@ protected:
     /// Lets the modifiers change the outcome of the frame.
     virtual void Update_Modifiers(vrMKPRenderableModifierContext context);
     /// What a plugin of a renderable is told of the frame. A delayed renderable stands still until its delay is over.
-    template <typename Context> Context Make_Context(vrMKPBufferPluginData *data)
+    template <typename Context>
+    Context Make_Context(vrMKPBufferPluginData *data)
     {
-        const float sinceStart = State.RunningTime > State.StartTimeOffset ? State.RunningTime - State.StartTimeOffset : 0.0f;
+        const float sinceStart =
+            State.RunningTime > State.StartTimeOffset ? State.RunningTime - State.StartTimeOffset : 0.0f;
         return {{State, sinceStart, sinceStart < State.FrameTime ? sinceStart : State.FrameTime, Random, data}};
     }
 

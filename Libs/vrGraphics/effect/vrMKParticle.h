@@ -96,12 +96,13 @@ public:
     void Set_Hidden_By_LOD(bool hidden) { Set_Hidden_Flag(HiddenByLOD, hidden); }
     bool Is_Suspended() const { return HiddenBySpawner || HiddenByGroup || HiddenByLOD; }
 
-    /// Makes the buffer, or readies it for a new run. False when the layer stays without a live one: the spawner doesn't
-    /// want it yet, or its capacity is refused, which is logged once a run. Before a frame: it allocates, and draws from
-    /// counters of the process.
+    /// Makes the buffer, or readies it for a new run. False when the layer stays without a live one: the spawner
+    /// doesn't want it yet, or its capacity is refused, which is logged once a run. Before a frame: it allocates, and
+    /// draws from counters of the process.
     bool Prepare_Buffer(vrMKParticleGroup &group);
-    /// One frame of `dt` seconds, in the fixed order that makes a particle's life: age and remove the dead, move, spawn,
-    /// modifiers in list order, world positions, the stomper's condition, bounds. Does nothing without a live buffer.
+    /// One frame of `dt` seconds, in the fixed order that makes a particle's life: age and remove the dead, move,
+    /// spawn, modifiers in list order, world positions, the stomper's condition, bounds. Does nothing without a live
+    /// buffer.
     void Update(float dt, vrMKParticleGroup &group);
     /// The same for a layer that a graphics device simulates.
     void Update_Hardware(float dt, vrMKParticleGroup &group);

@@ -8,7 +8,8 @@
 
 float vrMKParticleEmitter::DriverTintAlpha = 1.0f;
 
-template <typename Call> void vrMKParticleEmitter::For_Groups(Call &&call) const
+template <typename Call>
+void vrMKParticleEmitter::For_Groups(Call &&call) const
 {
     for (const auto &renderable : MKPRenderables)
         if (auto *group = MK_Dynamic_Cast<vrMKParticleGroup>(renderable.Get())) call(*group);

@@ -32,7 +32,8 @@ void Count(int &total, int count)
     total = count > INT_MAX - total ? INT_MAX : total + count;
 }
 
-template <typename Work> void For_Blocks(const vrMKPSpans &spans, Work &&work)
+template <typename Work>
+void For_Blocks(const vrMKPSpans &spans, Work &&work)
 {
     for (const vrMKPSpan span : spans) {
         const int end = span.First + span.Count;
@@ -72,9 +73,7 @@ bool vrMKParticle::Prepare_Buffer(vrMKParticleGroup &group)
 
 vrMKParticle::PreparedKinds vrMKParticle::Get_Kinds() const
 {
-    const auto kind = [](const vrMKPPlugin *plugin) {
-        return plugin ? plugin->Get_Plugin_Class() : VRMKP_PLUGIN_NONE;
-    };
+    const auto kind = [](const vrMKPPlugin *plugin) { return plugin ? plugin->Get_Plugin_Class() : VRMKP_PLUGIN_NONE; };
     return {kind(Spawner.Get()), kind(Stomper.Get()), kind(Visualizer.Get())};
 }
 
@@ -140,8 +139,8 @@ void vrMKParticle::Pre_Simulate(vrMKParticleGroup &group)
                static_cast<double>(static_cast<float>(done) * PRE_SIMULATION_STEP));
 }
 
-/// Everything that happens to a particle in a frame but for its birth and the stomper's condition happens to one block of
-/// particles after the other, as long as they are in the cache, where the plugins allow it: `Fuses_Blocks`.
+/// Everything that happens to a particle in a frame but for its birth and the stomper's condition happens to one block
+/// of particles after the other, as long as they are in the cache, where the plugins allow it: `Fuses_Blocks`.
 void vrMKParticle::Step_Particles()
 {
     const MKDebug::AssertScope onceAStep;
@@ -185,9 +184,9 @@ void vrMKParticle::Step_Particles()
     Measure(inBlocks);
 }
 
-/// Whether the particles of the last frame are modified and placed before this frame's are born. What a modifier does to
-/// one particle must not depend on the others, and it must draw nothing. A small layer stays in the cache as it is, and
-/// has fewer calls without.
+/// Whether the particles of the last frame are modified and placed before this frame's are born. What a modifier does
+/// to one particle must not depend on the others, and it must draw nothing. A small layer stays in the cache as it is,
+/// and has fewer calls without.
 bool vrMKParticle::Fuses_Blocks() const
 {
     return Buffer->ActiveCount > BLOCK && !Spawner->Sets_Live_Slots() &&
@@ -199,11 +198,11 @@ bool vrMKParticle::Fuses_Blocks() const
 
 void vrMKParticle::Prepare_Modifiers(size_t first, size_t last)
 {
-    for (size_t index = first; index < last; ++index)
-        Modifiers[index]->Prepare_Frame(*Buffer, static_cast<int>(index));
+    for (size_t index = first; index < last; ++index) Modifiers[index]->Prepare_Frame(*Buffer, static_cast<int>(index));
 }
 
-/// Runs modifiers `first` to `last` on a block, of which `fresh` was born in this frame, and then places and measures it.
+/// Runs modifiers `first` to `last` on a block, of which `fresh` was born in this frame, and then places and measures
+/// it.
 void vrMKParticle::Finish_Block(vrMKPSpan block, vrMKPSpan fresh, size_t first, size_t last, bool transforms,
                                 vrMKPBoundsSum *sum)
 {
@@ -257,7 +256,8 @@ void vrMKParticle::Measure(const vrMKPBoundsSum *sum)
 
 bool vrMKParticle::Should_Spawn() const
 {
-    return Spawner && Buffer && Buffer->State && Has_Quality() && Spawner->Can_Spawn(Buffer.Get(), *Buffer->State, Stomper.Get());
+    return Spawner && Buffer && Buffer->State && Has_Quality() &&
+           Spawner->Can_Spawn(Buffer.Get(), *Buffer->State, Stomper.Get());
 }
 
 void vrMKParticle::Update_Hardware(float dt, vrMKParticleGroup &group)
@@ -283,8 +283,8 @@ void vrMKParticle::Select_Visible_Particles(const Vector3 &camera)
     Visualizer->Select_Visible_Particles(*Buffer, camera);
 }
 
-/// Whether the layer has a part in what keeps its emitter in the scene: it has particles, or may get some in this run. A
-/// hidden layer only pauses, and without an end it waits for a better quality too.
+/// Whether the layer has a part in what keeps its emitter in the scene: it has particles, or may get some in this run.
+/// A hidden layer only pauses, and without an end it waits for a better quality too.
 bool vrMKParticle::Has_Work() const
 {
     if (Is_Suspended() || !Buffer || !Buffer->Active) return false;
@@ -318,15 +318,16 @@ float vrMKParticle::Get_Lifetime() const
     return Spawner->Get_Start_Time(state) + Spawner->Get_Stop_Time() + Stomper->Get_Max_Life(state);
 }
 
-void vrMKParticle::On_Parent_Particle_Death(const vrMKPBuffer &parent, const Vector3 &position,
-                                            const Vector3 &velocity, float overshoot)
+void vrMKParticle::On_Parent_Particle_Death(const vrMKPBuffer &parent, const Vector3 &position, const Vector3 &velocity,
+                                            float overshoot)
 {
     if (Group) Group->On_Parent_Particle_Death(this, position, velocity, overshoot, &parent);
 }
 
 void vrMKParticle::Draw_Probability()
 {
-    if (Spawner && Group) Set_Hidden_By_LOD(!(Spawner->Get_Probability() > Group->Get_State().Random.Get_Float(0.0f, 1.0f)));
+    if (Spawner && Group)
+        Set_Hidden_By_LOD(!(Spawner->Get_Probability() > Group->Get_State().Random.Get_Float(0.0f, 1.0f)));
 }
 
 void vrMKParticle::Set_Alt_Index(int index)

@@ -29,24 +29,32 @@ MK_SIMD void Split_Freely(float *__restrict x, float *__restrict y, float *__res
     }
 }
 
-MK_SIMD void Join_Freely(float *__restrict to, const float *__restrict x, const float *__restrict y,
-                         const float *__restrict z, int count)
+/// What is infinite or no number less itself isn't 0, and all else is.
+MK_INLINE uint32_t Invalid_Bits(float value)
 {
+    return std::bit_cast<uint32_t>(value - value);
+}
+
+MK_SIMD uint32_t Join_Freely(float *__restrict to, const float *__restrict x, const float *__restrict y,
+                             const float *__restrict z, int count)
+{
+    uint32_t invalid = 0;
     for (int i = 0; i < count; ++i) {
         to[3 * i] = x[i];
         to[3 * i + 1] = y[i];
         to[3 * i + 2] = z[i];
+        invalid |= Invalid_Bits(x[i]) | Invalid_Bits(y[i]) | Invalid_Bits(z[i]);
     }
+    return invalid;
 }
 
-/// A sum less itself isn't 0 where it is infinite or no number.
 MK_SIMD uint32_t Add_Floats(float *__restrict to, const float *__restrict add, int count)
 {
     uint32_t invalid = 0;
     for (int at = 0; at < count; ++at) {
         const float sum = to[at] + add[at];
         to[at] = sum;
-        invalid |= std::bit_cast<uint32_t>(sum - sum);
+        invalid |= Invalid_Bits(sum);
     }
     return invalid;
 }
@@ -89,10 +97,11 @@ void Split(Planes &to, const Vector3 *from, int count)
     for (; at < count; ++at) to.Put(at, from[at]);
 }
 
-void Join(Vector3 *to, const Planes &from, int count)
+bool Join(Vector3 *to, const Planes &from, int count)
 {
     float *target = &to->x;
-    if (Shuffles_Freely()) return Join_Freely(target, from.X, from.Y, from.Z, count);
+    if (Shuffles_Freely()) return Join_Freely(target, from.X, from.Y, from.Z, count) == 0;
+    Floats differences{};
     int at = 0;
     for (; at + 4 <= count; at += 4) {
         const Floats x = Load(from.X + at);
@@ -104,8 +113,14 @@ void Join(Vector3 *to, const Planes &from, int count)
         Store(target + at * 3, __builtin_shufflevector(xy, zx, 0, 2, 4, 6));
         Store(target + at * 3 + 4, __builtin_shufflevector(yz, xy, 0, 2, 5, 7));
         Store(target + at * 3 + 8, __builtin_shufflevector(zx, yz, 1, 3, 5, 7));
+        differences += (x - x) + (y - y) + (z - z); // 0, or no number for good
     }
-    for (; at < count; ++at) to[at] = from.At(at);
+    float sum = differences[0] + differences[1] + differences[2] + differences[3];
+    for (; at < count; ++at) {
+        to[at] = from.At(at);
+        sum += (to[at].x - to[at].x) + (to[at].y - to[at].y) + (to[at].z - to[at].z);
+    }
+    return sum == 0.0f;
 }
 
 bool Add_Vectors(Vector3 *to, const Vector3 *add, int count)

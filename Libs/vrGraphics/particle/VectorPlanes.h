@@ -40,7 +40,8 @@ struct Interleaved
 bool Shuffles_Freely();
 /// `count` is at most `Planes::BLOCK`.
 void Split(Planes &to, const Vector3 *from, int count);
-void Join(Vector3 *to, const Planes &from, int count);
+/// False when a component is infinite or no number.
+bool Join(Vector3 *to, const Planes &from, int count);
 /// to += add. False when a sum is infinite or no number.
 bool Add_Vectors(Vector3 *to, const Vector3 *add, int count);
 

@@ -24,11 +24,11 @@ constexpr size_t ALIGNMENT = 64;
 std::atomic<uint32_t> nextSeed{1};
 std::atomic<size_t> bytesInUse{0};
 
-constexpr size_t ELEMENT_SIZES[] = {
-    sizeof(Vector3), sizeof(Vector3),  sizeof(Vector3),  sizeof(Vector3),  sizeof(Vector3),
-    sizeof(float),   sizeof(float),    sizeof(float),    sizeof(float),    sizeof(uint32_t),
-    sizeof(uint32_t), sizeof(uint32_t), sizeof(Vector2), sizeof(Vector2),  sizeof(vrColor),
-    sizeof(Vector2), sizeof(uint32_t), sizeof(Vector3),  sizeof(uint32_t), sizeof(float)};
+constexpr size_t ELEMENT_SIZES[] = {sizeof(Vector3),  sizeof(Vector3),  sizeof(Vector3),  sizeof(Vector3),
+                                    sizeof(Vector3),  sizeof(float),    sizeof(float),    sizeof(float),
+                                    sizeof(float),    sizeof(uint32_t), sizeof(uint32_t), sizeof(uint32_t),
+                                    sizeof(Vector2),  sizeof(Vector2),  sizeof(vrColor),  sizeof(Vector2),
+                                    sizeof(uint32_t), sizeof(Vector3),  sizeof(uint32_t), sizeof(float)};
 static_assert(std::size(ELEMENT_SIZES) == MKP_ATTRIBUTE_COUNT);
 
 size_t Channel_Bytes(uint32_t channel, int capacity)

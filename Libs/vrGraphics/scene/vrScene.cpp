@@ -15,6 +15,9 @@ static MKDebug::Logger VorenLog("VorenLog");
 namespace
 {
 
+/// Few enough that neighbours stay with one thread, enough that all threads end at about the same time.
+constexpr int RANGES_A_THREAD = 8;
+
 /// While one lives, work of a frame runs in parallel.
 struct ParallelSection
 {
@@ -104,7 +107,7 @@ void vrScene::Think_Particles_Of_All(float dt)
     const int count = static_cast<int>(ParticleList.size());
     const auto think = [&](int first, int last) {
         for (int index = first; index < last; ++index) {
-            if (index + 1 < count) ParticleList[static_cast<size_t>(index + 1)]->Fetch_Particles();
+            if (index + 1 < last) ParticleList[static_cast<size_t>(index + 1)]->Fetch_Particles();
             ParticleList[static_cast<size_t>(index)]->Think_Particles(dt);
         }
     };
@@ -114,7 +117,8 @@ void vrScene::Think_Particles_Of_All(float dt)
     if (isSerial)
         think(0, count);
     else
-        ThreadPool::Parallel_For(0, count, 1, think);
+        ThreadPool::Parallel_For(0, count, std::max(count / (ThreadPool::Get_Thread_Count() * RANGES_A_THREAD), 1),
+                                 think);
 }
 
 void vrScene::Remove_Object(vrRenderable &renderable, int)

@@ -20,7 +20,8 @@ namespace
 using MKTest::EditorMode;
 
 /// Creates the plugin of a slot and sets its parameters by name.
-template <typename Plugin> SmartPtr<Plugin> Make(uint32_t id)
+template <typename Plugin>
+SmartPtr<Plugin> Make(uint32_t id)
 {
     return static_cast<Plugin *>(vrMKPPlugin::Create_Plugin(id));
 }
@@ -44,8 +45,8 @@ void Set_Velocity(const vrMKPPlugin *plugin, const Vector3 &velocity)
     dynamic_cast<ShapeParameterClass &>(*plugin->Get_Parameter_By_Name("Velocity")).Set_Value(shape);
 }
 
-/// An emitter with one group in a simple scene, whose layers spawn at a point, one particle each tenth of a second, which
-/// live a second and stay where they are.
+/// An emitter with one group in a simple scene, whose layers spawn at a point, one particle each tenth of a second,
+/// which live a second and stay where they are.
 struct Stage
 {
     vrSimpleScene Scene;
@@ -133,7 +134,8 @@ TEST(Frame, WhatRunsAheadOfAStartIsBoundedByTheRingThatItComesToHave)
     vrMKParticle &parent = stage.Add_Layer("parent");
     Set(parent.Get_Spawner(), "Particles / Second", 1000000.0f);
     vrMKParticle &slave = stage.Add_Layer("slave", 95);
-    dynamic_cast<StringParameterClass &>(*slave.Get_Spawner()->Get_Parameter_By_Name("Parent Name")).Set_Value("parent");
+    dynamic_cast<StringParameterClass &>(*slave.Get_Spawner()->Get_Parameter_By_Name("Parent Name"))
+        .Set_Value("parent");
     Set(slave.Get_Spawner(), "PreSimulateSeconds", 100.0f);
     const MKTest::Reports reports;
     stage.Play(1, 0.0f);
@@ -333,7 +335,8 @@ TEST(Frame, ScaleTurnsIntoSizesAndTheTransformIsFreeOfIt)
         float scale;
         float multiplier;
         float positionScale;
-    } cases[] = {{1.0f, 1.0f, 1.0f}, {1.004f, 1.003f, 1.0f}, {3.0f, 2.5f, 3.0f}, {0.5f, 0.5f, 0.5f}, {0.0f, 0.01f, 0.01f}};
+    } cases[] = {
+        {1.0f, 1.0f, 1.0f}, {1.004f, 1.003f, 1.0f}, {3.0f, 2.5f, 3.0f}, {0.5f, 0.5f, 0.5f}, {0.0f, 0.01f, 0.01f}};
     for (const auto &row : cases) {
         SCOPED_TRACE(row.scale);
         Stage stage;
@@ -360,7 +363,8 @@ TEST(Frame, DeathsReachTheirListenerAndFaultsAreNamed)
     vrMKParticle &parent = stage.Add_Layer("parent");
     Set(parent.Get_Stomper(), "Spawn on Age", true);
     vrMKParticle &child = stage.Add_Layer("child", 40);
-    dynamic_cast<StringParameterClass &>(*child.Get_Spawner()->Get_Parameter_By_Name("Parent Name")).Set_Value("PARENT");
+    dynamic_cast<StringParameterClass &>(*child.Get_Spawner()->Get_Parameter_By_Name("Parent Name"))
+        .Set_Value("PARENT");
     Set(child.Get_Spawner(), "Particles / Death", 3.0f);
     stage.Play(8);
     EXPECT_EQ(stage.Live(1), 0);
@@ -384,7 +388,8 @@ TEST(Frame, TheLastDeathOfAnEffectStillBursts)
     const EditorMode editor(true);
     Stage stage;
     vrMKParticle &child = stage.Add_Layer("child", 40); // ahead of its parent, it hears of a death a frame later
-    dynamic_cast<StringParameterClass &>(*child.Get_Spawner()->Get_Parameter_By_Name("Parent Name")).Set_Value("parent");
+    dynamic_cast<StringParameterClass &>(*child.Get_Spawner()->Get_Parameter_By_Name("Parent Name"))
+        .Set_Value("parent");
     Set(child.Get_Stomper(), "Stomp Time", 5.0f);
     vrMKParticle &parent = stage.Add_Layer("parent");
     Set(parent.Get_Spawner(), "Stop Time", 0.05f);
@@ -482,7 +487,8 @@ TEST(Frame, AnEditorMayReplaceThePluginsOfAPlayingLayer)
     EXPECT_GT(stage.Live(), live);
     stage.Add_Layer("parent");
     layer.Set_Spawner(Make<vrMKPSpawner>(95).Get());
-    dynamic_cast<StringParameterClass &>(*layer.Get_Spawner()->Get_Parameter_By_Name("Parent Name")).Set_Value("parent");
+    dynamic_cast<StringParameterClass &>(*layer.Get_Spawner()->Get_Parameter_By_Name("Parent Name"))
+        .Set_Value("parent");
     stage.Emitter->Restart();
     stage.Play(3);
     EXPECT_GT(stage.Live(0), 0);

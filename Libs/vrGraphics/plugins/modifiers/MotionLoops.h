@@ -94,13 +94,6 @@ MK_INLINE bool Is_Invalid(const Vector3 &vector)
 {
     return Invalid_Bits(vector) != 0;
 }
-/// The same by fewer steps, but not 0 either where only the sum is beyond all floats.
-MK_INLINE uint32_t Suspicious_Bits(const Vector3 &vector)
-{
-    const float sum = vector.x + vector.y + vector.z;
-    return std::bit_cast<uint32_t>(sum - sum);
-}
-
 /// `a` where the mask is all ones and `b` where it is 0. On bits, since the compiler makes a branch around the store of
 /// a value that may be the old one, and then can't take the loop.
 MK_INLINE float Select_Bits(uint32_t mask, float a, float b)
@@ -137,15 +130,13 @@ enum LoopForm
     WRITES_POSITION
 };
 
-/// Runs the kernel on a block whose old values are under 0 on, and answers what is suspicious. The new ones never go to
-/// the channels at once: the compiler would group the arithmetic by components, and repeat each square root and
-/// division for them.
+/// Runs the kernel on a block whose old values are under 0 on. The new ones never go to the channels at once: the
+/// compiler would group the arithmetic by components, and repeat each square root and division for them.
 template <LoopForm Form, bool MayRest, typename Kernel, typename Vectors>
-MK_INLINE uint32_t Run_Kernel(const Kernel &kernel, int first, int count, const uint32_t *__restrict flags,
-                              const Vectors &positions, const Vectors &velocities, Particle::Planes &newPositions,
-                              Particle::Planes &newVelocities)
+MK_INLINE void Run_Kernel(const Kernel &kernel, int first, int count, const uint32_t *__restrict flags,
+                          const Particle::Planes &positions, const Vectors &velocities, Particle::Planes &newPositions,
+                          Particle::Planes &newVelocities)
 {
-    uint32_t suspicious = 0;
 #pragma GCC ivdep
     for (int i = 0; i < count; ++i) {
         const Vector3 oldPosition = Form == VELOCITY_ALONE ? Vector3(0.0f) : positions.At(i);
@@ -155,44 +146,54 @@ MK_INLINE uint32_t Run_Kernel(const Kernel &kernel, int first, int count, const 
         const uint32_t mask = Mask<MayRest>(kernel(first + i, position, velocity), flags + i);
         newVelocities.Put(i, Select_Bits(mask, velocity, oldVelocity));
         if constexpr (Form == WRITES_POSITION) newPositions.Put(i, Select_Bits(mask, position, oldPosition));
-        suspicious |= mask & Suspicious_Bits(velocity);
     }
-    return suspicious;
 }
 
+/// False when a velocity of the block is infinite or no number.
 template <LoopForm Form, bool MayRest, typename Kernel>
-MK_INLINE uint32_t Loop_Block(const Run &run, int first, int count, const Kernel &kernel)
+MK_INLINE bool Loop_Block(const Run &run, int first, int count, const Kernel &kernel)
 {
     Vector3 *position = run.Position + first;
     Vector3 *velocity = run.Velocity + first;
     const uint32_t *flags = run.Flags + first;
     Particle::Planes positions;
     Particle::Planes velocities;
-    uint32_t suspicious = 0;
     if (Form == VELOCITY_ALONE && Particle::Shuffles_Freely()) {
-        suspicious = Run_Kernel<Form, MayRest>(kernel, first, count, flags, Particle::Interleaved{&position->x},
-                                               Particle::Interleaved{&velocity->x}, positions, velocities);
+        Run_Kernel<Form, MayRest>(kernel, first, count, flags, positions, Particle::Interleaved{&velocity->x},
+                                  positions, velocities);
     } else {
         if constexpr (Form != VELOCITY_ALONE) Particle::Split(positions, position, count);
         Particle::Split(velocities, velocity, count);
-        suspicious =
-            Run_Kernel<Form, MayRest>(kernel, first, count, flags, positions, velocities, positions, velocities);
+        Run_Kernel<Form, MayRest>(kernel, first, count, flags, positions, velocities, positions, velocities);
     }
-    Particle::Join(velocity, velocities, count);
     if constexpr (Form == WRITES_POSITION) Particle::Join(position, positions, count);
-    return suspicious;
+    return Particle::Join(velocity, velocities, count);
+}
+
+/// Whether one that the kernel touches has a velocity that is infinite or no number.
+template <typename Kernel>
+bool Has_Invalid(const Run &run, const Kernel &kernel)
+{
+    for (int i = 0; i < run.Count; ++i) {
+        if (!Is_Invalid(run.Velocity[i])) continue;
+        Vector3 position = run.Position[i];
+        Vector3 velocity = run.Velocity[i];
+        const uint32_t touched = kernel(i, position, velocity);
+        if ((run.MayHaveStopped ? Mask<true>(touched, run.Flags + i) : touched) != 0) return true;
+    }
+    return false;
 }
 
 template <LoopForm Form, typename Kernel>
 MK_INLINE bool Loop(const Run &run, const Kernel &kernel)
 {
-    uint32_t suspicious = 0;
+    bool isValid = true;
     for (int first = 0; first < run.Count; first += BLOCK) {
         const int count = run.Count - first < BLOCK ? run.Count - first : BLOCK;
-        suspicious |= run.MayHaveStopped ? Loop_Block<Form, true>(run, first, count, kernel)
-                                         : Loop_Block<Form, false>(run, first, count, kernel);
+        isValid &= run.MayHaveStopped ? Loop_Block<Form, true>(run, first, count, kernel)
+                                      : Loop_Block<Form, false>(run, first, count, kernel);
     }
-    return suspicious != 0 && Particle::Has_Invalid(run.Velocity, run.Count);
+    return !isValid && Has_Invalid(run, kernel);
 }
 
 /// Velocities alone: `kernel(i, position, velocity)` changes the velocity and mustn't look at the position.
