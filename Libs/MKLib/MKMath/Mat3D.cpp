@@ -14,14 +14,12 @@ namespace
 constexpr float NO_VOLUME = 1e-30f; ///< determinants up to this have no usable inverse
 
 /// The columns are the images of the axes.
-Mat3DClass From_Axes(const Vector3 &x, const Vector3 &y, const Vector3 &z, const Vector3 &position)
+MK_INLINE Mat3DClass From_Axes(const Vector3 &x, const Vector3 &y, const Vector3 &z, const Vector3 &position)
 {
-    Mat3DClass result;
-    for (int row = 0; row < 3; ++row) result.Row[row] = {x[row], y[row], z[row], position[row]};
-    return result;
+    return {{{x.x, y.x, z.x, position.x}, {x.y, y.y, z.y, position.y}, {x.z, y.z, z.z, position.z}}};
 }
 
-Vector3 Unit_Or(const Vector3 &vector, const Vector3 &otherwise)
+MK_INLINE Vector3 Unit_Or(const Vector3 &vector, const Vector3 &otherwise)
 {
     const float length = std::sqrt(glm::dot(vector, vector));
     return length > 0.0f ? vector / length : otherwise;

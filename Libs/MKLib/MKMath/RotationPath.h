@@ -16,6 +16,8 @@ public:
 
     /// 0 is the start, 1 the end.
     QuaternionClass At(float fraction) const;
+    /// The same for many.
+    void At_Many(const float *fractions, int count, QuaternionClass *rotations) const;
 
 private:
     glm::dquat From{1.0, 0.0, 0.0, 0.0};

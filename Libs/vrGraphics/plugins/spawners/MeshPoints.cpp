@@ -21,6 +21,25 @@ int64_t Draw_Wide(RandomClass &random)
     return high * DRAWS + random.Get_Int(0, static_cast<int32_t>(RandomMax));
 }
 
+/// How many of the ascending values aren't above the one that is sought. Halves by sums in place of jumps, which nobody
+/// could predict.
+size_t Count_Up_To(const std::vector<double> &values, double sought)
+{
+    size_t place = 0;
+    for (size_t left = values.size(); left > 0;) {
+        const size_t half = (left + 1) / 2;
+        place += sought < values[place + half - 1] ? 0 : half;
+        left -= half;
+    }
+    return place;
+}
+
+/// `Is_Valid`, inlined: of what is infinite or no number alone the difference isn't 0.
+bool Is_Finite(const Vector3 &vector)
+{
+    return (vector.x - vector.x) + (vector.y - vector.y) + (vector.z - vector.z) == 0.0f;
+}
+
 /// Twice the area of a triangle; 0 for one that has none.
 double Measure(const vrSpawnMesh &mesh, size_t triangle)
 {
@@ -56,11 +75,11 @@ void vrMKPMeshPoints::Measure_Triangles()
     for (size_t triangle = 0; triangle < Areas.size(); ++triangle) Areas[triangle] = sum += Measure(Mesh, triangle);
 }
 
-vrMKPMeshPoints::Point vrMKPMeshPoints::Get_Vertex(size_t index) const
+MK_INLINE vrMKPMeshPoints::Point vrMKPMeshPoints::Get_Vertex(size_t index) const
 {
     // A mesh that was changed in place may have fewer vertices than its table knows.
     if (index >= Mesh.Vertices.size()) return {};
-    const bool hasNormal = index < Mesh.Normals.size() && Is_Valid(Mesh.Normals[index]);
+    const bool hasNormal = index < Mesh.Normals.size() && Is_Finite(Mesh.Normals[index]);
     return {Mesh.Vertices[index], hasNormal ? Particle::Unit(Mesh.Normals[index]) : Vector3(0.0f)};
 }
 
@@ -72,23 +91,22 @@ vrMKPMeshPoints::Point vrMKPMeshPoints::Pick_Vertex(RandomClass &random) const
 vrMKPMeshPoints::Point vrMKPMeshPoints::Pick_Surface(RandomClass &random) const
 {
     const double sought = Areas.back() * (static_cast<double>(Draw_Wide(random)) / static_cast<double>(DRAWS * DRAWS));
-    const auto found = std::upper_bound(Areas.begin(), Areas.end(), sought);
-    const auto triangle = static_cast<size_t>(found - Areas.begin());
+    const size_t triangle = Count_Up_To(Areas, sought);
     const float root = std::sqrt(random.Get_Float(0.0f, 1.0f));
     const float along = random.Get_Float(0.0f, 1.0f);
     const float weights[3] = {1.0f - root, root * (1.0f - along), root * along};
 
-    Point mix;
-    Point corners[3];
-    for (size_t corner = 0; corner < 3; ++corner) {
-        corners[corner] = Get_Vertex(Mesh.Indices[3 * triangle + corner]);
-        mix.Position += corners[corner].Position * weights[corner];
-        mix.Normal += corners[corner].Normal * weights[corner];
-    }
-    if (mix.Normal == Vector3(0.0f))
-        mix.Normal = glm::cross(corners[1].Position - corners[0].Position, corners[2].Position - corners[0].Position);
-    mix.Normal = Particle::Unit(mix.Normal);
-    return mix;
+    const uint32_t *corner = Mesh.Indices.data() + 3 * triangle;
+    const Point a = Get_Vertex(corner[0]);
+    const Point b = Get_Vertex(corner[1]);
+    const Point c = Get_Vertex(corner[2]);
+    const auto mix = [&weights](const Vector3 &x, const Vector3 &y, const Vector3 &z) {
+        return Vector3(0.0f) + x * weights[0] + y * weights[1] + z * weights[2];
+    };
+    const Vector3 normal = mix(a.Normal, b.Normal, c.Normal);
+    const bool hasNormal = normal != Vector3(0.0f);
+    return {mix(a.Position, b.Position, c.Position),
+            Particle::Unit(hasNormal ? normal : glm::cross(b.Position - a.Position, c.Position - a.Position))};
 }
 
 vrMKPMeshPoints::Point vrMKPMeshPoints::Next_Vertex()

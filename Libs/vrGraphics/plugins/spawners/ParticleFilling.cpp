@@ -241,8 +241,10 @@ void vrMKPFilling::Turn_Along_The_Way(Vector3 *positions, Vector3 *velocities, c
 {
     const RotationPath path(PreviousTransform->Get_Rotation(), Transform->Get_Rotation());
     const Vector3 start = PreviousTransform->Get_Translation();
+    QuaternionClass rotations[BLOCK];
+    path.At_Many(fractions, count, rotations);
     for (int i = 0; i < count; ++i) {
-        const auto turn = Mat3DClass::From_Quaternion(path.At(fractions[i]));
+        const auto turn = Mat3DClass::From_Quaternion(rotations[i]);
         if (Rules.VelocityInLocalSpace) velocities[i] = turn.Rotate(velocities[i]);
         positions[i] = turn.Rotate(locals[i]) + (start + Way * fractions[i]);
     }
