@@ -56,12 +56,6 @@ float RandomClass::Get_Extended_Float(int32_t draw, float low, float high)
     return Interpolate(draw, static_cast<int32_t>(RandomMax), low, high);
 }
 
-void RandomClass::Scale_Draws(const int32_t *draws, int count, float low, float high, float *values)
-{
-    if (Scale_Surely(draws, count, low, high, values)) return;
-    for (int i = 0; i < count; ++i) values[i] = Get_Extended_Float(draws[i], low, high);
-}
-
 struct SecureRandomClass::Device
 {
     std::random_device Random;

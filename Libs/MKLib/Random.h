@@ -43,21 +43,20 @@ public:
     {
         if (high < low) [[unlikely]]
             Swap_Bounds(low, high);
-        const int32_t draw = Get_Draw();
-        const Candidates candidates = Get_Candidates(draw, low, high);
-        if (candidates.Lower == candidates.Upper) [[likely]]
-            return candidates.Lower;
-        return Get_Extended_Float(draw, low, high);
-    }
-    /// What a float is made of. `Scale_Draws` makes `Get_Float` of each of many, all with the same bounds, which are in
-    /// order.
-    int32_t Get_Draw()
-    {
         uint32_t draw = Step();
         while (draw > RandomMax) [[unlikely]] draw = Step();
-        return static_cast<int32_t>(draw);
+        // Double is exact enough nearly always: where every value within its error rounds to the same float, so does
+        // the extended result. Each of the four roundings is off by half a unit of 2^-52 at most.
+        const double start = low;
+        const double span = static_cast<double>(high) - start;
+        const double product = static_cast<double>(static_cast<int32_t>(draw)) * (1.0 / RandomMax) * span;
+        const double value = product + start;
+        const double error = (Magnitude(product) + Magnitude(start)) * 0x1p-50;
+        const auto lower = static_cast<float>(value - error);
+        if (lower == static_cast<float>(value + error)) [[likely]]
+            return lower;
+        return Get_Extended_Float(static_cast<int32_t>(draw), low, high);
     }
-    static void Scale_Draws(const int32_t *draws, int count, float low, float high, float *values);
     /// One of 0 to 255.
     uint32_t Get_Byte() { return Step() & 0xff; }
     /// True with `perCent` of 100: never for 0, always for 100.
@@ -68,22 +67,6 @@ private:
     {
         State = State * 0x41c64e6du + 0xbdfu;
         return (State >> 10) & 0x7fff;
-    }
-    struct Candidates
-    {
-        float Lower;
-        float Upper;
-    };
-    /// Double is exact enough nearly always: where every value within its error rounds to the same float, so does the
-    /// extended result. Each of the four roundings is off by half a unit of 2^-52 at most.
-    static Candidates Get_Candidates(int32_t draw, float low, float high)
-    {
-        const double start = low;
-        const double span = static_cast<double>(high) - start;
-        const double product = static_cast<double>(draw) * (1.0 / RandomMax) * span;
-        const double value = product + start;
-        const double error = (Magnitude(product) + Magnitude(start)) * 0x1p-50;
-        return {static_cast<float>(value - error), static_cast<float>(value + error)};
     }
     static double Magnitude(double value) { return value < 0.0 ? -value : value; }
     static void Swap_Bounds(float &low, float &high); ///< and asserts
