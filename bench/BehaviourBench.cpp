@@ -6,7 +6,7 @@
 #include "vrGraphics/plugins/spawners/vrMKPSpawner.h"
 #include "vrGraphics/plugins/stompers/vrMKPStomper.h"
 #include "vrGraphics/plugins/transformers/vrMKPTransformer.h"
-#include "vrGraphics/particle/vrBounds.h"
+#include "vrGraphics/drivercommon/vrBounds.h"
 
 #include "MKLib/MKMath/Mat3D.h"
 #include "MKLib/Parameters/EnumParameter.h"

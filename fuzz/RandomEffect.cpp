@@ -6,6 +6,7 @@
 #include "MKLib/Parameters/SimpleParameters.h"
 #include "MKLib/Parameters/StringParameters.h"
 #include "MKLib/Parameters/UVListParameter.h"
+#include "vrGraphics/drivercommon/vrRenderContext.h"
 #include "vrGraphics/effect/vrMKParticleEmitter.h"
 #include "vrGraphics/effect/vrMKParticleGroup.h"
 #include "vrGraphics/plugins/vrMKPPluginTable.h"
@@ -230,7 +231,7 @@ void Play(vrMKParticleEmitter &emitter, Bytes &bytes, int frames)
             auto *group = MK_Dynamic_Cast<vrMKParticleGroup>(emitter.Peek_Particle_Renderable(index));
             for (int layer = 0; group && layer < group->Particle_Count(); ++layer) {
                 group->Get_Particle(layer)->Pre_Render_Transform(scene.Get_Camera());
-                group->Get_Particle(layer)->Select_Visible_Particles(scene.Get_Camera().Get_Translation());
+                group->Get_Particle(layer)->Select_Visible_Particles({.Camera = scene.Get_Camera()});
             }
         }
     }

@@ -91,6 +91,11 @@ public:
     virtual std::unique_ptr<ProgressDialog> Create_Progress_Dialog() = 0;
     virtual std::unique_ptr<SceneViewForm> Create_Scene_View_Form(IFlareTrimUIManager &manager) = 0;
 
+    /// The thread of the user interface is about to wait for something outside of the tool, and handles no event until
+    /// `End_Wait`. The windows show the text meanwhile.
+    virtual void Begin_Wait(const std::string &what) = 0;
+    virtual void End_Wait() = 0;
+
     /// Handles the events that are waiting, and returns.
     virtual void Do_Events() = 0;
     /// Makes the main form and runs the event loop until it is closed.

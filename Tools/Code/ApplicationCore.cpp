@@ -99,6 +99,7 @@ void ApplicationCore::Register_Main_Form(MainForm *form)
     mainForm = form;
     mainForm->Set_Current_Path(MKPlatform::Absolute_Path(appSettings.WorkingDirectory));
     mainForm->Set_Auto_Checkout(appSettings.AutoCheckout);
+    mainForm->Set_Preview_Available(vorenInitialized);
 }
 
 void ApplicationCore::Main_Form_Activated(Sender, const EventArgs &)

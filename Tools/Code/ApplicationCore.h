@@ -95,12 +95,18 @@ public:
     void Bloom_Click(Sender sender, const EventArgs &args) override;
     void Reset_Camera_Click(Sender sender, const EventArgs &args) override;
     void Reset_Animation_Click(Sender sender, const EventArgs &args) override;
+    void Pause_Click(Sender sender, const EventArgs &args) override;
+    void Single_Step_Click(Sender sender, const EventArgs &args) override;
+    void Speed_Changed(Sender sender, const EventArgs &args) override;
+    void Ground_Plane_Click(Sender sender, const EventArgs &args) override;
+    void Target_Click(Sender sender, const EventArgs &args) override;
 
 private:
     void Scan_Emitter_Files_DoWork(BackgroundWorker &worker, DoWorkEventArgs &args);
     void Scan_Emitter_Files_ProgressChanged(BackgroundWorker &worker, const ProgressChangedEventArgs &args);
     void Scan_Emitter_Files_RunWorkerCompleted(BackgroundWorker &worker, const RunWorkerCompletedEventArgs &args);
     bool Scan_File(const std::string &path);
+    bool Fail_Scan(std::string reason); ///< false
     void Forget_Namesake(const std::string &path);
     void Add_Rows(EmitterData &emitterData);
     void Subscribe_To_Particle_List();
@@ -123,6 +129,8 @@ private:
     void Enable_Bloom(bool enabled);
     void Animation_Timer_Tick(Sender sender, const EventArgs &args);
     float Get_Elapsed_Seconds();
+    float Advance_Scene(float elapsed);
+    void Set_Paused(bool value);
 
     Point Get_Panel_Cursor_Position();
     void Update_Mouse_Position(int x, int y);
@@ -157,5 +165,11 @@ private:
     float mouseX = 0.0f; ///< -1 to 1 over the view panel
     float mouseY = 0.0f; ///< -1 to 1, up
     std::chrono::steady_clock::time_point lastTick;
+    bool paused = false;
+    int pendingSteps = 0; ///< single steps that the next tick takes while paused
+    float speed = 1.0f;   ///< of the animation; 1 is real time
+    bool groundPlane = false;
+    bool target = false;
+    std::string scanFailure; ///< why the last scan ended early; written by its work function
     std::unique_ptr<MegaFileManagerClass> megaFileManager; ///< what TheMegaFileManager points to
 };

@@ -13,13 +13,19 @@
 #include "vrGraphics/effect/vrMKParticleEmitter.h"
 #include "vrGraphics/plugins/spawners/vrMKPSpawner.h"
 
+#include <algorithm>
+#include <cmath>
 #include <thread>
+#include <utility>
 
 namespace
 {
 
 /// A reset and a frame move the camera by a thirtieth of a second, whatever the time.
 constexpr float CAMERA_STEP_SECONDS = 0.0333333351f;
+constexpr float SINGLE_STEP_SECONDS = 0.0333333351f;
+constexpr float LEAST_SPEED = 0.1f;
+constexpr float GREATEST_SPEED = 4.0f;
 
 PreviewPaths Get_Paths_Under(const std::string &workingDirectory)
 {
@@ -58,6 +64,10 @@ void ApplicationCore::Show_Preview(bool resetScene)
     viewForm->Set_Render_Background(appSettings.RenderBackground);
     viewForm->Set_Heat(appSettings.EnableHeat);
     viewForm->Set_Bloom(appSettings.EnableBloom);
+    viewForm->Set_Paused(paused);
+    viewForm->Set_Speed(speed);
+    viewForm->Set_Ground_Plane(groundPlane);
+    viewForm->Set_Target(target);
     if (!vorenInitialized) return;
     firstTick = true;
     if (resetScene) Reset_Scene();
@@ -123,15 +133,29 @@ float ApplicationCore::Get_Elapsed_Seconds()
     return std::exchange(firstTick, false) ? 0.0f : elapsed;
 }
 
+/// The milliseconds that it took. A paused animation moves by its single steps alone.
+float ApplicationCore::Advance_Scene(float elapsed)
+{
+    const int steps = std::exchange(pendingSteps, 0);
+    if (paused && steps == 0) return 0.0f;
+    const auto start = std::chrono::steady_clock::now();
+    if (!paused) vorenData->Update_Scene(elapsed * speed);
+    for (int step = 0; paused && step < steps; ++step) vorenData->Update_Scene(SINGLE_STEP_SECONDS);
+    return std::chrono::duration<float, std::milli>(std::chrono::steady_clock::now() - start).count();
+}
+
 void ApplicationCore::Animation_Timer_Tick(Sender, const EventArgs &)
 {
     if (renderMutex) return;
     const ScopedLatch latch(renderMutex);
     const float elapsed = Get_Elapsed_Seconds();
     vorenData->Update_Camera(elapsed);
-    vorenData->Update_Scene(elapsed);
+    const float simulateMilliseconds = Advance_Scene(elapsed);
     viewForm->Set_Particles_Simulated(vorenData->Get_Statistics().ParticlesSimulated);
-    viewForm->Set_Particles_Rendered(vorenData->Get_Statistics().ParticlesRendered);
+    PreviewStatistics statistics = vorenData->Get_Statistics();
+    viewForm->Set_Particles_Rendered(statistics.ParticlesRendered);
+    statistics.SimulateMilliseconds = simulateMilliseconds;
+    viewForm->Set_Statistics(statistics);
     // An effect that has run out begins again.
     if (previewEmitter && !vorenData->Is_Alive(*previewEmitter->Get_Emitter())) Reset_Scene();
     Render_Scene();
@@ -260,4 +284,44 @@ void ApplicationCore::Reset_Camera_Click(Sender, const EventArgs &)
 void ApplicationCore::Reset_Animation_Click(Sender, const EventArgs &)
 {
     Reset_Scene();
+}
+
+void ApplicationCore::Set_Paused(bool value)
+{
+    paused = value;
+    pendingSteps = 0;
+    viewForm->Set_Paused(paused);
+}
+
+void ApplicationCore::Pause_Click(Sender, const EventArgs &)
+{
+    if (viewForm) Set_Paused(!paused);
+}
+
+void ApplicationCore::Single_Step_Click(Sender, const EventArgs &)
+{
+    if (!viewForm) return;
+    if (!paused) Set_Paused(true);
+    ++pendingSteps;
+}
+
+/// What isn't a number plays at real time.
+void ApplicationCore::Speed_Changed(Sender, const EventArgs &)
+{
+    const float wanted = viewForm->Get_Speed();
+    speed = std::isfinite(wanted) ? std::clamp(wanted, LEAST_SPEED, GREATEST_SPEED) : 1.0f;
+}
+
+void ApplicationCore::Ground_Plane_Click(Sender, const EventArgs &)
+{
+    groundPlane = !groundPlane;
+    viewForm->Set_Ground_Plane(groundPlane);
+    if (vorenInitialized) vorenData->Enable_Ground_Plane(groundPlane);
+}
+
+void ApplicationCore::Target_Click(Sender, const EventArgs &)
+{
+    target = !target;
+    viewForm->Set_Target(target);
+    if (vorenInitialized) vorenData->Enable_Target(target);
 }

@@ -83,10 +83,14 @@ bool ApplicationCore::Scan_Emitter_Files()
     source.ListChanged.Unsubscribe<&ApplicationCore::Particle_List_Changed>(this);
     source.CurrentChanged.Unsubscribe<&ApplicationCore::Particle_List_Current_Changed>(this);
     mainForm->Set_Settings_Controls_Enabled(false);
+    mainForm->Set_Scan_Failure("");
     if (particleList) source.Clear();
 
     worker->Run_Worker_Async(dialog.get());
-    if (dialog->Show_Dialog() != DialogResult::OK) return false;
+    if (dialog->Show_Dialog() != DialogResult::OK) {
+        mainForm->Set_Scan_Failure(scanFailure);
+        return false;
+    }
 
     vrThreadLoadManager::Synchronize();
     source.Set_Data_Source(particleList);
@@ -103,6 +107,7 @@ void ApplicationCore::Scan_Emitter_Files_DoWork(BackgroundWorker &worker, DoWork
     particleList = std::make_shared<ParticleList>();
     emitterList = std::make_unique<EmitterList>();
     modifiedEmitters = std::make_unique<ModifiedEmitters>();
+    scanFailure.clear();
     // A prototype of an earlier scan would stand for a file that has been saved or exchanged since.
     assetManager->Free_All_Assets();
 
@@ -110,7 +115,8 @@ void ApplicationCore::Scan_Emitter_Files_DoWork(BackgroundWorker &worker, DoWork
     const int count = static_cast<int>(files.size());
     worker.Report_Progress(0, ProgressDialogUserState(count, 0, dialog));
     for (int index = 0; index < count; ++index) {
-        worker.Report_Progress(0, ProgressDialogUserState(count, index, dialog));
+        worker.Report_Progress(
+            0, ProgressDialogUserState(count, index, dialog, std::string(MKPlatform::Path_File_Name(files[index]))));
         if (Scan_File(files[index])) continue;
         args.Result = ProgressDialogResult(false, dialog);
         return;
@@ -118,25 +124,25 @@ void ApplicationCore::Scan_Emitter_Files_DoWork(BackgroundWorker &worker, DoWork
     args.Result = ProgressDialogResult(true, dialog);
 }
 
+bool ApplicationCore::Fail_Scan(std::string reason)
+{
+    MK_LOG(ScanLog, LogLevel::Error, "%s. The scan ends here", reason.c_str());
+    scanFailure = std::move(reason);
+    return false;
+}
+
 bool ApplicationCore::Scan_File(const std::string &path)
 {
     FileClass file;
-    if (!file.Open(path, MKPlatform::FILE_OPEN_GENERIC_READ)) {
-        MK_LOG(ScanLog, LogLevel::Error, "%s can't be opened: %s. The scan ends here", path.c_str(),
-               Reason_Of_Failed_Open(path).c_str());
-        return false;
-    }
+    if (!file.Open(path, MKPlatform::FILE_OPEN_GENERIC_READ))
+        return Fail_Scan(path + " can't be opened: " + Reason_Of_Failed_Open(path));
     if (!Is_Emitter_File(file)) return true;
 
     Forget_Namesake(path);
     const SmartPtr<vrRenderable> renderable =
         assetManager->Create_Renderable(ShellUtil::New_Std_String(path).c_str(), true, true);
     vrMKParticleEmitter *emitter = MK_Dynamic_Cast<vrMKParticleEmitter>(renderable.Get());
-    if (!emitter) {
-        MK_LOG(ScanLog, LogLevel::Error, "%s is an emitter file that can't be loaded: the scan ends here",
-               path.c_str());
-        return false;
-    }
+    if (!emitter) return Fail_Scan(path + " is an emitter file that can't be loaded");
     emitterList->push_back(std::make_shared<EmitterData>(emitter, MKPlatform::Absolute_Path(path)));
     Add_Rows(*emitterList->back());
     file.Close();
@@ -173,6 +179,7 @@ void ApplicationCore::Scan_Emitter_Files_ProgressChanged(BackgroundWorker &, con
     ProgressDialog &dialog = *args.UserState.CurrentDialog;
     dialog.Set_Step_Count(args.UserState.StepCount);
     dialog.Set_Steps(args.UserState.Steps);
+    dialog.Set_Step_Name(args.UserState.StepName);
 }
 
 void ApplicationCore::Scan_Emitter_Files_RunWorkerCompleted(BackgroundWorker &, const RunWorkerCompletedEventArgs &args)

@@ -38,6 +38,16 @@ bool Fail(const char *text, const std::string &path)
     return false;
 }
 
+/// The tool stands still for as long as `p4` takes.
+bool Check_Out(const std::string &path)
+{
+    Application &application = Application::Get_Instance();
+    application.Begin_Wait("Waiting for p4 edit " + path);
+    const bool writable = ManagedUtility::Cmd::Check_Out(path);
+    application.End_Wait();
+    return writable;
+}
+
 } // namespace
 
 EmitterData::EmitterData(vrMKParticleEmitter *source, std::string path)
@@ -75,7 +85,7 @@ bool EmitterData::Make_Writable(bool autoCheckout) const
             application.Show_Message_Box(question, "Flare Trim", MessageBoxButtons::YesNo, MessageBoxIcon::Question);
         if (answer == DialogResult::No) return false;
     }
-    while (!ManagedUtility::Cmd::Check_Out(emitterPath)) {
+    while (!Check_Out(emitterPath)) {
         const DialogResult answer = application.Show_Message_Box(CANT_CHECK_OUT_TEXT, CANT_CHECK_OUT_CAPTION,
                                                                  MessageBoxButtons::RetryCancel, MessageBoxIcon::None);
         if (answer != DialogResult::Retry) return false;

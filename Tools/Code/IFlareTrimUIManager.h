@@ -39,4 +39,10 @@ public:
     virtual void Bloom_Click(Sender sender, const EventArgs &args) = 0;
     virtual void Reset_Camera_Click(Sender sender, const EventArgs &args) = 0;
     virtual void Reset_Animation_Click(Sender sender, const EventArgs &args) = 0;
+    virtual void Pause_Click(Sender sender, const EventArgs &args) = 0;
+    /// Pauses a running preview, too.
+    virtual void Single_Step_Click(Sender sender, const EventArgs &args) = 0;
+    virtual void Speed_Changed(Sender sender, const EventArgs &args) = 0;
+    virtual void Ground_Plane_Click(Sender sender, const EventArgs &args) = 0;
+    virtual void Target_Click(Sender sender, const EventArgs &args) = 0;
 };

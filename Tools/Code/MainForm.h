@@ -24,6 +24,10 @@ public:
     /// A change is reported through Preview_Button_Changed.
     virtual void Set_Preview(bool enabled) = 0;
     virtual void Resize_Columns() = 0;
+    /// Why the grid is empty, in place of its rows; an empty text when there is nothing to tell.
+    virtual void Set_Scan_Failure(const std::string &reason) = 0;
+    /// Whether there is a device to show a preview with.
+    virtual void Set_Preview_Available(bool available) = 0;
     virtual Point Get_Location() const = 0; ///< screen pixels
     virtual void Set_Location(Point location) = 0;
     virtual Size Get_Size() const = 0;

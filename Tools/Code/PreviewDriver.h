@@ -18,6 +18,12 @@ struct PreviewStatistics
 {
     int ParticlesSimulated = 0;
     int ParticlesRendered = 0;
+    int Vertices = 0; ///< of the last frame, as the next ones
+    int Draws = 0;
+    float SimulateMilliseconds = 0.0f; ///< filled by the core, which sees the whole update
+    float PrepareMilliseconds = 0.0f;  ///< selection, sorting and vertex building
+    float DrawMilliseconds = 0.0f;     ///< phases and post-effects, up to the flip
+    float PresentMilliseconds = 0.0f;  ///< the flip
 };
 
 /// The live scene behind the view window: device, scene, camera and lights. The core keeps the windows, the timer, the
@@ -66,4 +72,9 @@ public:
     virtual void Set_Background_Image(const std::string &name) = 0;
     virtual void Enable_Heat(bool enabled) = 0;
     virtual void Enable_Bloom(bool enabled) = 0;
+
+    // What some effects need of the world, off at first: a ground for those that bounce and splash, a target for those
+    // that seek or strike one. A preview that has neither leaves effects as they play without.
+    virtual void Enable_Ground_Plane(bool) {}
+    virtual void Enable_Target(bool) {}
 };

@@ -2,6 +2,8 @@
 
 #include "Code/FormTypes.h"
 
+struct PreviewStatistics;
+
 /// The panel of the view window that the preview draws into.
 class ViewPanel
 {
@@ -33,6 +35,12 @@ public:
     virtual void Set_Camera_Distance(int distance) = 0;
     virtual void Set_Particles_Simulated(int count) = 0;
     virtual void Set_Particles_Rendered(int count) = 0;
+    virtual void Set_Paused(bool paused) = 0;
+    virtual float Get_Speed() const = 0; ///< how fast the animation plays; 1 is real time
+    virtual void Set_Speed(float speed) = 0;
+    virtual void Set_Ground_Plane(bool enabled) = 0;
+    virtual void Set_Target(bool enabled) = 0;
+    virtual void Set_Statistics(const PreviewStatistics &statistics) = 0; ///< after each tick
     virtual void Set_Visible(bool visible) = 0;
     virtual void Bring_To_Front() = 0;
     virtual Point Get_Location() const = 0; ///< screen pixels

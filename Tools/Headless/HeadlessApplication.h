@@ -45,6 +45,8 @@ public:
     void Set_Message_Box_Policy(MessageBoxPolicy policy) { messageBoxPolicy = std::move(policy); }
     const std::vector<ShownMessageBox> &Get_Message_Boxes() const { return messageBoxes; }
     void Clear_Message_Boxes() { messageBoxes.clear(); }
+    /// What the tool has waited for.
+    const std::vector<std::string> &Get_Waits() const { return waits; }
     /// What the next pickers answer: nothing means Cancel, which is what they do at first.
     void Set_Picked_Folder(std::optional<std::string> path) { pickedFolder = std::move(path); }
     void Set_Picked_File(std::optional<std::string> path) { pickedFile = std::move(path); }
@@ -68,6 +70,8 @@ public:
     std::unique_ptr<BackgroundWorker> Create_Background_Worker() override;
     std::unique_ptr<ProgressDialog> Create_Progress_Dialog() override;
     std::unique_ptr<SceneViewForm> Create_Scene_View_Form(IFlareTrimUIManager &manager) override;
+    void Begin_Wait(const std::string &what) override { waits.push_back(what); }
+    void End_Wait() override {}
     void Do_Events() override;
     void Run(IFlareTrimUIManager &manager) override;
     std::string Get_Startup_Path() const override;
@@ -85,6 +89,7 @@ private:
     UIQueue queue;
     MessageBoxPolicy messageBoxPolicy = Decline;
     std::vector<ShownMessageBox> messageBoxes;
+    std::vector<std::string> waits;
     std::optional<std::string> pickedFolder;
     std::optional<std::string> pickedFile;
     Session session;

@@ -105,6 +105,12 @@ void HeadlessSceneViewForm::Select_View_Mode(int index)
     manager.View_Mode_Changed(this, EventArgs());
 }
 
+void HeadlessSceneViewForm::Select_Speed(float speed)
+{
+    state.speed = speed;
+    manager.Speed_Changed(this, EventArgs());
+}
+
 bool HeadlessSceneViewForm::Close()
 {
     CancelEventArgs args;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Code/MainForm.h"
+#include "Code/PreviewDriver.h"
 #include "Code/ProgressDialog.h"
 #include "Code/SceneViewForm.h"
 #include "Headless/HeadlessGrid.h"
@@ -33,6 +34,8 @@ public:
     bool Get_Preview() const override { return preview; }
     void Set_Preview(bool enabled) override;
     void Resize_Columns() override { ++resizeCount; }
+    void Set_Scan_Failure(const std::string &reason) override { scanFailure = reason; }
+    void Set_Preview_Available(bool available) override { previewAvailable = available; }
     Point Get_Location() const override { return placement.location; }
     void Set_Location(Point location) override { placement.location = location; }
     Size Get_Size() const override { return placement.size; }
@@ -44,6 +47,8 @@ public:
     bool Is_Save_All_Button_Enabled() const { return saveAllButtonEnabled; }
     const std::string &Get_Current_Path() const { return currentPath; }
     int Get_Resize_Count() const { return resizeCount; }
+    const std::string &Get_Scan_Failure() const { return scanFailure; }
+    bool Is_Preview_Available() const { return previewAvailable; }
     bool Is_Closed() const { return closed; }
 
     void Activate();
@@ -71,8 +76,10 @@ private:
     bool autoCheckout = false;
     bool preview = false;
     bool closed = false;
+    bool previewAvailable = false;
     int resizeCount = 0;
     std::string currentPath;
+    std::string scanFailure;
 };
 
 class HeadlessViewPanel final : public ViewPanel
@@ -103,6 +110,11 @@ struct HeadlessViewState
     int cameraDistance = 0;
     int particlesSimulated = 0;
     int particlesRendered = 0;
+    bool paused = false;
+    float speed = 1.0f;
+    bool groundPlane = false;
+    bool target = false;
+    PreviewStatistics statistics;
     bool visible = false;
     int raiseCount = 0;
 };
@@ -126,6 +138,12 @@ public:
     void Set_Camera_Distance(int distance) override { state.cameraDistance = distance; }
     void Set_Particles_Simulated(int count) override { state.particlesSimulated = count; }
     void Set_Particles_Rendered(int count) override { state.particlesRendered = count; }
+    void Set_Paused(bool paused) override { state.paused = paused; }
+    float Get_Speed() const override { return state.speed; }
+    void Set_Speed(float speed) override { state.speed = speed; }
+    void Set_Ground_Plane(bool enabled) override { state.groundPlane = enabled; }
+    void Set_Target(bool enabled) override { state.target = enabled; }
+    void Set_Statistics(const PreviewStatistics &statistics) override { state.statistics = statistics; }
     void Set_Visible(bool visible) override { state.visible = visible; }
     void Bring_To_Front() override { ++state.raiseCount; }
     Point Get_Location() const override { return placement.location; }
@@ -139,6 +157,8 @@ public:
     void Activate();
     /// The user picks a view mode.
     void Select_View_Mode(int index);
+    /// The user picks how fast the animation plays.
+    void Select_Speed(float speed);
     /// The user closes the window. False when the core wants it kept.
     bool Close();
 
@@ -158,16 +178,19 @@ public:
     void Set_Title(const std::string &text) override { title = text; }
     void Set_Step_Count(int count) override { stepCount = count; }
     void Set_Steps(int done) override;
+    void Set_Step_Name(const std::string &name) override { stepName = name; }
     void Done(bool success) override;
     DialogResult Show_Dialog() override;
 
     const std::string &Get_Title() const { return title; }
     int Get_Step_Count() const { return stepCount; }
     int Get_Steps() const { return steps; }
+    const std::string &Get_Step_Name() const { return stepName; }
 
 private:
     HeadlessApplication &application;
     std::string title;
+    std::string stepName;
     int stepCount = 0;
     int steps = 0;
     bool done = false;

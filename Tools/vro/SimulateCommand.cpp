@@ -5,7 +5,8 @@
 #include "vro/SimulateJson.h"
 #include "vro/SimulateOptions.h"
 
-#include "vrGraphics/assets/vrPicture.h"
+#include "vrGraphics/drivercommon/vrPicture.h"
+#include "vrGraphics/drivercommon/vrRenderContext.h"
 #include "vrGraphics/effect/vrMKParticleEmitter.h"
 #include "vrGraphics/effect/vrMKParticleGroup.h"
 #include "vrGraphics/scene/vrGroundPlane.h"
@@ -79,10 +80,12 @@ public:
     /// As a draw would: places what depends on the view, then picks what is seen.
     void Select_Visible()
     {
-        For_Groups([this](vrMKParticleGroup &group) {
+        vrPreRenderContext context;
+        context.Camera = Camera;
+        For_Groups([&](vrMKParticleGroup &group) {
             for (int layer = 0; layer < group.Particle_Count(); ++layer) {
                 group.Get_Particle(layer)->Pre_Render_Transform(Camera);
-                group.Get_Particle(layer)->Select_Visible_Particles(Options.Camera);
+                group.Get_Particle(layer)->Select_Visible_Particles(context);
             }
         });
     }

@@ -2,6 +2,7 @@
 
 #include "vro/EffectFile.h"
 
+#include "vrGraphics/drivercommon/vrRenderContext.h"
 #include "vrGraphics/effect/vrMKPGameState.h"
 
 #include "MKLib/Parameters/SimpleParameters.h"
@@ -104,7 +105,7 @@ void SamplePlayer::Run_Frame()
     ++Frame;
     For_Layers([&](int, int, vrMKParticle &particle) {
         particle.Pre_Render_Transform(Scene->Get_Camera());
-        particle.Select_Visible_Particles(CAMERA);
+        particle.Select_Visible_Particles({.Camera = Scene->Get_Camera()});
     });
 }
 

@@ -3,7 +3,7 @@
 #include "MKLib/MKMath/Vectors.h"
 #include "MKLib/NameTable.h"
 #include "MKLib/RefCount.h"
-#include "vrGraphics/particle/vrBounds.h"
+#include "vrGraphics/drivercommon/vrBounds.h"
 #include "vrGraphics/particle/vrMKPBuffer.h"
 #include "vrGraphics/particle/vrMKPLayer.h"
 #include "vrGraphics/plugins/modifiers/vrMKPModifier.h"
@@ -110,8 +110,8 @@ public:
     bool Should_Spawn() const;
     /// Places the particles of a view-dependent layer for a camera.
     void Pre_Render_Transform(const Mat3DClass &camera);
-    /// Picks what is drawn for a camera at `camera`.
-    void Select_Visible_Particles(const Vector3 &camera);
+    /// Picks what is drawn in a view.
+    void Select_Visible_Particles(const vrPreRenderContext &context);
     /// Whether the layer has particles, or may get some without its parent's.
     bool Has_Work() const;
     bool Needs_Serial_Frame() const;

@@ -277,10 +277,10 @@ void vrMKParticle::Pre_Render_Transform(const Mat3DClass &camera)
     Transformer->Transform_For_View(Buffer.Get(), &camera, Bounds);
 }
 
-void vrMKParticle::Select_Visible_Particles(const Vector3 &camera)
+void vrMKParticle::Select_Visible_Particles(const vrPreRenderContext &context)
 {
     if (!Buffer || !Buffer->Active || !Visualizer || Is_Suspended()) return;
-    Visualizer->Select_Visible_Particles(*Buffer, camera);
+    Visualizer->Select_Visible_Particles(*Buffer, context);
 }
 
 /// Whether the layer has a part in what keeps its emitter in the scene: it has particles, or may get some in this run.

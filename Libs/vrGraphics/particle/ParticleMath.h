@@ -4,7 +4,7 @@
 /// Values that a file holds may be anything: conversions to integers are defined for all floats.
 
 #include "MKLib/MKMath/Simd.h"
-#include "vrGraphics/particle/vrColor.h"
+#include "vrGraphics/drivercommon/vrColor.h"
 
 #include <bit>
 #include <cmath>

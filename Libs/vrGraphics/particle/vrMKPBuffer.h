@@ -4,7 +4,7 @@
 #include "MKLib/Random.h"
 #include "MKLib/RefCount.h"
 #include "vrGraphics/particle/MKPAttributes.h"
-#include "vrGraphics/particle/vrColor.h"
+#include "vrGraphics/drivercommon/vrColor.h"
 #include "vrGraphics/particle/vrMKPBufferPluginData.h"
 #include "vrGraphics/particle/vrMKPTransformType.h"
 

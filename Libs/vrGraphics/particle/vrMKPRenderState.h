@@ -10,6 +10,7 @@
 #include <array>
 
 class vrCarrierModel;
+class vrMKPEmitterFace;
 class vrMKPLayerList;
 class vrTerrain;
 
@@ -70,6 +71,11 @@ struct vrMKPRenderState
     float ProjectileSpeed = 0.0f;        ///< units a second
     float TargetCircleRadius = 0.0f;
 
+    // The look of what is drawn.
+    RGBAClass ColorMultiplier; ///< the effect's tint: multiplies colours and alpha
+    float TintAlpha = 1.0f;    ///< the renderable's own fade: multiplies alpha
+    Vector3 LightScale{1.0f};  ///< multiplies the light that falls on lit particles
+
     // The view: the renderable's own camera, or else the one that draws.
     Mat3DClass Camera; ///< looks down its negative z axis
 
@@ -81,6 +87,7 @@ struct vrMKPRenderState
     Vector3 SunDirection{0.0f, 0.0f, 1.0f}; ///< toward the sun, unit length
 
     const vrMKPLayerList *Layers = nullptr; ///< the group's own
+    const vrMKPEmitterFace *Emitter = nullptr; ///< null for a renderable without one
     int32_t Seed = 0;                       ///< what the renderable drew for itself
     /// For draws that no seed repeats. Each renderable has one of its own, so that the threads don't meet in it and what
     /// one effect draws doesn't depend on what another one does.

@@ -1,4 +1,4 @@
-#include "vrGraphics/assets/vrPicture.h"
+#include "vrGraphics/drivercommon/vrPicture.h"
 
 #include "common/PictureBuilder.h"
 

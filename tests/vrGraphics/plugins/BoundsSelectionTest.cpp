@@ -7,7 +7,7 @@
 #include "common/Reports.h"
 
 #include "MKLib/Parameters/SimpleParameters.h"
-#include "vrGraphics/particle/vrBounds.h"
+#include "vrGraphics/drivercommon/vrRenderContext.h"
 
 #include <gtest/gtest.h>
 
@@ -188,7 +188,8 @@ TEST(Selection, ThinsByDistanceAndDensity)
         buffer.MinDynamicLOD = c.least;
         buffer.DynamicLODNear = 100.0f;
         buffer.DynamicLODFar = 200.0f;
-        Make_Billboard()->Select_Visible_Particles(buffer, {c.distance, 7.0f, 0.0f});
+        Make_Billboard()->Select_Visible_Particles(buffer,
+                                                   {.Camera = Mat3DClass::From_Translation({c.distance, 7.0f, 0.0f})});
         EXPECT_EQ(std::vector<uint32_t>(buffer.Render, buffer.Render + buffer.VisibleCount), c.visible)
             << c.distance << " " << c.least << " " << c.density;
     }
@@ -200,8 +201,8 @@ TEST(Selection, ChainsAndDevicesSelectNothing)
     built.Add({4.0f, 0.0f, 0.0f});
     const vrMKPChainVisualizer chain;
     const vrMKPHardwareBillboardVisualizer hardware;
-    chain.Select_Visible_Particles(*built.Buffer, Vector3(0.0f));
-    hardware.Select_Visible_Particles(*built.Buffer, Vector3(0.0f));
+    chain.Select_Visible_Particles(*built.Buffer, {});
+    hardware.Select_Visible_Particles(*built.Buffer, {});
     EXPECT_EQ(built.Buffer->VisibleCount, 0);
     vrBounds bounds;
     hardware.Compute_Bounds(*built.Buffer, &bounds);

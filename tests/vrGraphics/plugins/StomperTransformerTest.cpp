@@ -11,7 +11,7 @@
 #include "MKLib/Parameters/EnumParameter.h"
 #include "MKLib/Parameters/SimpleParameters.h"
 #include "MKLib/Parameters/StringParameters.h"
-#include "vrGraphics/particle/vrBounds.h"
+#include "vrGraphics/drivercommon/vrBounds.h"
 #include "vrGraphics/particle/vrMKPLayer.h"
 #include "vrGraphics/particle/vrWorld.h"
 

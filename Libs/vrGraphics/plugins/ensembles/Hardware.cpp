@@ -1,6 +1,6 @@
 #include "vrGraphics/plugins/ensembles/Hardware.h"
 
-#include "vrGraphics/particle/vrBounds.h"
+#include "vrGraphics/drivercommon/vrBounds.h"
 #include "vrGraphics/plugins/spawners/SpawnerTexts.h"
 #include "MKLib/Parameters/ShapeParameter.h"
 

@@ -24,7 +24,7 @@ public:
     /// A box of a fixed size about the origin: nobody knows where the particles are.
     void Compute_Bounds(vrMKPBuffer &buffer, vrBounds *bounds) const override;
     bool Has_Plain_Bounds() const override { return false; }
-    void Select_Visible_Particles(vrMKPBuffer & /*buffer*/, const Vector3 & /*camera*/) const override {}
+    void Select_Visible_Particles(vrMKPBuffer & /*buffer*/, const vrPreRenderContext & /*context*/) const override {}
 };
 
 /// Does nothing: the device ends its own particles.

@@ -5,7 +5,7 @@
 #include "MKLib/Parameters/ShapeParameter.h"
 #include "MKLib/Parameters/SimpleParameters.h"
 #include "vrGraphics/particle/ParticleMath.h"
-#include "vrGraphics/particle/vrBounds.h"
+#include "vrGraphics/drivercommon/vrBounds.h"
 #include "vrGraphics/particle/vrMKPRenderState.h"
 #include "vrGraphics/plugins/spawners/SpawnerTexts.h"
 #include "vrGraphics/plugins/transformers/Transformers.h"

@@ -4,7 +4,7 @@
 #include "MKLib/Parameters/SimpleParameters.h"
 #include "vrGraphics/particle/ParticleMath.h"
 #include "vrGraphics/particle/VectorPlanes.h"
-#include "vrGraphics/particle/vrBounds.h"
+#include "vrGraphics/drivercommon/vrBounds.h"
 #include "vrGraphics/particle/vrHWParticleBuffer.h"
 #include "vrGraphics/particle/vrMKPRenderState.h"
 

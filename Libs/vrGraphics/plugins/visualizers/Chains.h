@@ -12,7 +12,7 @@ public:
     vrMKPChainVisualizer();
     size_t Get_Object_Size() const override { return sizeof(*this); }
     /// All particles are links: a chain with holes in it is another chain.
-    void Select_Visible_Particles(vrMKPBuffer & /*buffer*/, const Vector3 & /*camera*/) const override {}
+    void Select_Visible_Particles(vrMKPBuffer & /*buffer*/, const vrPreRenderContext & /*context*/) const override {}
 };
 
 /// One ribbon that lies flat in the X-Y plane.

@@ -3,7 +3,7 @@
 #include "MKLib/MKDebug/Assert.h"
 #include "MKLib/Parameters/SimpleParameters.h"
 #include "vrGraphics/particle/ParticleMath.h"
-#include "vrGraphics/particle/vrBounds.h"
+#include "vrGraphics/drivercommon/vrRenderContext.h"
 #include "vrGraphics/particle/vrMKPRenderState.h"
 
 #include <glm/geometric.hpp>
@@ -76,10 +76,10 @@ vrMKPVisualizer::vrMKPVisualizer()
                              "shadows as particles pop in and out of existence.");
 }
 
-void vrMKPVisualizer::Select_Visible_Particles(vrMKPBuffer &buffer, const Vector3 &camera) const
+void vrMKPVisualizer::Select_Visible_Particles(vrMKPBuffer &buffer, const vrPreRenderContext &context) const
 {
     const bool selects = !(std::abs(buffer.MinDynamicLOD - 1.0f) <= LOD_TOLERANCE);
-    const int threshold = selects ? Visible_Threshold(buffer, glm::length(camera - buffer.State->Get_Position())) : 0;
+    const int threshold = selects ? Visible_Threshold(buffer, glm::length(context.Camera.Get_Translation() - buffer.State->Get_Position())) : 0;
     int visible = 0;
     for (const vrMKPSpan span : buffer.Live_Spans()) {
         uint32_t *render = buffer.Render + visible;

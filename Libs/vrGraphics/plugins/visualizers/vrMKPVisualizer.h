@@ -3,13 +3,23 @@
 /// The visualizer family: the plugins of a layer that draw its particles. A visualizer turns the visible part of a
 /// buffer into vertices for one shader. Where a draw stands in the frame is its shader's matter, never the
 /// visualizer's.
+///
+/// A frame takes two steps. `Pre_Visualize` builds the vertices, in scratch memory that lasts until the driver's frame
+/// ends, and may run beside that of other buffers. `Visualize` hands them to the driver, in the same frame and on the
+/// thread that owns it. In between they wait in the buffer's data.
 
 #include "MKLib/Parameters/StringParameters.h"
+#include "vrGraphics/drivercommon/vrRenderModeType.h"
+#include "vrGraphics/drivercommon/vrRenderPhase.h"
 #include "vrGraphics/particle/vrMKPBuffer.h"
 #include "vrGraphics/plugins/base/vrMKPPlugin.h"
 #include "vrGraphics/plugins/visualizers/vrMKPBoundsSum.h"
 
+class vrMKPEmitterFace;
+class vrRenderContext;
+class vrShaderInstance;
 struct vrBounds;
+struct vrPreRenderContext;
 
 class vrMKPVisualizer : public vrMKPPlugin
 {
@@ -31,11 +41,28 @@ public:
     vrMKPBoundsSum Begin_Bounds(const vrMKPBuffer &buffer) const;
     /// Null for no box, which takes no sum either.
     void End_Bounds(vrMKPBuffer &buffer, const vrMKPBoundsSum &sum, vrBounds *bounds) const;
-    /// Fills the channel "Render" with the slots that are drawn for a camera at `camera`, in ring order.
-    virtual void Select_Visible_Particles(vrMKPBuffer &buffer, const Vector3 &camera) const;
+    /// Fills the channel "Render" with the slots that are drawn in a view, in ring order.
+    virtual void Select_Visible_Particles(vrMKPBuffer &buffer, const vrPreRenderContext &context) const;
+
+    /// Takes from the emitter what drawing needs of it. On the main thread, when the layer's buffer is made.
+    virtual void Bind_To_Emitter(vrMKPEmitterFace & /*emitter*/) {}
+    virtual bool Is_Enabled() const { return true; }
+    /// The one that the shader asks for; `Particles` for a visualizer without a shader.
+    virtual vrRenderPhaseEnum Get_Render_Phase() const { return vrRenderPhaseEnum::Particles; }
+    /// Whether the layer shows in renders of that mode.
+    virtual bool Is_Render_Mode_Enabled(vrRenderModeType /*mode*/) const { return false; }
+    /// Null until the assets are ready, and for a visualizer that has none.
+    virtual vrShaderInstance *Get_Shader() const { return nullptr; }
+    void Pre_Visualize(vrMKPBuffer &buffer, const vrPreRenderContext &context) const
+    {
+        Do_Pre_Visualize(buffer, context);
+    }
+    void Visualize(vrMKPBuffer &buffer, vrRenderContext &context) const { Do_Visualize(buffer, context); }
 
 protected:
     vrMKPVisualizer();
+    virtual void Do_Pre_Visualize(vrMKPBuffer & /*buffer*/, const vrPreRenderContext & /*context*/) const {}
+    virtual void Do_Visualize(vrMKPBuffer & /*buffer*/, vrRenderContext & /*context*/) const {}
     /// The range of "Aspect Ratio" for a kind that has one.
     virtual bool Get_Aspect_Range(vrMKPBoundsSum::AspectRange & /*range*/) const { return false; }
 
