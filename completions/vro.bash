@@ -3,7 +3,7 @@
 _vro()
 {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} command= word
-    local commands='info dump build chunks rewrite check edit plugins simulate bench'
+    local commands='info dump build chunks rewrite check edit plugins simulate render bench'
     local properties='GlobalLOD= MinimumDynamicLOD= MinimumDynamicLODPerThousandth= DynamicLODNearDistance=
         DynamicLODNearDistancePerThousandth= DynamicLODFarDistance= DynamicLODFarDistancePerThousandth=
         HeatDistanceCutoff= HeatDistanceCutoffPerThousandth= HeatDistortionScale= HeatDistortionScalePerThousandth=
@@ -48,6 +48,18 @@ _vro()
         compopt -o filenames -o nospace && mapfile -t COMPREPLY < <(compgen -f -- "$current")
         return
         ;;
+    --post-fx)
+        local given=
+        [[ $current == *,* ]] && given=${current%,*},
+        mapfile -t COMPREPLY < <(compgen -P "$given" -W 'bloom heat depth-of-field hdr game' -- "${current##*,}")
+        compopt -o nospace
+        return
+        ;;
+    --working-directory)
+        compopt -o filenames && mapfile -t COMPREPLY < <(compgen -d -- "$current")
+        return
+        ;;
+    --size | --every | --sheet | --background) return ;;
     --select | --frames | --dt | --quality | --camera | --look-at | --position | --velocity | --rotation | --spin) return ;;
     --scale | --alt-index | --hide | --show | --spawn | --target | --target-velocity | --target-radius) return ;;
     --projectile-speed | --dynamic | --wind) return ;;
@@ -59,10 +71,14 @@ _vro()
     build | rewrite) options+=' -o --encoding' ;;
     chunks | plugins | bench) options+=' --json' ;;
     edit) options+=' --select --set --convert-to-heat --save --save-all --auto-checkout --yes --no' ;;
-    simulate)
-        options+=' --frames --dt --report --channels --vertices --quality --camera --look-at --position --velocity'
+    simulate | render)
+        options+=' --frames --dt --quality --camera --look-at --position --velocity'
         options+=' --rotation --spin --scale --alt-index --hide --show --spawn --target --target-velocity'
         options+=' --target-radius --projectile-speed --dynamic --wind --terrain'
+        case "$command" in
+        simulate) options+=' --report --channels --vertices' ;;
+        *) options+=' -o --size --every --sheet --background --post-fx --no-post-fx --working-directory' ;;
+        esac
         ;;
     esac
     case "$current" in

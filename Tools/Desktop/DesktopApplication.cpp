@@ -7,13 +7,20 @@
 #include "Desktop/DesktopWorker.h"
 #include "Desktop/Theme.h"
 #include "Desktop/ThemedIcon.h"
-#include "MKPlatform/Paths.h"
+#include "MKPlatform/Files.h"
 
 #include <QApplication>
 #include <QCursor>
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QTimer>
+#include <qguiapplication_platform.h>
+
+/// A static library's drawings are linked when they are asked for.
+static void Load_Resources()
+{
+    Q_INIT_RESOURCE(Desktop);
+}
 
 namespace
 {
@@ -75,21 +82,40 @@ DesktopApplication::DesktopApplication(int &argc, char **argv)
     QApplication::setOrganizationName("FlareTrim");
     QApplication::setApplicationDisplayName("Flare Trim");
     QApplication::setDesktopFileName("flaretrim");
+    // The preview draws into a window of X11, which desktops of the other kind have too.
+    if (qEnvironmentVariableIsSet("DISPLAY") && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "xcb");
     qt = std::make_unique<QApplication>(argc, argv);
     // Numbers in files and commands have a point, whatever the desktop's language.
     setlocale(LC_NUMERIC, "C");
     QLocale::setDefault(QLocale::c());
     QApplication::setQuitOnLastWindowClosed(false);
+    Load_Resources();
     theme = std::make_unique<Theme>();
     QApplication::setWindowIcon(Get_Program_Icon());
 }
 
 DesktopApplication::~DesktopApplication() = default;
 
+void *DesktopApplication::Get_X_Display() const
+{
+    const auto *x = qt->nativeInterface<QNativeInterface::QX11Application>();
+    return x ? x->display() : nullptr;
+}
+
 void DesktopApplication::Fail(std::exception_ptr exception)
 {
     if (!failure) failure = exception;
-    QCoreApplication::exit();
+    Leave();
+    // Ahead of the main loop, a dialog has the only one.
+    auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
+    if (!isRunning && dialog) dialog->done(QDialog::Rejected);
+}
+
+void DesktopApplication::Leave()
+{
+    // Without a loop, Qt would end the next one that starts.
+    if (isRunning) QCoreApplication::exit();
 }
 
 void DesktopApplication::Rethrow()
@@ -107,11 +133,15 @@ QWidget *DesktopApplication::Get_Dialog_Parent() const
 DialogResult DesktopApplication::Show_Message_Box(const std::string &text, const std::string &caption,
                                                   MessageBoxButtons buttons, MessageBoxIcon icon)
 {
-    QMessageBox box(Get_Icon(icon), QString::fromStdString(caption), QString::fromStdString(text),
-                    Get_Buttons(buttons), Get_Dialog_Parent());
+    QWidget *parent = Get_Dialog_Parent();
+    QMessageBox box(Get_Icon(icon), QString::fromStdString(caption), QString::fromStdString(text), Get_Buttons(buttons),
+                    parent);
     box.setTextFormat(Qt::PlainText);
     box.setObjectName("messageBox");
-    return Get_Result(box.exec());
+    const DialogResult result = Get_Result(box.exec());
+    // Not every desktop gives the keyboard back to the window below.
+    if (parent) parent->window()->activateWindow();
+    return result;
 }
 
 DialogResult DesktopApplication::Show_Folder_Picker(FolderPicker &picker)
@@ -175,9 +205,11 @@ void DesktopApplication::Do_Events()
 void DesktopApplication::Run(IFlareTrimUIManager &manager)
 {
     DesktopMainForm form(*this, manager);
-    form.show();
+    form.Open();
     if (session) QTimer::singleShot(0, &form, [this, &form] { Guard([&] { session(form); }); });
+    isRunning = true;
     QApplication::exec();
+    isRunning = false;
     Rethrow();
 }
 

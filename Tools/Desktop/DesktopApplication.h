@@ -14,7 +14,8 @@ class QWidget;
 class Theme;
 
 /// The interface layer of Qt widgets. Qt's event loop carries no exceptions, so every handler calls the core through
-/// `Guard`: what the core throws ends the loops, and comes out of the call that ran the innermost one, at the end `Run`.
+/// `Guard`: what the core throws ends the loops, and comes out of the call that ran the innermost one, at the end
+/// `Run`.
 class DesktopApplication final : public Application
 {
 public:
@@ -27,6 +28,8 @@ public:
     /// What is done to the main form, from inside the event loop, once it stands. Nothing at first.
     void Set_Session(Session userSession) { session = std::move(userSession); }
     Theme &Get_Theme() { return *theme; }
+    /// The connection to the X server that the windows are on, as Xlib has it; null on other platforms.
+    void *Get_X_Display() const;
     DesktopMainForm *Get_Main_Form() const { return mainForm; }      ///< null while there is none
     DesktopSceneViewForm *Get_View_Form() const { return viewForm; } ///< null while there is none
 
@@ -42,6 +45,8 @@ public:
     }
     /// Throws what was kept, if anything was.
     void Rethrow();
+    /// Ends the event loop of `Run`.
+    void Leave();
 
     DialogResult Show_Message_Box(const std::string &text, const std::string &caption, MessageBoxButtons buttons,
                                   MessageBoxIcon icon) override;
@@ -69,6 +74,7 @@ private:
     std::unique_ptr<Theme> theme;
     Session session;
     std::exception_ptr failure;
+    bool isRunning = false;
     DesktopMainForm *mainForm = nullptr;
     DesktopSceneViewForm *viewForm = nullptr;
 };

@@ -59,6 +59,8 @@ void DesktopProgressDialog::Done(bool success)
 DialogResult DesktopProgressDialog::Show_Dialog()
 {
     const int code = exec();
+    // Not every desktop gives the keyboard back to the window below.
+    if (parentWidget()) parentWidget()->window()->activateWindow();
     application.Rethrow();
     return code == Accepted ? DialogResult::OK : DialogResult::Cancel;
 }

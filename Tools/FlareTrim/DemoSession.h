@@ -3,8 +3,8 @@
 class HeadlessApplication;
 class HeadlessMainForm;
 
-/// The tool's main job, done once from scan to save on whatever the working directory holds, with each step printed: what
-/// an artist does at the grid, for a machine that has no screen.
+/// The tool's main job, done once from scan to save on whatever the working directory holds, with each step printed:
+/// what an artist does at the grid, for a machine that has no screen.
 class DemoSession
 {
 public:

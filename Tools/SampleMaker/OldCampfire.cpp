@@ -49,6 +49,21 @@ void Colors(OldFormWriter &out, const RGBAClass &start, const RGBAClass &end)
     });
 }
 
+/// Cells of the sheet: a flame that begins anywhere, and one of the others.
+void Flame_Cells(OldFormWriter &out)
+{
+    out.Plugin(MODIFIER, kvrMKPSequencedUVModifier, [&] {
+        out.Parameter(200, Vector4(0.0f, 0.25f, 0.125f, 0.125f));
+        out.Parameter(201, int32_t{16});
+        out.Parameter(202, true);
+    });
+}
+
+void Cell(OldFormWriter &out, float u, float v)
+{
+    out.Plugin(MODIFIER, kvrMKPConstantUVModifier, [&] { out.Parameter(200, Vector4(u, v, 0.125f, 0.125f)); });
+}
+
 /// 60 particles in each interval of two seconds: 30 a second today.
 void Flames(OldFormWriter &out)
 {
@@ -73,6 +88,7 @@ void Flames(OldFormWriter &out)
         out.Keyed_Parameter(300, {{0.0f, 4.0f}, {0.25f, 11.0f}, {1.0f, 2.0f}});
     });
     out.Plugin(MODIFIER, kvrMKPAccelerationModifier, [&] { out.Parameter(200, Vector3(0.0f, 0.0f, 48.0f)); });
+    Flame_Cells(out);
 }
 
 /// Bursts of 12 every three seconds, which today are clusters of 12 at 4 a second.
@@ -117,6 +133,7 @@ void Smoke(OldFormWriter &out)
         out.Parameter(201, 32.0f);
     });
     out.Plugin(MODIFIER, kvrMKPAccelerationModifier, [&] { out.Parameter(200, Vector3(0.0f, 0.0f, 24.0f)); });
+    Cell(out, 0.0f, 0.125f); // a puff
 }
 
 void Glow(OldFormWriter &out)
@@ -127,6 +144,7 @@ void Glow(OldFormWriter &out)
     Age(out, 1.0f, 0.0f);
     out.Plugin(VISUALIZER, kvrMKPObsoleteCenterToVertBumpVisualizer, [&] { out.Parameter(111, 4.0f); });
     Colors(out, {1.0f, 0.5f, 0.125f, 0.25f}, {1.0f, 0.5f, 0.125f, 0.0f});
+    Cell(out, 0.0f, 0.0f); // the soft glow
 }
 
 void First_Group(OldFormWriter &out)

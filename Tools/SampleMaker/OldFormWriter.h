@@ -63,6 +63,7 @@ public:
     void Value(std::string_view value) { Written &= Writer.Write_String(value); }
     void Value(const char *value) { Value(std::string_view(value)); }
     void Value(const Vector3 &value) { Written &= Writer.Write_Vector3(value); }
+    void Value(const Vector4 &value) { Written &= Writer.Write_Vector4(value); }
     void Value(const RGBAClass &value) { Written &= Writer.Write_RGBA(value); }
 
     /// Finishes the file. False when any write failed.

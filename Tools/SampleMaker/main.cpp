@@ -1,10 +1,12 @@
 #include "SampleMaker/OldCampfire.h"
+#include "SampleMaker/PictureSheet.h"
 
 #include "common/ArchiveBuilder.h"
 
 #include "MKLib/File/File.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <string>
 #include <string_view>
@@ -44,12 +46,14 @@ int main(int argc, char **argv)
     try {
         const std::string_view what = argc > 2 ? argv[1] : "";
         if (what == "old-campfire" && argc == 3) return Make_Old_Campfire(argv[2]);
+        if (what == "sheet" && argc > 4) return Make_Sheet(argv[2], std::atoi(argv[3]), argv + 4, argc - 4);
         if (what == "archive" && argc > 3) return Make_Archive(argv[2], argv + 3, argc - 3);
     } catch (const std::exception &error) {
         std::fprintf(stderr, "SampleMaker: %s\n", error.what());
         return 1;
     }
     std::fprintf(stderr, "usage: SampleMaker old-campfire OUT.vro\n"
-                         "       SampleMaker archive OUT.meg NAME=FILE...\n");
+                         "       SampleMaker archive OUT.meg NAME=FILE...\n"
+                         "       SampleMaker sheet OUT.png COLUMNS NAME=PICTURE.png...\n");
     return 2;
 }

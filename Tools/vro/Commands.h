@@ -18,6 +18,7 @@ enum ExitCode : int
     EXIT_BAD_USAGE = 2
 };
 
+struct RenderOptions;
 struct SimulateOptions;
 
 struct EditOptions
@@ -41,6 +42,7 @@ int Run_Check(const std::vector<std::string> &paths);
 int Run_Edit(const EditOptions &options);
 int Run_Plugins(bool asJson);
 int Run_Simulate(const SimulateOptions &options);
+int Run_Render(const RenderOptions &options);
 /// Of the built-in workloads when no file is given.
 int Run_Bench(const std::vector<std::string> &files, bool asJson);
 

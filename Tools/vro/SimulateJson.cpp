@@ -4,7 +4,9 @@
 #include "vro/TextEncoding.h"
 
 #include "vrGraphics/effect/vrMKParticleEmitter.h"
+#include "vrGraphics/drivercommon/vrVertices.h"
 #include "vrGraphics/effect/vrMKParticleGroup.h"
+#include "vrGraphics/plugins/visualizers/vrMKPSimpleVisualizerData.h"
 
 #include <charconv>
 #include <cstdio>
@@ -118,6 +120,29 @@ void Append_Channel(const vrMKParticle &particle, const vrMKPBuffer &buffer, MKP
     }
 }
 
+const vrMKPSimpleVisualizerData *Pending_Vertices(const vrMKParticle &particle)
+{
+    const vrMKPBuffer *buffer = Live_Buffer(particle);
+    if (!buffer || !particle.Get_Visualizer() || particle.Is_Suspended()) return nullptr;
+    const auto *data = MK_Dynamic_Cast<vrMKPSimpleVisualizerData>(buffer->VisualizerData.Get());
+    return data && data->VertexCount > 0 ? data : nullptr;
+}
+
+/// What the layouts have in common.
+template <typename Vertex>
+void Append_Vertex(const Vertex &vertex, std::string &text)
+{
+    text += "{ \"position\": ";
+    Append_Element(vertex.Position, text);
+    text += ", \"normal\": ";
+    Append_Element(vertex.Normal, text);
+    text += ", \"uv\": ";
+    Append_Element(vertex.UV, text);
+    text += ", \"color\": ";
+    Append_Color(vertex.Color, text);
+    text += " }";
+}
+
 std::string Name_Text(std::string_view bytes)
 {
     return Is_Valid_Utf8(bytes) ? std::string(bytes) : Windows_1252_To_Utf8(bytes);
@@ -132,8 +157,8 @@ void Append_Member(const char *name, int64_t value, std::string &text)
 
 } // namespace
 
-SimulateJson::SimulateJson(std::vector<MKPAttribTypes> channels)
-    : Channels(std::move(channels)), Text("{\n  \"frames\": [")
+SimulateJson::SimulateJson(std::vector<MKPAttribTypes> channels, bool printsVertices)
+    : Channels(std::move(channels)), Text("{\n  \"frames\": ["), PrintsVertices(printsVertices)
 {
 }
 
@@ -191,7 +216,27 @@ bool SimulateJson::Add_Layer(int renderable, int layer, const vrMKParticle &part
             Text += "[]";
         if (!Flush()) return false;
     }
-    Text += " } }";
+    Text += " }";
+    if (PrintsVertices && !Add_Vertices(particle)) return false;
+    Text += " }";
+    return true;
+}
+
+bool SimulateJson::Add_Vertices(const vrMKParticle &particle)
+{
+    Text += ",\n        \"vertices\": [";
+    const auto *data = Pending_Vertices(particle);
+    const size_t size = data ? static_cast<size_t>(data->VertexBytes / data->VertexCount) : 0;
+    for (int index = 0; data && index < data->VertexCount; ++index) {
+        Text += index == 0 ? "\n          " : ",\n          ";
+        const uint8_t *vertex = static_cast<const uint8_t *>(data->Vertices) + static_cast<size_t>(index) * size;
+        if (size == sizeof(vrLitBumpVertex))
+            Append_Vertex(*reinterpret_cast<const vrLitBumpVertex *>(vertex), Text);
+        else
+            Append_Vertex(*reinterpret_cast<const vrLitVertex *>(vertex), Text);
+        if (!Flush()) return false;
+    }
+    Text += "]";
     return true;
 }
 

@@ -16,7 +16,7 @@ namespace vro
 class SimulateJson
 {
 public:
-    explicit SimulateJson(std::vector<MKPAttribTypes> channels);
+    SimulateJson(std::vector<MKPAttribTypes> channels, bool printsVertices);
 
     /// The state of all layers after a frame. `time` is in seconds. False when standard output takes no more.
     bool Add_Frame(int frame, float time, const vrMKParticleEmitter &emitter);
@@ -25,10 +25,13 @@ public:
 
 private:
     bool Add_Layer(int renderable, int layer, const vrMKParticle &particle);
+    /// The vertices that the visualizer has built and not yet drawn.
+    bool Add_Vertices(const vrMKParticle &particle);
     bool Flush();
 
     std::vector<MKPAttribTypes> Channels;
     std::string Text;
+    bool PrintsVertices;
     bool HasFrames = false;
 };
 

@@ -1,79 +1,27 @@
 #pragma once
 
-#include "MKLib/MKMath/Vectors.h"
-#include "vrGraphics/particle/MKPAttributes.h"
+#include "vro/PlayOptions.h"
 
-#include <map>
-#include <optional>
-#include <string>
-#include <variant>
-#include <vector>
+#include "vrGraphics/particle/MKPAttributes.h"
 
 namespace vro
 {
 
-/// Ground read from a picture: its size in world units, and the height of white.
-struct PictureTerrain
+/// What `vro simulate` is asked for.
+struct SimulateOptions : PlayOptions
 {
-    std::string Path;
-    float SizeX = 0.0f;
-    float SizeY = 0.0f;
-    float Height = 0.0f;
-};
-
-/// What `vro simulate` is asked for. Frames count from 1.
-struct SimulateOptions
-{
-    static constexpr int MAX_FRAMES = 10'000'000;
-
-    std::string File;
-    int Frames = 0;
-    float StepSeconds = 0.0f;
     bool ReportsAll = false;
     std::vector<int> ReportFrames; ///< ascending, each once; none for the last frame, unless all are reported
     std::vector<MKPAttribTypes> Channels = {MKP_POSITION, MKP_VELOCITY, MKP_AGE,      MKP_MAX_AGE,
                                             MKP_TIME,     MKP_FLAGS,    MKP_ID,       MKP_NUMBER,
                                             MKP_COLOR,    MKP_SIZE,     MKP_ROTATION, MKP_WORLD_POSITION};
-
-    Vector3 Camera{0.0f, -500.0f, 200.0f};
-    Vector3 LookAt{0.0f};
-    std::optional<float> Quality; ///< 0 to 1
-
-    Vector3 Position{0.0f};
-    Vector3 Velocity{0.0f}; ///< units a second
-    Vector3 Rotation{0.0f}; ///< degrees about x, then y, then z
-    Vector3 Spin{0.0f};     ///< degrees a second
-    float Scale = 1.0f;
-    int AltIndex = -1;
-    std::map<int, bool> Hidden; ///< by frame, whether the emitter is hidden from then on
-    std::map<int, int> Spawns;  ///< by frame, particles that code spawners are asked for
-
-    std::optional<Vector3> Target;
-    Vector3 TargetVelocity{0.0f}; ///< units a second
-    std::optional<float> TargetRadius;
-    float ProjectileSpeed = 0.0f; ///< units a second; 0 for none
-    std::map<int, float> Dynamic; ///< parameters 1 to 15
-
-    Vector3 Wind{0.0f}; ///< units a second
-    std::variant<std::monostate, float, PictureTerrain> Terrain;
+    bool PrintsVertices = false;
 
     bool Is_Reported(int frame) const;
 };
 
-// Each reads the text of one option into its place. What they answer is empty, or what is wrong with the text.
-std::string Parse_Frames(const std::string &text, SimulateOptions &options);
-std::string Parse_Step(const std::string &text, SimulateOptions &options);
 std::string Parse_Report(const std::string &text, SimulateOptions &options);
 std::string Parse_Channels(const std::string &text, SimulateOptions &options);
-std::string Parse_Hidden(const std::string &text, bool hidden, SimulateOptions &options);
-std::string Parse_Spawn(const std::string &text, SimulateOptions &options);
-std::string Parse_Dynamic(const std::string &text, SimulateOptions &options);
-std::string Parse_Terrain(const std::string &text, SimulateOptions &options);
-/// Three finite numbers, with commas between.
-std::string Parse_Vector(const std::string &text, Vector3 &value);
-std::string Parse_Number(const std::string &text, float least, float greatest, float &value);
-std::string Parse_Integer(const std::string &text, int least, int greatest, int &value);
-
 /// What is wrong between options that each are well; empty when nothing is.
 std::string Check_Options(const SimulateOptions &options);
 

@@ -1,5 +1,6 @@
 #include "vro/Commands.h"
 
+#include "vro/RenderCommandLine.h"
 #include "vro/SimulateCommandLine.h"
 
 #include "MKLib/MKDebug/Logger.h"
@@ -18,7 +19,7 @@ using namespace vro;
 /// One line a subcommand: the parser fills the options that it captures, and the result is run afterwards.
 struct CommandLine
 {
-    CLI::App App{"Works on particle effects without a screen: looks at emitter files, builds, checks, edits and plays them."};
+    CLI::App App{"Works on particle effects without a screen: looks at emitter files, builds, checks, edits, plays and draws them."};
     std::vector<std::string> Paths;
     std::string Input;
     std::string Output = "-";
@@ -26,6 +27,7 @@ struct CommandLine
     std::vector<std::string> Sets;
     EditOptions Edit;
     SimulateOptions Simulate;
+    RenderOptions Render;
     bool Json = false;
     bool Verbose = false;
     bool AnswerNo = false;
@@ -119,6 +121,9 @@ struct CommandLine
         auto *simulate = Add("simulate", "Run an effect and print the state of its particles as JSON",
                              [this] { return Run_Simulate(Simulate); });
         Add_Simulate_Options(*simulate, Simulate);
+
+        auto *render = Add("render", "Draw frames of an effect off-screen to PNG pictures", [this] { return Run_Render(Render); });
+        Add_Render_Options(*render, Render);
 
         auto *bench = Add("bench", "Measure how fast effects are simulated", [this] { return Run_Bench(Paths, Json); });
         bench->add_option("FILE", Paths, "Emitter files; the built-in workloads unless given");

@@ -34,6 +34,7 @@ public:
     void Run_Seconds(float seconds);
     /// Back to the start, in the world and in the seeds.
     void Restart();
+    vrSimpleScene &Get_Scene() { return *Scene; }
 
     /// Calls visit(renderable, layer, particle) for each layer, in the file's order.
     template <typename Visit>

@@ -6,6 +6,7 @@
 
 #include "MKLib/MKMath/FloatingPoint.h"
 #include "MKLib/ThreadPool.h"
+#include "vrGraphics/nulldriver/vrNullDriverMethods.h"
 
 #include <gtest/gtest.h>
 
@@ -185,6 +186,46 @@ TEST_F(SampleSimulation, RepeatsEachBitAfterARestart)
         player.Run_Seconds(2.0f);
         EXPECT_EQ(Describe(player), once);
     }
+}
+
+/// The vertices of all draws of two seconds, in the order of the draws.
+std::vector<uint64_t> Draw_All(const std::string &file)
+{
+    std::vector<uint64_t> draws;
+    SamplePlayer player(file);
+    const SmartPtr<vrCamera> camera(new vrCamera);
+    camera->Set_Depth_Range(5.0f, 10000.0f);
+    camera->Set_Transform(Mat3DClass::Look_At({0.0f, -500.0f, 200.0f}, Vector3(0.0f)));
+    for (int frame = 0; frame < 60; ++frame) {
+        player.Run_Frame();
+        vrNullDriverMethods::Clear_Draws();
+        TheGraphicsDriver->Begin_Frame();
+        player.Get_Scene().Render(camera.Get(), VR_RENDER_MODE_NORMAL, false);
+        TheGraphicsDriver->End_Frame();
+        for (const vrNullDrawRecord &draw : vrNullDriverMethods::Get_Draws()) {
+            Checksum sum;
+            sum.Add(draw.Vertices.data(), draw.Vertices.size());
+            draws.push_back(sum.Get());
+        }
+    }
+    return draws;
+}
+
+TEST_F(SampleSimulation, DrawsTheSameOnAnyNumberOfThreads)
+{
+    vrNullDriverMethods::Set_Runs_Tasks(true);
+    vrNullDriverMethods::Set_Recording(true);
+    ASSERT_TRUE(vrNullDriverMethods::Init(nullptr, 640, 480));
+    for (const std::string &file : MKTest::Sample_Files()) {
+        ThreadPool::System_Init(1);
+        const std::vector<uint64_t> drawn = Draw_All(file);
+        EXPECT_FALSE(drawn.empty()) << file;
+        ThreadPool::System_Init(4);
+        EXPECT_EQ(Draw_All(file), drawn) << file;
+    }
+    vrNullDriverMethods::Shutdown();
+    vrNullDriverMethods::Set_Recording(false);
+    vrNullDriverMethods::Set_Runs_Tasks(false);
 }
 
 } // namespace

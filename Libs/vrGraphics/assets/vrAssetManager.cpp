@@ -3,6 +3,7 @@
 #include "MKLib/MKDebug/Logger.h"
 #include "vrGraphics/RenderThread/RenderThread.h"
 #include "vrGraphics/assets/vrDefaultModel.h"
+#include "vrGraphics/drivercommon/vrGraphicsDriver.h"
 
 #include <cinttypes>
 #include <utility>
@@ -98,11 +99,21 @@ vrRenderable *vrAssetManager::Clone_Default_Model()
     return DefaultModel->Clone(VR_CLONE_COPY);
 }
 
+vrTexture *vrAssetManager::Get_Texture(const char *name, bool, bool, int, bool, bool, int, bool)
+{
+    MK_ASSERT(!Is_Main_Thread() || !RenderThread::InParallelSection,
+              "(!Is_Main_Thread() || !RenderThread::InParallelSection)");
+    if (!name || !TheGraphicsDriver) return nullptr;
+    return TheGraphicsDriver->Load_Texture(name).Get();
+}
+
 void vrAssetManager::Free_All_Assets()
 {
     const auto lock = Take_Lock();
     Prototypes.clear();
     DefaultModel = nullptr;
+    if (TheGraphicsDriver && TheGraphicsDriver->Get_Main_Thread_Id() == Get_Current_Thread_Number())
+        TheGraphicsDriver->Free_Unused_Textures();
 }
 
 vrRenderable *vrAssetManager::Find_Prototype(std::string_view baseName) const

@@ -9,6 +9,8 @@
 #include <string_view>
 #include <unordered_map>
 
+class vrTexture;
+
 /// Turns names into renderables. Each loaded asset stays as a prototype under its base name, so that a second request
 /// doesn't read the file again: two files with one base name are one asset, that of the first one loaded. Any thread
 /// may ask, while locking is on.
@@ -33,7 +35,12 @@ public:
     vrRenderable *Create_Renderable(const char *name, bool load, bool clone);
     /// Registers what a load context found and gives the result of the request.
     vrRenderable *Register_3D_Asset(vrLoadContext &context);
-    /// Drops all prototypes. Clones live on.
+    /// The texture of a file name, from the driver's texture paths; null when there is none, or no driver. It stays the
+    /// driver's, which keeps it until textures are freed or the paths change: who wants it for longer takes a share at
+    /// once. Asserts that game and drawing don't run side by side. The arguments behind the name are the game's, for
+    /// how textures stream; here all are loaded whole.
+    vrTexture *Get_Texture(const char *name, bool, bool, int, bool, bool, int, bool);
+    /// Drops all prototypes and, on the thread that owns the driver, the textures that nobody holds. Clones live on.
     void Free_All_Assets();
 
     /// Off, a request finds only what is there already.

@@ -21,6 +21,10 @@ public:
     virtual void Swap() = 0;
     /// The framebuffer object to draw into at the end; 0 where the surface has one of the system's own.
     virtual unsigned Get_Framebuffer() const { return 0; }
+    /// Counts the contexts that the surface has had: what was made in an earlier one is gone.
+    virtual unsigned Get_Generation() const { return 0; }
+    /// Makes a new context in place of a lost one; false where the surface's owner does that, or it can't be had now.
+    virtual bool Recreate_Context() { return false; }
     /// For messages: "EGL device, llvmpipe".
     virtual std::string Describe() const = 0;
 };

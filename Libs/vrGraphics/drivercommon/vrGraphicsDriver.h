@@ -1,12 +1,14 @@
 #pragma once
 
 /// What everything above draws through. `TheGraphicsDriver` is the one driver of the process, null until one is
-/// started; the static part works without it. All of it is the main thread's.
+/// started; the static part works without it. It is the main thread's, but for loading: a scan reads emitters on a
+/// thread of its own, and they ask for their textures and shaders.
 ///
 /// A draw goes: a shader instance begins and begins a pass; `Begin_..._Vertices` hands out room in a stream, which the
 /// caller fills; `End_..._Vertices` draws what was filled in; pass and shader end. Fewer than `MAX_PRIM_VERTICES` are
 /// drawn at once: a larger request asserts, and still yields a block of that size at the least.
 
+#include "MKLib/MKDebug/Assert.h"
 #include "MKLib/MKString.h"
 #include "MKLib/RefCount.h"
 #include "vrGraphics/drivercommon/vrGammaTable.h"
@@ -67,6 +69,18 @@ enum vrAuxiliaryDepthBufferEnum : int
     Reflection_DB = 0,
     Refraction_DB = 1,
     ShadowmapHW_DB = 2
+};
+
+/// Targets of the size of the default one, without depth, which drivers with a picture make and remake with it.
+enum vrFullScreenRTEnum : int
+{
+    SceneImage_RT = 0,     ///< "VRD3DRENDERER_FULLSCREEN_RT": what the phases drew; `SceneImageTexture`
+    HeatDistortion_RT = 1, ///< "HEAT_DISTORTION_RT": `HeatDistortionTexture`
+    PostFxMain0_RT = 2,    ///< the two that post-effects write in turn
+    PostFxMain1_RT = 3,
+    PostFxIRT0_RT = 4, ///< `PostFxIRT0Texture`
+    PostFxIRT1_RT = 5, ///< `PostFxIRT1Texture`
+    FULL_SCREEN_RT_COUNT = 6
 };
 
 struct vrViewport
@@ -149,7 +163,7 @@ public:
     /// Debug: everything is drawn with the generic white texture.
     static void Set_Untextured(bool untextured) { Untextured = untextured; }
     static bool Is_Untextured() { return Untextured; }
-    /// Table 0 converts the colours of particles and lights. All are the identity until gamma is set.
+    /// Table 0 converts the colours of particles and lights, table 1 back; the identity until gamma is set.
     static const vrGammaTable &Get_Gamma_Table(int table);
     /// The exponent that brings colours to linear light; 1 keeps them as they are, for targets that aren't sRGB.
     static void Set_Gamma(float exponent);
@@ -162,7 +176,11 @@ public:
     virtual bool Begin_Frame();
     /// Asserts an open frame.
     virtual void End_Frame();
+    /// Counts the frame, and with `present` shows it.
     virtual void Page_Flip(bool present) = 0;
+    uint32_t Get_Frame_Count() const { return FrameCount; }
+    /// Seconds between the last two page flips; 0 before the second.
+    float Get_Frame_Seconds() const { return FrameSeconds; }
     virtual void Set_Renderer_Type(vrRendererTypeEnum type, bool force) = 0;
     virtual vrRendererTypeEnum Get_Renderer_Type() const = 0;
     virtual bool Is_Renderer_Supported(vrRendererTypeEnum type) const = 0;
@@ -195,6 +213,18 @@ public:
     virtual SmartPtr<vrDepthBuffer> Create_Depth_Buffer(int width, int height, int type, int format, int flag) = 0;
     virtual vrRenderTarget *Get_Auxiliary_Render_Target(vrAuxiliaryRTEnum target) = 0;
     virtual vrDepthBuffer *Get_Auxiliary_Depth_Buffer(vrAuxiliaryDepthBufferEnum buffer) = 0;
+    /// Borrowed; null where there is none, as for a driver without a picture.
+    virtual vrRenderTarget *Get_Full_Screen_Target(vrFullScreenRTEnum /*target*/) { return nullptr; }
+    /// The same with more than eight bits a channel, which no driver has: asserts.
+    virtual vrRenderTarget *Get_Full_Screen_HDR_Target(vrFullScreenRTEnum /*target*/)
+    {
+        MK_ASSERT(false, "HDR not implemented on dx9!  Are you trying to use an HDR PostFX?");
+        return nullptr;
+    }
+    /// What shaders see as `PostFxInputTexture` from here on; null for none. Borrowed.
+    virtual void Set_PostFx_Input(vrTexture * /*texture*/) {}
+    /// Makes what was drawn into a target ready to be sampled.
+    virtual void Resolve_Render_Target(vrRenderTarget * /*target*/) {}
     /// Copies what the current target shows.
     virtual void Copy_Target_To(vrRenderTarget *target) = 0;
     virtual void Set_Viewport(const vrViewport &viewport) = 0;
@@ -208,6 +238,9 @@ public:
     const vrRenderStateBlock &Get_Render_State_Block() const { return StateBlock; }
     virtual void Set_Camera(vrCamera *camera) = 0; ///< takes over what it sees now; null keeps the last
     virtual void Set_World_Transform(const Mat3DClass *transform) = 0;
+    /// For draws of a primitive state: positions are those of the target, -1 to 1 in x and, upwards, in y.
+    void Set_Screen_Space(bool on) { ScreenSpace = on; }
+    bool Is_Screen_Space() const { return ScreenSpace; }
     void Set_Light_Context(vrLightContext *lights) { LightContext = lights; } ///< borrowed
     vrLightContext *Get_Light_Context() const { return LightContext; }
     void Set_Fog_Enabled(bool enabled) { Environment.FogEnabled = enabled; }
@@ -217,6 +250,9 @@ public:
     virtual void Flush_Register_Textures() {}
 
     // Streams of vertices. `ppv` takes the room; nothing is drawn for a null one.
+    /// Draws between these two need no shader: they are textured with stage 0, times the colours of their vertices, in
+    /// the world, or on the screen where `Set_Screen_Space` says so. `cull` 0 is none, `blend` 0 opaque and 1 alpha,
+    /// `depth` 0 neither tests nor writes and 1 does both.
     virtual void Begin_Primitive_State(int cull, int blend, int depth) = 0;
     virtual void End_Primitive_State() = 0;
     virtual bool Begin_Prim_Vertices(vrPrimitiveKind kind, int vcount, vrPrimVertex **ppv) = 0;
@@ -237,8 +273,10 @@ public:
 
     // Assets.
     /// By file name, from the texture paths. Null, with a line in "VorenMissingTexturesLog", when there is none. The
-    /// same name gives the same texture.
+    /// same name gives the same texture. Any thread may ask, so making one must not touch the device.
     SmartPtr<vrTexture> Load_Texture(std::string_view name);
+    /// The same for a cube of six faces, which is a DDS file.
+    SmartPtr<vrTexture> Load_Cube_Texture(std::string_view name);
     /// Drops the textures that nobody else holds.
     void Free_Unused_Textures();
     SmartPtr<vrTexture> Get_Generic_Texture() const { return GenericTexture; } ///< white
@@ -255,17 +293,21 @@ protected:
     void Shut_Down_Shared();
     /// Makes the device's texture of a picture; null when the device refuses it, with the reason in `error`.
     virtual SmartPtr<vrTexture> Make_Texture(std::string_view name, const vrPicture2D &picture, std::string &error) = 0;
+    /// Faces in the order +x, -x, +y, -y, +z, -z, all of one form and size.
+    virtual SmartPtr<vrTexture> Make_Cube_Texture(std::string_view name, const std::array<vrPicture2D, 6> &faces,
+                                                  std::string &error);
     virtual void Apply_Render_State_Block(const vrRenderStateBlock &block) = 0;
     /// Whether the device has begun a frame.
     virtual bool Begin_Device_Frame() { return true; }
     virtual void End_Device_Frame() {}
-    /// Walks the phases of a context: those in its mask that have tasks, in order.
+    /// Walks the phases of a context, those in its mask, in order, and then its extra passes.
     void Render_Phases(vrRenderContext &context);
     // Around the tasks of a phase; the second is called only when there were some.
     virtual void Before_Phase(vrRenderContext & /*context*/) {}
     virtual void After_Tasks(vrRenderContext & /*context*/) {}
     virtual void After_Phase(vrRenderContext & /*context*/) {}
     void Forget_Render_State_Block() { IsStateBlockKnown = false; }
+    void Count_Page_Flip(); ///< for each driver's `Page_Flip`
 
     static bool m_bInsideFrame;
     static uint64_t m_toggleableStates;
@@ -283,10 +325,16 @@ private:
 
     struct TextureCache;
 
+    SmartPtr<vrTexture> Find_Or_Make_Texture(std::string_view name, bool isCube);
+
     vrLightContext *LightContext = nullptr;
+    bool ScreenSpace = false;
     vrRenderStateBlock StateBlock;
     bool IsStateBlockKnown = false;
     uint64_t MainThreadId = 0;
+    uint32_t FrameCount = 0;
+    float FrameSeconds = 0.0f;
+    double LastFlipSeconds = 0.0;
     std::unique_ptr<vrPostFxRunner> PostFx;
     std::unique_ptr<TextureCache> Textures;
 };

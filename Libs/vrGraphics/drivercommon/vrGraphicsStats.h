@@ -3,7 +3,8 @@
 #include <atomic>
 #include <cstdint>
 
-/// What a frame did, for the tool's counters. Simulation and rendering add from their threads.
+/// What frames did, for the tool's counters. Simulation and drawing add from their threads; reading and closing are the
+/// main thread's.
 struct vrGraphicsStats
 {
     struct Values
@@ -13,7 +14,11 @@ struct vrGraphicsStats
         int Vertices = 0; ///< handed to the driver
         int Draws = 0;
         int Renders = 0; ///< of scenes
+        int Updates = 0; ///< of scenes
         int StateChanges = 0;
+        int PrepareMicroseconds = 0; ///< of selection, sorting and vertex building
+
+        friend bool operator==(const Values &, const Values &) = default;
     };
 
     static std::atomic<int> ParticlesSimulated;
@@ -21,8 +26,11 @@ struct vrGraphicsStats
     static std::atomic<int> Vertices;
     static std::atomic<int> Draws;
     static std::atomic<int> Renders;
+    static std::atomic<int> Updates;
     static std::atomic<int> StateChanges;
+    static std::atomic<int> PrepareMicroseconds;
 
-    /// Since the last call with `latch`, which closes the counting: the closed figures are what all calls answer.
+    /// The figures that were closed last. `latch` first closes what was counted since, if anything was: two calls in a
+    /// row answer the same.
     static Values Get_Stats(bool latch);
 };

@@ -12,13 +12,14 @@ namespace ParticleScratch
 
 constexpr size_t DEFAULT_BYTES = 0x400000;
 
-/// Made when the driver starts; another size is for benchmarks.
+/// Made when the driver starts, unless it is there already; another size is for benchmarks. What was given out before
+/// is gone. False when there is no memory.
 bool Start(size_t bytes = DEFAULT_BYTES);
 void Shutdown();
 bool Is_Started();
 
-/// Room for vertices, 16-byte aligned no more than their size allows; null, with nothing taken, when it doesn't fit or
-/// nothing was started. A negative count asserts.
+/// Room for vertices, packed behind what was given out before (4-byte aligned); null, with nothing taken, when it
+/// doesn't fit or nothing was started. A negative count asserts, and gets null.
 void *Allocate(int items_count, vrPrimVertexType type);
 void Reset();
 size_t Get_Used_Bytes();

@@ -29,9 +29,9 @@ struct vrPicture2D
     std::vector<LevelType> Levels; ///< from the largest, each half the size of the one before, rounded down, 1 at least
 };
 
-/// Reads a picture file by what it holds, whatever its name: TGA (true colour and grey, 8 to 32 bits, run-length coded
-/// or not, from either edge), DDS (RGBA, BC1 to BC3, with levels), PNG. Sizes are those that `vrPicture` allows. False,
-/// with the reason, for what is none of them, damaged or cut short; `picture` is then as it was.
+/// Reads a picture file by what it holds, whatever its name: TGA (colour, palettes and grey, 8 to 32 bits, run-length
+/// coded or not, from either edge), DDS (RGBA, BC1 to BC3, with levels), PNG. Sizes are those that `vrPicture` allows.
+/// False, with the reason, for what is none of them, damaged or cut short; `picture` is then as it was.
 bool Load_Picture(FileClass &file, vrPicture2D &picture, std::string &error);
 /// The first level as plain texels, four bytes each.
 std::vector<uint8_t> Decode_Picture(const vrPicture2D &picture);

@@ -9,6 +9,7 @@
 #include "vrGraphics/drivercommon/vrSceneEffectsParams.h"
 
 #include <array>
+#include <memory>
 #include <vector>
 
 class vrCamera;
@@ -52,6 +53,7 @@ public:
 
     /// Expects a camera.
     explicit vrRenderContext(vrCamera *cam);
+    ~vrRenderContext();
     vrRenderContext(const vrRenderContext &) = delete;
     vrRenderContext &operator=(const vrRenderContext &) = delete;
 
@@ -65,9 +67,12 @@ public:
     Vector3 ParticleEmissiveAdder{0.0f};
     vrBounds TaskBounds; ///< of all tasks near enough to matter
 
-    void Add_Task(vrRenderPhaseEnum phase, vrRenderTask *task) { Phases[Index_Of(phase)].push_back(task); }
-    const std::vector<vrRenderTask *> &Get_Tasks(vrRenderPhaseEnum phase) const { return Phases[Index_Of(phase)]; }
-    std::vector<vrRenderTask *> &Get_Tasks(vrRenderPhaseEnum phase) { return Phases[Index_Of(phase)]; }
+    void Add_Task(vrRenderPhaseEnum phase, vrRenderTask *task) { Lists->Phases[Index_Of(phase)].push_back(task); }
+    const std::vector<vrRenderTask *> &Get_Tasks(vrRenderPhaseEnum phase) const
+    {
+        return Lists->Phases[Index_Of(phase)];
+    }
+    std::vector<vrRenderTask *> &Get_Tasks(vrRenderPhaseEnum phase) { return Lists->Phases[Index_Of(phase)]; }
     bool Has_Phase(vrRenderPhaseEnum phase) const { return (PhaseMask & Phase_Bit(phase)) != 0; }
     int Get_Task_Count() const;
     /// Empties the lists.
@@ -78,11 +83,39 @@ public:
     void Sort_Tasks();
     /// For what wants a further pass after the phases; false when there are `MAX_EXTRA_PASSES` already.
     bool Add_Extra_Pass(vrRenderTask *task);
-    const std::vector<vrRenderTask *> &Get_Extra_Passes() const { return ExtraPasses; }
+    const std::vector<vrRenderTask *> &Get_Extra_Passes() const { return Lists->ExtraPasses; }
 
 private:
     static size_t Index_Of(vrRenderPhaseEnum phase) { return static_cast<size_t>(phase); }
 
-    std::array<std::vector<vrRenderTask *>, PHASE_COUNT> Phases;
-    std::vector<vrRenderTask *> ExtraPasses;
+    /// A task on its way through the pre-render.
+    struct PreRenderEntry
+    {
+        const void *Owner;
+        vrRenderTask *Task;
+        vrRenderPhaseEnum Phase;
+    };
+    struct SortEntry
+    {
+        float Bias;
+        uint32_t Order; ///< of collection
+        vrRenderTask *Task;
+    };
+    /// What a context fills. It goes back to a spare list, so that the next one of the thread allocates nothing.
+    struct TaskLists
+    {
+        std::array<std::vector<vrRenderTask *>, PHASE_COUNT> Phases;
+        std::vector<vrRenderTask *> ExtraPasses;
+        std::vector<PreRenderEntry> PreRender;
+        std::vector<SortEntry> Sorted;
+        std::vector<int> OwnerStarts; ///< where each owner's run of `PreRender` begins, and its end
+    };
+
+    void Pre_Render_Owners();
+    void Pre_Render_Owner(int owner) const;
+    void Sort_Phase(std::vector<vrRenderTask *> &tasks);
+
+    static thread_local std::vector<std::unique_ptr<TaskLists>> SpareLists;
+
+    std::unique_ptr<TaskLists> Lists;
 };

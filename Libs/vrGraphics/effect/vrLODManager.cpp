@@ -5,6 +5,7 @@
 #include "MKPlatform/Files.h"
 #include "vrGraphics/effect/LODSettingsFile.h"
 #include "vrGraphics/particle/ParticleMath.h"
+#include "vrGraphics/scene/vrScene.h"
 
 #include <algorithm>
 #include <array>
@@ -128,6 +129,7 @@ void vrLODManager::Set_LOD_Fade(LODFadeType type, float start, float end, float 
     fade.Start = Particle::Clamp_01(start);
     fade.End = clampedEnd;
     fade.T = 0.0f;
+    vrScene::Set_Frame_Call(&vrLODManager::On_New_Frame);
 }
 
 const vrLODManager::FadeRecord &vrLODManager::Get_Fade_Record(LODFadeType type)

@@ -95,7 +95,7 @@ public:
     static int64_t Get_Settings_Write_Time();
 
     /// Starts a fade from `start` to `end`, both cut to 0..1, over so many seconds. One that ends where the present one
-    /// does changes nothing.
+    /// does changes nothing. From the first one on the frames of scenes advance the fades.
     static void Set_LOD_Fade(LODFadeType type, float start, float end, float duration);
     /// Where the fade is now, 0 to 1; 1 before the first. An unknown type asserts and yields 1.
     static float Get_LOD_Fade(LODFadeType type);

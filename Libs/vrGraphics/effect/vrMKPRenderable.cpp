@@ -123,6 +123,7 @@ void vrMKPRenderable::Set_Emitter(vrMKParticleEmitter *emitter)
 {
     MK_ASSERT(!Is_In_Scene() || !emitter, "(!RenderableState.Flags.InScene) || !emitter");
     Emitter = emitter;
+    State.Emitter = emitter;
     Set_Parent_Name(emitter ? emitter->Get_Name_Ref() : NameTableRef());
 }
 

@@ -167,6 +167,9 @@ void vrMKPRenderable::Think(float dt)
     context.ProjectileHit = Physics && Physics->Has_Hit(PhysicsData.Get());
     Outcome = {};
     Update_Modifiers(context);
+    State.ColorMultiplier = Emitter ? Emitter->Get_Tint() : RGBAClass();
+    State.TintAlpha = Outcome.Fade;
+    State.LightScale = Outcome.LightScale;
 }
 
 void vrMKPRenderable::Set_Dynamic_Setting(int setting, const Vector4 &value, float fadeTime)

@@ -112,6 +112,19 @@ public:
     void Pre_Render_Transform(const Mat3DClass &camera);
     /// Picks what is drawn in a view.
     void Select_Visible_Particles(const vrPreRenderContext &context);
+    /// Whether the layer has something to draw in the render that collects. Until the next one, `Pre_Render` and
+    /// `Render` go by the answer.
+    bool Take_Part(const vrRenderContext &context);
+    bool Takes_Part() const { return TakesPart; }
+    vrRenderPhaseEnum Get_Render_Phase() const
+    {
+        return Visualizer ? Visualizer->Get_Render_Phase() : vrRenderPhaseEnum::Particles;
+    }
+    /// Places what depends on the view, picks what is drawn, and builds its vertices.
+    void Pre_Render(const vrPreRenderContext &context);
+    void Render(vrRenderContext &context);
+    /// Whether `Get_Bounds` is around what the layer draws in every view.
+    bool Has_Bounds() const { return !Is_View_Dependent() && !Is_Hardware(); }
     /// Whether the layer has particles, or may get some without its parent's.
     bool Has_Work() const;
     bool Needs_Serial_Frame() const;
@@ -142,6 +155,7 @@ private:
     void Find_Bullet_Modifier();
     void Set_Hidden_Flag(bool &flag, bool hidden);
     bool Make_Buffer(vrMKPRenderState &state, SmartPtr<vrMKPBufferPluginData> spawnData, int capacity);
+    void Ready_Visualizer(vrMKParticleGroup &group);
     void Pre_Simulate(vrMKParticleGroup &group);
     void Step_Particles();
     bool Has_Quality() const;
@@ -162,6 +176,7 @@ private:
     bool HiddenBySpawner = false;
     bool HiddenByGroup = false;
     bool HiddenByLOD = false;
+    bool TakesPart = false; ///< in the render that was collected last
     /// The kinds that the buffer's data was made for.
     struct PreparedKinds
     {

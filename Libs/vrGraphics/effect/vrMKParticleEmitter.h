@@ -2,6 +2,7 @@
 
 #include "MKLib/NameTable.h"
 #include "vrGraphics/effect/vrMKPGameState.h"
+#include "vrGraphics/particle/vrMKPEmitterFace.h"
 #include "vrGraphics/scene/vrRenderable.h"
 
 #include <array>
@@ -25,7 +26,7 @@ constexpr uint32_t VR_CHUNK_MKPEMITTER = 0x1500;
 
 /// What one emitter file holds: a named list of renderables that appear together in a scene. docs/formats/emitter.md
 /// has the file. A load and a clone run on the main or the loader's thread.
-class vrMKParticleEmitter final : public vrParticleInterface
+class vrMKParticleEmitter final : public vrParticleInterface, public vrMKPEmitterFace
 {
 public:
     MK_RUN_TIME_TYPE
@@ -111,6 +112,18 @@ public:
     /// Whether nothing lives in any group, and nothing more will by itself.
     bool Is_Depleted() const;
 
+    int Get_Light_Source_Count() const override;
+    const vrParticleLight &Get_Light_Source(int index) const override;
+    int Find_Light_Source(const char *name) const override;
+    /// Raises the flags for it.
+    void Keep_Updating() override;
+    /// While raised, the emitter doesn't leave its scene for being depleted.
+    void Hold_Removal_Off(bool held) { Set_Flag(EMITTER_HOLDS_REMOVAL_OFF, held); }
+
+    /// The box around the groups; none when a group has none.
+    bool Get_Cull_Box(vrBounds &box) const override;
+    void Collect(vrRenderContext &context) override;
+
     const char *Get_Think_Name() const override { return Get_Name().c_str(); }
     void Think(float dt) override;
     /// Leaves the scene once it is depleted.
@@ -143,7 +156,8 @@ private:
     bool Has_Work() const;
     bool Has_Finished() const;
     /// Calls for each group of the emitter.
-    template <typename Call> void For_Groups(Call &&call) const;
+    template <typename Call>
+    void For_Groups(Call &&call) const;
 
     static float DriverTintAlpha;
 

@@ -4,6 +4,8 @@
 #include "vrGraphics/effect/vrMKParticleGroup.h"
 #include "vrGraphics/scene/vrScene.h"
 
+#include <glm/common.hpp>
+
 #include <algorithm>
 
 float vrMKParticleEmitter::DriverTintAlpha = 1.0f;
@@ -80,6 +82,64 @@ bool vrMKParticleEmitter::Is_Depleted() const
     bool isDepleted = true;
     For_Groups([&](const vrMKParticleGroup &group) { isDepleted &= group.Is_Ended() || group.Is_Depleted(); });
     return isDepleted;
+}
+
+int vrMKParticleEmitter::Get_Light_Source_Count() const
+{
+    int count = 0;
+    For_Groups([&](const vrMKParticleGroup &group) { count += group.Light_Count(); });
+    return count;
+}
+
+const vrParticleLight &vrMKParticleEmitter::Get_Light_Source(int index) const
+{
+    static const vrParticleLight OFF;
+    const vrParticleLight *found = &OFF;
+    For_Groups([&](const vrMKParticleGroup &group) {
+        if (index >= 0 && index < group.Light_Count()) found = &group.Get_Light_State(index);
+        index -= group.Light_Count();
+    });
+    return *found;
+}
+
+int vrMKParticleEmitter::Find_Light_Source(const char *name) const
+{
+    int found = -1;
+    int first = 0;
+    For_Groups([&](const vrMKParticleGroup &group) {
+        for (int index = 0; index < group.Light_Count() && found < 0; ++index)
+            if (MK::Equal_Ignoring_Case(group.Get_Light(index)->Get_Light_Name(), name)) found = first + index;
+        first += group.Light_Count();
+    });
+    return found;
+}
+
+void vrMKParticleEmitter::Keep_Updating()
+{
+    Set_Flag(EMITTER_ALWAYS_SIMULATES, true);
+    Hold_Removal_Off(true);
+}
+
+bool vrMKParticleEmitter::Get_Cull_Box(vrBounds &box) const
+{
+    bool isFirst = true;
+    bool hasBox = true;
+    Vector3 low = Get_Transform().Get_Translation();
+    Vector3 high = low;
+    For_Groups([&](const vrMKParticleGroup &group) {
+        vrBounds part;
+        hasBox &= group.Get_Cull_Box(part);
+        low = isFirst ? part.Center - part.Extent : glm::min(low, part.Center - part.Extent);
+        high = isFirst ? part.Center + part.Extent : glm::max(high, part.Center + part.Extent);
+        isFirst = false;
+    });
+    box = {(low + high) * 0.5f, (high - low) * 0.5f};
+    return hasBox;
+}
+
+void vrMKParticleEmitter::Collect(vrRenderContext &context)
+{
+    for (const auto &renderable : MKPRenderables) renderable->Collect(context);
 }
 
 /// First of its own: its renderables think after it.

@@ -2,10 +2,15 @@
 
 #include "MKLib/MKDebug/AssertScope.h"
 #include "MKLib/MKDebug/Logger.h"
+#include "vrGraphics/drivercommon/vrGraphicsDriver.h"
+#include "vrGraphics/drivercommon/vrGraphicsStats.h"
+#include "vrGraphics/drivercommon/vrRenderContext.h"
+#include "vrGraphics/effect/vrMKParticleEmitter.h"
 #include "vrGraphics/effect/vrMKParticleGroup.h"
 #include "vrGraphics/particle/ParticleMath.h"
 #include "vrGraphics/particle/vrHWParticleBuffer.h"
 #include "vrGraphics/plugins/visualizers/vrMKPBoundsSum.h"
+#include "vrGraphics/scene/vrScene.h"
 
 #include <algorithm>
 #include <climits>
@@ -64,11 +69,20 @@ bool vrMKParticle::Prepare_Buffer(vrMKParticleGroup &group)
     }
     Buffer->Active = true;
     Buffer->State = &state;
-    Buffer->Companion = Spawner->Get_Buffer_Companion(*Buffer);
     Buffer->Random.Seed(Spawner->Get_Run_Seed(state));
+    Buffer->Companion = Spawner->Get_Buffer_Companion(*Buffer); // which goes by the seed
     Buffer->Owner = this;
     Buffer->Layer = this;
+    Ready_Visualizer(group);
     return true;
+}
+
+/// A layer may have been loaded without its assets, or ahead of the driver.
+void vrMKParticle::Ready_Visualizer(vrMKParticleGroup &group)
+{
+    if (!Visualizer) return;
+    if (TheGraphicsDriver) Visualizer->Load_Assets(false, nullptr);
+    if (group.Get_Emitter()) Visualizer->Bind_To_Emitter(*group.Get_Emitter());
 }
 
 vrMKParticle::PreparedKinds vrMKParticle::Get_Kinds() const
@@ -269,6 +283,7 @@ void vrMKParticle::Update_Hardware(float dt, vrMKParticleGroup &group)
     const vrBounds box = group.Get_Bounds();
     if (Buffer->Companion->Update(dt, box.Center - box.Extent, box.Center + box.Extent)) ++state.HardwareCycles;
     if (!state.Is_Showing()) Buffer->Companion->Stop_Spawning();
+    if (Buffer->Companion->Is_Finished()) Buffer->SpawnerState = SPAWNER_STOPPED;
 }
 
 void vrMKParticle::Pre_Render_Transform(const Mat3DClass &camera)
@@ -281,6 +296,32 @@ void vrMKParticle::Select_Visible_Particles(const vrPreRenderContext &context)
 {
     if (!Buffer || !Buffer->Active || !Visualizer || Is_Suspended()) return;
     Visualizer->Select_Visible_Particles(*Buffer, context);
+}
+
+bool vrMKParticle::Take_Part(const vrRenderContext &context)
+{
+    TakesPart = Buffer && Buffer->Active && Visualizer && !Is_Suspended() &&
+                (Buffer->ActiveCount > 0 || Buffer->Companion) && Visualizer->Is_Enabled() &&
+                Visualizer->Is_Render_Mode_Enabled(context.Mode) && context.Has_Phase(Visualizer->Get_Render_Phase());
+    return TakesPart;
+}
+
+void vrMKParticle::Pre_Render(const vrPreRenderContext &context)
+{
+    if (!TakesPart || (vrGraphicsDriver::Get_Particle_Passes() & vrGraphicsDriver::PASS_PRE_RENDER) == 0) return;
+    if (Is_View_Dependent())
+        Pre_Render_Transform(context.Camera);
+    else if (Transformer && vrScene::Has_To_Catch_Up())
+        Transformer->Transform(*Buffer);
+    Visualizer->Select_Visible_Particles(*Buffer, context);
+    Visualizer->Pre_Visualize(*Buffer, context);
+}
+
+void vrMKParticle::Render(vrRenderContext &context)
+{
+    if (!TakesPart || (vrGraphicsDriver::Get_Particle_Passes() & vrGraphicsDriver::PASS_RENDER) == 0) return;
+    vrGraphicsStats::ParticlesRendered.fetch_add(Buffer->VisibleCount, std::memory_order_relaxed);
+    Visualizer->Visualize(*Buffer, context);
 }
 
 /// Whether the layer has a part in what keeps its emitter in the scene: it has particles, or may get some in this run.

@@ -56,12 +56,17 @@ public:
     bool Is_Depleted() const { return LiveParticles == 0 && WaitingLayers == 0; }
     /// The box around all layers, of the last frame.
     vrBounds Get_Bounds() const;
+    bool Get_Cull_Box(vrBounds &box) const override;
+    /// One task for each phase that layers draw in.
+    void Collect(vrRenderContext &context) override;
+    void Pre_Render(const vrPreRenderContext &context) override;
+    void Render(vrRenderContext &context) override;
     vrMKPLayer *Find_Layer(std::string_view name) const override;
     /// Hands the death of a particle of `buffer` to the spawner of one of the group's layers.
     void On_Parent_Particle_Death(vrMKParticle *particle, const Vector3 &position, const Vector3 &velocity,
                                   float overshoot, const vrMKPBuffer *buffer);
-    /// As it shines in this frame; expects an index of a light.
-    const vrParticleLight &Get_Light_State(int index) const { return LightStates[static_cast<size_t>(index)]; }
+    /// As it shines in this frame, off before the start; expects an index of a light.
+    const vrParticleLight &Get_Light_State(int index) const;
 
     /// Process-wide, true at the start: whether a load of a layer readies the visualizer's textures and shader.
     static void Enable_Forced_Additional_Asset_Loading(bool enabled) { ForceAdditionalAssetLoading = enabled; }

@@ -1,6 +1,10 @@
 #include "vrGraphics/effect/vrMKParticleGroup.h"
 
+#include "vrGraphics/drivercommon/vrGraphicsDriver.h"
+#include "vrGraphics/drivercommon/vrGraphicsStats.h"
+#include "vrGraphics/drivercommon/vrRenderContext.h"
 #include "vrGraphics/effect/vrMKParticleEmitter.h"
+#include "vrGraphics/scene/vrScene.h"
 
 #include <glm/common.hpp>
 
@@ -114,6 +118,7 @@ void vrMKParticleGroup::Think_Particles(float dt)
             particle->Update(dt, *this);
     }
     Get_State().FrameTime = dt;
+    vrGraphicsStats::ParticlesSimulated.fetch_add(Get_State().ParticleCount, std::memory_order_relaxed);
     Count_Work();
     Update_Lights();
 }
@@ -156,6 +161,46 @@ vrBounds vrMKParticleGroup::Get_Bounds() const
         isFirst = false;
     }
     return {(lowest + highest) * 0.5f, (highest - lowest) * 0.5f};
+}
+
+bool vrMKParticleGroup::Get_Cull_Box(vrBounds &box) const
+{
+    box = Get_Bounds();
+    return std::all_of(Particles.begin(), Particles.end(), [](const auto &particle) { return particle->Has_Bounds(); });
+}
+
+void vrMKParticleGroup::Collect(vrRenderContext &context)
+{
+    if (!vrGraphicsDriver::Is_Enabled(vrGraphicsDriver::STATE_PARTICLES) || !Wants_Particle_Think() ||
+        Is_Group_Hidden() || (Get_Render_Modes() & context.Mode) == 0)
+        return;
+    uint32_t phases = 0;
+    for (const auto &particle : Particles)
+        if (particle->Take_Part(context)) phases |= Phase_Bit(particle->Get_Render_Phase());
+    if (phases == 0) return;
+    const vrBounds bounds = Get_Bounds();
+    for (int phase = 0; phase < PHASE_COUNT; ++phase)
+        if (phases & (1u << phase))
+            context.Scene->Add_Simple_Task(context, *this, static_cast<vrRenderPhaseEnum>(phase), bounds,
+                                           Get_Sort_Bias());
+}
+
+void vrMKParticleGroup::Pre_Render(const vrPreRenderContext &context)
+{
+    for (const auto &particle : Particles)
+        if (particle->Get_Render_Phase() == context.Phase) particle->Pre_Render(context);
+}
+
+void vrMKParticleGroup::Render(vrRenderContext &context)
+{
+    for (const auto &particle : Particles)
+        if (particle->Get_Render_Phase() == context.Phase) particle->Render(context);
+}
+
+const vrParticleLight &vrMKParticleGroup::Get_Light_State(int index) const
+{
+    static const vrParticleLight OFF;
+    return static_cast<size_t>(index) < LightStates.size() ? LightStates[static_cast<size_t>(index)] : OFF;
 }
 
 vrMKPLayer *vrMKParticleGroup::Find_Layer(std::string_view name) const

@@ -3,8 +3,10 @@
 #include "MKLib/MKMath/Vectors.h"
 #include "MKLib/RefCount.h"
 
-/// What a layer holds beside its buffer when the graphics device simulates its particles. Without a device that does
-/// so there is none.
+class vrRenderContext;
+struct vrHWParticleLook;
+
+/// What a layer holds beside its buffer when its particles are simulated apart from it. Other layers have none.
 class vrHWParticleBuffer : public RefCountClass
 {
 public:
@@ -15,6 +17,10 @@ public:
     virtual void Update_Transform(int worldSpace) = 0;
     /// Ends the spawning; the living particles play to their end.
     virtual void Stop_Spawning() = 0;
-    /// Draws. On the thread that owns the driver.
-    virtual void Render() = 0;
+    /// Begins the spawning anew, start delay included; the living particles play on.
+    virtual void Start_Spawning() = 0;
+    /// Whether the last particle is gone and none is to come, by what the layer itself says.
+    virtual bool Is_Finished() const = 0;
+    /// Draws in the driver's world transform. On the thread that owns the driver.
+    virtual void Render(vrRenderContext &context, const vrHWParticleLook &look) = 0;
 };

@@ -162,6 +162,8 @@ void vrMKPBuffer::Reset()
     SpawnClock = 0.0f;
     FirstSpawn = true;
     LastSpawnTime = 0.0f;
+    SpawnInterval = 0.0f;
+    ClusterSize = 1;
     PendingCount = 0;
     NextSerial = 0;
     if (SpawnerData) SpawnerData->Reset();

@@ -166,6 +166,8 @@ public:
     float SpawnClock = 0.0f; ///< seconds since spawning began, start delay included
     bool FirstSpawn = true;
     float LastSpawnTime = 0.0f; ///< on the spawner's own clock, of the last particle written
+    float SpawnInterval = 0.0f; ///< from one birth to the next at the last spawn, on that clock; 0 when there's none
+    int ClusterSize = 1;        ///< how many were born together at each of these
     int PendingCount = 0;       ///< particles still to spawn, of spawners without a clock
     uint32_t NextSerial = 0;
     int GlobalLOD = 0;               ///< least global quality at which the layer runs, 0 to 4

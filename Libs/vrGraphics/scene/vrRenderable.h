@@ -6,10 +6,13 @@
 #include "MKLib/MKMath/Mat3D.h"
 #include "MKLib/RefCount.h"
 #include "MKLib/RunTimeType.h"
+#include "vrGraphics/drivercommon/vrBounds.h"
 
 #include <cstdint>
 
+class vrRenderContext;
 class vrScene;
+struct vrPreRenderContext;
 
 /// What a clone is for.
 enum vrCloneType : int
@@ -58,6 +61,22 @@ public:
     bool Is_Hidden() const { return Hidden; }
     virtual void Set_Hidden(bool hidden) { Hidden = hidden; }
 
+    // Drawing. While a render collects, a renderable adds tasks to the context for the phases that it draws in; each
+    // task then calls back, `Pre_Render` and `Render` once for its phase.
+    /// Bits of the render modes in which it is asked at all. All at the start.
+    uint32_t Get_Render_Modes() const { return RenderModes; }
+    void Set_Render_Modes(uint32_t mask) { RenderModes = mask; }
+    /// Whether its box changes with its transform alone. Set before it is added to a scene.
+    bool Is_Still() const { return Still; }
+    void Set_Still(bool still) { Still = still; }
+    /// The box around what it draws, in the world. False for what may be anywhere.
+    virtual bool Get_Cull_Box(vrBounds & /*box*/) const { return false; }
+    /// Expects the context to have a scene.
+    virtual void Collect(vrRenderContext & /*context*/) {}
+    /// Builds what is drawn; may run beside that of others.
+    virtual void Pre_Render(const vrPreRenderContext & /*context*/) {}
+    virtual void Render(vrRenderContext & /*context*/) {}
+
     /// The thing that this one is a part of, which may be itself.
     virtual vrRenderable &Get_Top_Owner() { return *this; }
     /// Whether it has particles to simulate in this frame.
@@ -78,7 +97,8 @@ protected:
 
     vrRenderable() = default;
     vrRenderable(const vrRenderable &other)
-        : CullObjectClass(other), Transform(other.Transform), UpdateMode(other.UpdateMode), Hidden(other.Hidden)
+        : CullObjectClass(other), Transform(other.Transform), RenderModes(other.RenderModes),
+          UpdateMode(other.UpdateMode), Hidden(other.Hidden), Still(other.Still)
     {
     }
 
@@ -90,9 +110,11 @@ protected:
 private:
     vrScene *Scene = nullptr;
     Mat3DClass Transform;
+    uint32_t RenderModes = 0xffffffff;
     UpdateModeType UpdateMode = UPDATE_WHEN_VISIBLE;
     bool Hidden = false;
-    int ThinkGroup = -1; ///< the scene's, of the frame that runs
+    bool Still = false;
+    int ThinkGroup = -1;         ///< the scene's, of the frame that runs
     bool HasToldOfParts = false; ///< that it has more parts than think
 };
 

@@ -4,11 +4,18 @@
 #include "MKLib/MKDebug/Logger.h"
 #include "MKLib/ThreadPool.h"
 #include "vrGraphics/RenderThread/RenderThread.h"
+#include "vrGraphics/drivercommon/vrGraphicsDriver.h"
+#include "vrGraphics/drivercommon/vrGraphicsStats.h"
+#include "vrGraphics/drivercommon/vrRenderContext.h"
+#include "vrGraphics/particle/vrWorld.h"
 
 #include <algorithm>
 #include <cmath>
 
 MK_DEFINE_RUN_TIME_TYPE(vrScene, vrRenderable)
+MK_DEFINE_RUN_TIME_TYPE(vrNullScene, vrScene)
+
+void (*vrScene::FrameCall)(float dt) = nullptr;
 
 static MKDebug::Logger VorenLog("VorenLog");
 
@@ -25,9 +32,27 @@ struct ParallelSection
     ~ParallelSection() { RenderThread::InParallelSection = false; }
 };
 
+/// Sets a flag for as long as it lives, whatever ends it.
+struct FlagScope
+{
+    explicit FlagScope(bool &flag) : Flag(flag) { Flag = true; }
+    ~FlagScope() { Flag = false; }
+
+    bool &Flag;
+};
+
 } // namespace
 
-vrScene::~vrScene() = default;
+vrScene::vrScene() : LightContext(new vrLightContext)
+{
+}
+
+/// The driver keeps the lights of the last render.
+vrScene::~vrScene()
+{
+    if (TheGraphicsDriver && TheGraphicsDriver->Get_Light_Context() == LightContext.Get())
+        TheGraphicsDriver->Set_Light_Context(nullptr);
+}
 
 vrRenderable *vrScene::Clone(vrCloneType) const
 {
@@ -38,16 +63,90 @@ vrRenderable *vrScene::Clone(vrCloneType) const
 void vrScene::Update(float dt)
 {
     if (!MK_VERIFY(std::isfinite(dt), "std::isfinite(dt)")) return;
-    InUpdate = true;
+    if (SceneOwner) SceneOwner->Update(dt);
+    if (FrameCall) FrameCall(dt);
+    vrGraphicsStats::Updates.fetch_add(1, std::memory_order_relaxed);
     ++FrameCount;
     Time += dt;
     if (Time > TIME_WRAP) Time -= TIME_WRAP;
     FrameTime = dt;
     ElapsedTime += dt;
-    Process_Think_List(dt);
-    InUpdate = false;
+    if (vrGraphicsDriver::Is_Enabled(vrGraphicsDriver::STATE_THINK)) {
+        const FlagScope inUpdate(InUpdate);
+        Process_Think_List(dt);
+    }
     for (const auto &renderable : ReleaseList) Remove_Renderable(renderable.Get());
     ReleaseList.clear();
+    Update_Effects(dt);
+}
+
+/// By index: an effect may add others.
+void vrScene::Update_Effects(float dt)
+{
+    for (size_t index = 0; index < Effects.size();) {
+        const SmartPtr<vrSceneEffect> effect = Effects[index];
+        effect->Update(dt);
+        if (effect->Is_Finished())
+            Effects.erase(Effects.begin() + static_cast<std::ptrdiff_t>(index));
+        else
+            ++index;
+    }
+}
+
+void vrScene::Add_Effect(vrSceneEffect *effect)
+{
+    if (MK_VERIFY(effect != nullptr, "effect != NULL")) Effects.emplace_back(effect);
+}
+
+void vrScene::Set_Sun_Direction(const Vector3 &direction)
+{
+    if (vrDirectionalLight *sun = LightContext->Get_Sun_Light()) {
+        sun->Set_Direction(direction);
+    } else if (direction != Vector3(0.0f)) {
+        const SmartPtr<vrDirectionalLight> fresh(new vrDirectionalLight);
+        fresh->Set_Direction(direction);
+        LightContext->Set_Sun_Light(fresh.Get());
+    }
+}
+
+Vector3 vrScene::Get_Sun_Direction() const
+{
+    const vrDirectionalLight *sun = LightContext->Get_Sun_Light();
+    return sun ? sun->Get_Direction() : Vector3(0.0f);
+}
+
+void vrScene::Add_Simple_Task(vrRenderContext &context, vrRenderable &renderable, vrRenderPhaseEnum phase,
+                              const vrBounds &bounds, float sortBias)
+{
+    vrSimpleRenderTask &task = Tasks.Take();
+    task.Set(renderable, bounds, sortBias);
+    context.Add_Task(phase, &task);
+}
+
+bool vrScene::Has_To_Catch_Up()
+{
+    return !vrGraphicsDriver::Is_Enabled(vrGraphicsDriver::STATE_THINK);
+}
+
+void vrScene::Refresh_Light_Field()
+{
+    if (!LightField) LightField.emplace();
+    LightField->Bounds = {};
+    if (UseLightFieldSceneBounds) {
+        LightField->Bounds = LightFieldSceneBounds;
+    } else {
+        LightContext->Get_Bounds(LightField->Bounds);
+        const vrHeightRange heights = Terrain ? Terrain->Get_Height_Range() : vrHeightRange{};
+        if (Terrain && std::isfinite(heights.Least) && std::isfinite(heights.Greatest)) {
+            LightField->Bounds.Center.z = (heights.Least + heights.Greatest) * 0.5f;
+            LightField->Bounds.Extent.z = (heights.Greatest - heights.Least) * 0.5f;
+        }
+    }
+    LightContext->Get_Light_Field_Lights(LightField->Lights);
+    std::sort(LightField->Lights.begin(), LightField->Lights.end(),
+              [](const vrLightSource *left, const vrLightSource *right) {
+                  return left->Get_Intensity() > right->Get_Intensity();
+              });
 }
 
 void vrScene::Process_Think_List(float dt)

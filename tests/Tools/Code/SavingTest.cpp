@@ -1,5 +1,6 @@
 #include "Code/EmitterData.h"
 #include "Code/ParticleData.h"
+#include "Tools/Code/FakeP4.h"
 #include "Tools/Code/ToolFixture.h"
 #include "vrGraphics/effect/vrMKParticleEmitter.h"
 
@@ -22,33 +23,6 @@ namespace
 constexpr const char *CHECKOUT_TEXT =
     "Unable to check out file.\nMake sure that it has been added to Perforce and is checked out, or that the Read-only "
     "tag hasn't been set in Windows.";
-
-/// A `p4` of our own on PATH. What it was called with stands in the file `calls`, a line a call.
-class FakeP4
-{
-public:
-    FakeP4(const MKTest::TempDirectory &directory, const std::string &body) : log(directory / "calls")
-    {
-        const std::string script = directory.Write("bin/p4", "#!/bin/sh\nfor word in \"$@\"; do printf '[%s]' \"$word\""
-                                                             "; done >> '" +
-                                                                 log + "'\necho >> '" + log + "'\n" + body);
-        fs::permissions(script, fs::perms::owner_all);
-        before = getenv("PATH");
-        setenv("PATH", (directory / "bin:" + before).c_str(), 1);
-    }
-    FakeP4(const FakeP4 &) = delete;
-    FakeP4 &operator=(const FakeP4 &) = delete;
-    ~FakeP4() { setenv("PATH", before.c_str(), 1); }
-
-    std::string Calls() const { return fs::exists(log) ? MKTest::Read_Text_File(log) : ""; }
-
-private:
-    std::string log;
-    std::string before;
-};
-
-constexpr const char *MAKE_WRITABLE = "chmod u+w \"$2\"\n";
-constexpr const char *REFUSE = "exit 1\n";
 
 /// Rows 0 and 1 belong to "fire", row 2 to "smoke".
 class Saving : public testing::Test

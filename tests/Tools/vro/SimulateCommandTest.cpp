@@ -261,6 +261,48 @@ TEST(Simulate, DistanceThinsWhatIsVisible)
     EXPECT_EQ(theatre.Last_Layer(9)["visible"], 0); // from some 540 away
 }
 
+TEST(Simulate, VerticesAreThoseOfADrawFromTheCamera)
+{
+    const Theatre theatre(
+        Layer(Point_Spawner(R"({"name": "Position", "value": {"shape": 0, "center": [5, 0, 10]}})"),
+              Plugin("Constant Size", R"({"name": "Width", "value": 2}, {"name": "Height", "value": 3})") + ", " +
+                  Plugin("Constant UV") + ", " +
+                  Plugin("Constant Color", R"({"name": "Color", "value": [1, 0, 1, 0.2]})")) +
+        ", " + Layer(Plugin("Code Spawner")));
+    const std::vector<std::string> view = {"--camera", "0,-100,0", "--vertices"};
+    const Json layers = theatre.Frames(1, view).at(0).at("layers");
+    const Json &quads = layers.at(0).at("vertices");
+    ASSERT_EQ(quads.size(), layers.at(0).at("visible").get<size_t>() * 4);
+    // The view goes along y, with x to its right and z up. Sizes are halves.
+    const struct
+    {
+        std::vector<double> position, uv;
+    } corners[] = {{{3, 0, 13}, {0, 0}}, {{3, 0, 7}, {0, 1}}, {{7, 0, 7}, {1, 1}}, {{7, 0, 13}, {1, 0}}};
+    for (size_t index = 0; index < 4; ++index) {
+        Expect_Vector_Near(quads.at(index).at("position"), corners[index].position, "position");
+        Expect_Vector_Near(quads.at(index).at("uv"), corners[index].uv, "uv");
+        Expect_Vector_Near(quads.at(index).at("normal"), {0, 0, 1}, "normal");
+        EXPECT_THAT(quads.at(index).at("color"), ElementsAre(255, 0, 255, 51));
+    }
+    EXPECT_THAT(layers.at(1).at("vertices"), IsEmpty());
+    EXPECT_FALSE(theatre.Last_Layer(1).contains("vertices"));
+}
+
+TEST(Simulate, ALayerThatFindsNoRoomHasNoVerticesInThatFrame)
+{
+    const Theatre theatre(Layer(Plugin("Shape", R"({"name": "Particles / Second", "value": 320000},
+        {"name": "Random Seed", "value": 5})")));
+    std::vector<std::string> options = {"--frames", "2", "--dt", "0.05", "--report", "all", "--channels", "Age"};
+    options.push_back("--vertices");
+    const Outcome outcome = theatre.Run(options); // 16,000 quads fit, and 32,000 don't
+    ASSERT_EQ(outcome.Code, 0) << outcome.Err;
+    EXPECT_THAT(outcome.Err, HasSubstr("vrMKPBillboardVisualizer::Do_Pre_Visualize: out of particle scratch memory!"));
+    const Json frames = vro::Parse_Json(outcome.Out)["frames"];
+    EXPECT_EQ(frames[0]["layers"][0]["vertices"].size(), frames[0]["layers"][0]["visible"].get<size_t>() * 4);
+    EXPECT_GT(frames[0]["layers"][0]["visible"].get<int>(), 10000);
+    EXPECT_THAT(frames[1]["layers"][0]["vertices"], IsEmpty());
+}
+
 TEST(Simulate, AnEffectThatEndsLeavesNothing)
 {
     const Theatre theatre(Layer(Point_Spawner(R"({"name": "Stop Time", "value": 0.3})")));

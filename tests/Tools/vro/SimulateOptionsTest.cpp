@@ -81,7 +81,6 @@ TEST(SimulateOptions, WrongUsageIsToldInClearWords)
          "no channel \"Colour\"; there are ProjectileStartingPosition, PreviousPosition"},
         {{"--channels", "Age,Age"}, "channel \"Age\" stands twice"},
         {{"--channels", ""}, "no channel \"\""},
-        {{"--vertices"}, "--vertices: not available without visualizers that build vertices"},
         {{"--quality", "1.1"}, "--quality: expected 0 to 1, found \"1.1\""},
         {{"--camera", "1,2"}, "--camera: expected X,Y,Z, three finite numbers, found \"1,2\""},
         {{"--look-at", "1,2,3,4"}, "--look-at: expected X,Y,Z"},

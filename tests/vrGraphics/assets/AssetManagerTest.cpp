@@ -8,6 +8,7 @@
 #include "vrGraphics/assets/vrDefaultModel.h"
 #include "vrGraphics/effect/vrMKParticleEmitter.h"
 #include "vrGraphics/effect/vrMKPRenderable.h"
+#include "vrGraphics/nulldriver/vrNullDriverMethods.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -222,6 +223,34 @@ TEST_F(AssetManager, ThreadsThatAskAtOnceShareOneLoad)
     EXPECT_EQ(Manager.Get_Prototype_Count(), 1);
     for (const auto &renderable : made) EXPECT_EQ(Group_Name(renderable), "flames");
     EXPECT_EQ(MK_Dynamic_Cast<vrMKParticleEmitter>(made[0].Get())->Get_Instance_Count(), 9);
+}
+
+TEST_F(AssetManager, TexturesComeFromTheDriverAndGoWithTheAssets)
+{
+    const Reports reports;
+    const auto get = [&](const char *name) { return Manager.Get_Texture(name, true, true, 0, true, false, 8, false); };
+    EXPECT_EQ(get("grey.tga"), nullptr) << "there is no driver";
+    vrNullDriverMethods::Init(nullptr, 1, 1);
+    vrGraphicsDriver::Add_Texture_Path(Directory.Get_Path());
+    // a grey picture of two texels: 8 bits, from the top
+    Directory.Write("grey.tga", Bytes{0, 0, 3, 0, 0, 0, 0, 0, 0, 0, 0, 0, 2, 0, 1, 0, 8, 0x20, 7, 9});
+    vrTexture *texture = get("grey.tga");
+    ASSERT_NE(texture, nullptr);
+    EXPECT_EQ(texture->Get_Width(), 2);
+    EXPECT_EQ(get(nullptr), nullptr);
+    EXPECT_EQ(get(""), nullptr);
+    const SmartPtr<vrTexture> held = texture;
+    std::thread([&] { Manager.Free_All_Assets(); }).join();
+    EXPECT_EQ(held->Get_Ref_Count(), 2) << "another thread frees no textures";
+    Manager.Free_All_Assets();
+    EXPECT_EQ(held->Get_Ref_Count(), 2) << "somebody has a share";
+    EXPECT_TRUE(reports.Get_Asserts().empty()) << reports.Get_Text();
+    RenderThread::InParallelSection = true;
+    EXPECT_EQ(get("grey.tga"), texture);
+    RenderThread::InParallelSection = false;
+    EXPECT_TRUE(reports.Has_Assert("(!Is_Main_Thread() || !RenderThread::InParallelSection)"));
+    vrNullDriverMethods::Shutdown();
+    vrGraphicsDriver::Clear_Texture_Path();
 }
 
 TEST(ProcessAssetManager, IsOneObject)

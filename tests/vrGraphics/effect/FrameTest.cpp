@@ -224,6 +224,24 @@ TEST(Frame, AnEffectWithAnEndKeepsTheQualityThatItStartedWith)
     EXPECT_GT(stage.Live(), 0);
 }
 
+TEST(Frame, AHardwareLayerPlaysBesideItsBufferCountsCyclesAndEnds)
+{
+    const EditorMode editor(true);
+    Stage stage;
+    vrMKParticle &layer = stage.Add_Layer("hardware", 60);
+    Set(layer.Get_Spawner(), "Particle Lifetime", 0.5f);
+    Set(layer.Get_Spawner(), "Stop Time", 0.8f);
+    stage.Play(3);
+    ASSERT_TRUE(layer.Get_Buffer()->Companion);
+    EXPECT_EQ(layer.Get_Buffer()->ActiveCount, 0);
+    EXPECT_EQ(stage.Group->Get_State().HardwareCycles, 1);
+    stage.Play(9); // 0.8 s of spawning, the last of 0.5 s of life
+    EXPECT_EQ(stage.Group->Get_State().HardwareCycles, 2);
+    EXPECT_NE(stage.Emitter->Get_Scene(), nullptr);
+    stage.Play(4);
+    EXPECT_EQ(stage.Emitter->Get_Scene(), nullptr);
+}
+
 TEST(Frame, ASpentEmitterLeavesItsScene)
 {
     const EditorMode editor(true);

@@ -59,6 +59,8 @@ void Copy_Ring(vrMKPBuffer &buffer, const vrMKPBuffer &parent)
     buffer.SpawnClock = parent.SpawnClock;
     buffer.FirstSpawn = parent.FirstSpawn;
     buffer.LastSpawnTime = parent.LastSpawnTime;
+    buffer.SpawnInterval = parent.SpawnInterval;
+    buffer.ClusterSize = parent.ClusterSize;
     buffer.PendingCount = parent.PendingCount;
     buffer.NextSerial = parent.NextSerial;
 }

@@ -21,6 +21,11 @@ vrMKPLightSourceController::vrMKPLightSourceController()
 {
 }
 
+std::string_view vrMKPLightSourceController::Get_Light_Name() const
+{
+    return Name->Get_Value();
+}
+
 const Vector3 &vrMKPLightSourceController::Get_Offset() const
 {
     return Offset->Get_Value();

@@ -21,6 +21,8 @@ class vrMKPLightSourceController : public vrMKPPlugin
 public:
     /// Writes the whole of the light for this frame. Once a frame, after the layers of the group have taken their step.
     void Update(vrParticleLight &light, const vrMKPLightContext &context) const;
+    /// As the definition has it.
+    std::string_view Get_Light_Name() const;
 
 protected:
     vrMKPLightSourceController();

@@ -8,6 +8,7 @@
 /// infinite or no number.
 
 #include "MKLib/MKMath/Mat3D.h"
+#include "vrGraphics/particle/InlineVectors.h"
 #include "vrGraphics/particle/ParticleMath.h"
 #include "vrGraphics/particle/VectorPlanes.h"
 #include "vrGraphics/particle/vrMKPBuffer.h"
@@ -52,39 +53,13 @@ struct Run
     bool MayHaveStopped;
 };
 
-MK_INLINE float Dot(const Vector3 &a, const Vector3 &b)
-{
-    return a.x * b.x + a.y * b.y + a.z * b.z;
-}
-MK_INLINE Vector3 Cross(const Vector3 &a, const Vector3 &b)
-{
-    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-}
-MK_INLINE Vector3 Times(const Vector3 &a, float factor)
-{
-    return {a.x * factor, a.y * factor, a.z * factor};
-}
-MK_INLINE Vector3 Plus(const Vector3 &a, const Vector3 &b)
-{
-    return {a.x + b.x, a.y + b.y, a.z + b.z};
-}
-MK_INLINE Vector3 Minus(const Vector3 &a, const Vector3 &b)
-{
-    return {a.x - b.x, a.y - b.y, a.z - b.z};
-}
-MK_INLINE Vector3 Map(const Mat3DClass &transform, const Vector3 &point)
-{
-    const Vector4 &x = transform.Row[0], &y = transform.Row[1], &z = transform.Row[2];
-    return {x.x * point.x + x.y * point.y + x.z * point.z + x.w, y.x * point.x + y.y * point.y + y.z * point.z + y.w,
-            z.x * point.x + z.y * point.y + z.z * point.z + z.w};
-}
-MK_INLINE Vector3 Turn(const Mat3DClass &transform, const Vector3 &direction)
-{
-    const Vector4 &x = transform.Row[0], &y = transform.Row[1], &z = transform.Row[2];
-    return {x.x * direction.x + x.y * direction.y + x.z * direction.z,
-            y.x * direction.x + y.y * direction.y + y.z * direction.z,
-            z.x * direction.x + z.y * direction.y + z.z * direction.z};
-}
+using Particle::Cross;
+using Particle::Dot;
+using Particle::Map;
+using Particle::Minus;
+using Particle::Plus;
+using Particle::Times;
+using Particle::Turn;
 /// 0, or not where a component is infinite or no number: of those alone x - x isn't 0.
 MK_INLINE uint32_t Invalid_Bits(const Vector3 &vector)
 {

@@ -172,6 +172,8 @@ void vrMKPFilling::Finish(vrMKPBuffer &buffer, vrMKPSpan block)
 void vrMKPFilling::End(vrMKPBuffer &buffer) const
 {
     buffer.LastSpawnTime = LastTime;
+    buffer.SpawnInterval = Births.ClusterStep;
+    buffer.ClusterSize = Births.ClusterSize;
     MK_ASSERT(ArePositionsValid, "position.Is_Valid()");
     MK_ASSERT(AreVelocitiesValid, "velocity.Is_Valid()");
 }

@@ -6,11 +6,23 @@
 #include "vrGraphics/plugins/visualizers/Billboards.h"
 #include "vrGraphics/plugins/visualizers/BumpShading.h"
 
-/// The base of the three, with "Curvature", which tells how far the normals lean.
+/// The base of the three, with "Curvature" C, which tells how far the normals lean: at each corner the normal is
+/// (1 - C) a + C d scaled to unit length, where a is the camera's axis that points at the viewer and d the direction of
+/// unit length from the centre to the corner. So 0 is the flat light of a billboard and 1 that of the round body alone.
+/// Where d has no length, or the two cancel out, it is a.
 class vrMKPCurvedBumpVisualizer : public vrMKPBillboardVisualizer
 {
 protected:
-    explicit vrMKPCurvedBumpVisualizer(const vrMKPBumpShading &shading) { Add_Curvature(Parameters, shading); }
+    explicit vrMKPCurvedBumpVisualizer(const vrMKPBumpShading &shading)
+        : Shading(shading), Curvature(Add_Curvature(Parameters, shading))
+    {
+    }
+    void Do_Pre_Visualize(vrMKPBuffer &buffer, const vrPreRenderContext &context) const override;
+    bool Has_Bump() const override { return true; }
+
+private:
+    const vrMKPBumpShading &Shading;
+    RangedFloatParameter *Curvature;
 };
 
 /// Leans away from the layer's smoothed centroid.

@@ -2,7 +2,7 @@
 
 #include "MKLib/Parameters/ParameterList.h"
 
-void Add_Curvature(ParameterListClass &parameters, const vrMKPBumpShading &shading)
+RangedFloatParameter *Add_Curvature(ParameterListClass &parameters, const vrMKPBumpShading &shading)
 {
-    parameters.Add_Float(200, "Curvature", shading.Curvature, 0.0f, 1.0f, shading.CurvatureText);
+    return parameters.Add_Float(200, "Curvature", shading.Curvature, 0.0f, 1.0f, shading.CurvatureText);
 }

@@ -10,6 +10,7 @@ class vrMKPNULLVisualizer final : public vrMKPVisualizer
 {
 public:
     size_t Get_Object_Size() const override { return sizeof(*this); }
+    vrRenderPhaseEnum Get_Render_Phase() const override { return vrRenderPhaseEnum::Opaque; }
 };
 
 /// Once drew particles as lines; kept with its parameters, like the rest below.
@@ -35,6 +36,7 @@ class vrMKPBumpMapVisualizer : public vrMKPSimpleVisualizer
 public:
     vrMKPBumpMapVisualizer();
     size_t Get_Object_Size() const override { return sizeof(*this); }
+    void Load_Assets(bool /*force*/, const vrMKPVisualizer * /*shared*/) override {}
 };
 
 class vrMKPObsoleteSphericalBumpVisualizer final : public vrMKPBumpMapVisualizer

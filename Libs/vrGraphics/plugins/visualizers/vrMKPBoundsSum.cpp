@@ -10,6 +10,13 @@ namespace
 constexpr int LANES = vrMKPBoundsSum::LANES;
 using Axes = float[3][LANES];
 
+enum class Radii
+{
+    OF_SIZES,
+    OF_SIZES_AND_ASPECT,
+    GIVEN
+};
+
 /// The arrays of a run, and how its radii come about.
 struct Source
 {
@@ -19,24 +26,30 @@ struct Source
     float SizeScale;
     float AspectMinimum;
     float AspectSpan;
+    const float *Given;
+    const float *Lifts;
 };
 
-template <bool HAS_ASPECT>
+template <Radii RADII>
 MK_INLINE float Radius(const Source &source, int at)
 {
+    if constexpr (RADII == Radii::GIVEN) return source.Given[at];
     const float radius = (source.Sizes[at * 2] + source.Sizes[at * 2 + 1]) * source.SizeScale;
-    if constexpr (!HAS_ASPECT) return radius;
+    if constexpr (RADII == Radii::OF_SIZES) return radius;
     return radius * (Particle::Unit_ID(source.IDs[at]) * source.AspectSpan + source.AspectMinimum);
 }
 
-template <bool HAS_ASPECT>
+template <Radii RADII>
 MK_INLINE void Merge(const Source &source, int at, int lane, Axes &least, Axes &greatest, Axes &sum)
 {
-    const float radius = Radius<HAS_ASPECT>(source, at);
+    const float radius = Radius<RADII>(source, at);
     for (int axis = 0; axis < 3; ++axis) {
         const float position = source.Positions[at * 3 + axis];
-        const float low = position - radius;
-        const float high = position + radius;
+        float middle = position;
+        if constexpr (RADII == Radii::GIVEN)
+            if (axis == 2) middle += source.Lifts[at];
+        const float low = middle - radius;
+        const float high = middle + radius;
         least[axis][lane] = low < least[axis][lane] ? low : least[axis][lane];
         greatest[axis][lane] = high > greatest[axis][lane] ? high : greatest[axis][lane];
         sum[axis][lane] += position;
@@ -44,7 +57,7 @@ MK_INLINE void Merge(const Source &source, int at, int lane, Axes &least, Axes &
 }
 
 /// Whole rows of lanes, from lane 0 on.
-template <bool HAS_ASPECT>
+template <Radii RADII>
 MK_INLINE void Merge_Rows(const Source &source, int first, int count, Axes &least, Axes &greatest, Axes &sum)
 {
     Axes low;
@@ -54,20 +67,30 @@ MK_INLINE void Merge_Rows(const Source &source, int first, int count, Axes &leas
     std::copy_n(&greatest[0][0], 3 * LANES, &high[0][0]);
     std::copy_n(&sum[0][0], 3 * LANES, &total[0][0]);
     for (int at = first; at < first + count; at += LANES)
-        for (int lane = 0; lane < LANES; ++lane) Merge<HAS_ASPECT>(source, at + lane, lane, low, high, total);
+        for (int lane = 0; lane < LANES; ++lane) Merge<RADII>(source, at + lane, lane, low, high, total);
     std::copy_n(&low[0][0], 3 * LANES, &least[0][0]);
     std::copy_n(&high[0][0], 3 * LANES, &greatest[0][0]);
     std::copy_n(&total[0][0], 3 * LANES, &sum[0][0]);
 }
 
-MK_SIMD void Merge_Plain_Rows(const Source &source, int first, int count, Axes &least, Axes &greatest, Axes &sum)
+template <Radii RADII>
+MK_SIMD void Merge_All_Rows(const Source &source, int first, int count, Axes &least, Axes &greatest, Axes &sum)
 {
-    Merge_Rows<false>(source, first, count, least, greatest, sum);
+    Merge_Rows<RADII>(source, first, count, least, greatest, sum);
 }
 
-MK_SIMD void Merge_Aspect_Rows(const Source &source, int first, int count, Axes &least, Axes &greatest, Axes &sum)
+/// Adds `count` particles behind the `before` that are there already.
+template <Radii RADII>
+void Add(const Source &source, int before, int count, Axes &least, Axes &greatest, Axes &sum)
 {
-    Merge_Rows<true>(source, first, count, least, greatest, sum);
+    const auto mergeSingles = [&](int from, int to) {
+        for (int at = from; at < to; ++at) Merge<RADII>(source, at, (before + at) % LANES, least, greatest, sum);
+    };
+    const int head = std::min((LANES - before % LANES) % LANES, count);
+    const int rows = (count - head) / LANES * LANES;
+    mergeSingles(0, head);
+    Merge_All_Rows<RADII>(source, head, rows, least, greatest, sum);
+    mergeSingles(head + rows, count);
 }
 
 template <typename Join>
@@ -101,7 +124,7 @@ void vrMKPBoundsSum::Start_At(const Vector3 &position)
     }
 }
 
-void vrMKPBoundsSum::Add_Span(const vrMKPBuffer &buffer, vrMKPSpan span)
+void vrMKPBoundsSum::Add_Span(const vrMKPBuffer &buffer, vrMKPSpan span, const float *radii, const float *lifts)
 {
     if (span.Count <= 0) return;
     if (Count == 0) Start_At(buffer.WorldPosition[span.First]);
@@ -110,24 +133,15 @@ void vrMKPBoundsSum::Add_Span(const vrMKPBuffer &buffer, vrMKPSpan span)
                         buffer.ID + span.First,
                         SizeScale,
                         Aspect.Minimum,
-                        Aspect.Maximum - Aspect.Minimum};
-    const auto mergeSingles = [&](int from, int to) {
-        for (int at = from; at < to; ++at) {
-            const int lane = (Count + at) % LANES;
-            if (HasAspect)
-                Merge<true>(source, at, lane, Least.Values, Greatest.Values, Sum.Values);
-            else
-                Merge<false>(source, at, lane, Least.Values, Greatest.Values, Sum.Values);
-        }
-    };
-    const int head = std::min((LANES - Count % LANES) % LANES, span.Count);
-    const int rows = (span.Count - head) / LANES * LANES;
-    mergeSingles(0, head);
-    if (HasAspect)
-        Merge_Aspect_Rows(source, head, rows, Least.Values, Greatest.Values, Sum.Values);
+                        Aspect.Maximum - Aspect.Minimum,
+                        radii,
+                        lifts};
+    if (radii)
+        Add<Radii::GIVEN>(source, Count, span.Count, Least.Values, Greatest.Values, Sum.Values);
+    else if (HasAspect)
+        Add<Radii::OF_SIZES_AND_ASPECT>(source, Count, span.Count, Least.Values, Greatest.Values, Sum.Values);
     else
-        Merge_Plain_Rows(source, head, rows, Least.Values, Greatest.Values, Sum.Values);
-    mergeSingles(head + rows, span.Count);
+        Add<Radii::OF_SIZES>(source, Count, span.Count, Least.Values, Greatest.Values, Sum.Values);
     Count += span.Count;
 }
 

@@ -24,7 +24,10 @@ public:
     /// isn't null.
     explicit vrMKPBoundsSum(float sizeScale, const AspectRange *aspect = nullptr);
 
-    void Add_Span(const vrMKPBuffer &buffer, vrMKPSpan span);
+    void Add_Span(const vrMKPBuffer &buffer, vrMKPSpan span) { Add_Span(buffer, span, nullptr, nullptr); }
+    /// With radii of their own, and middles that stand so much above the particles, both by particle of the span. The
+    /// mean position isn't lifted.
+    void Add_Span(const vrMKPBuffer &buffer, vrMKPSpan span, const float *radii, const float *lifts);
 
     int Get_Count() const { return Count; }
     // Of at least one particle; in the world.

@@ -12,13 +12,16 @@
 #include "vrGraphics/drivercommon/vrRenderModeType.h"
 #include "vrGraphics/drivercommon/vrRenderPhase.h"
 #include "vrGraphics/particle/vrMKPBuffer.h"
+#include "vrGraphics/drivercommon/vrShaderInstance.h"
+#include "vrGraphics/drivercommon/vrTexture.h"
 #include "vrGraphics/plugins/base/vrMKPPlugin.h"
 #include "vrGraphics/plugins/visualizers/vrMKPBoundsSum.h"
 
 class vrMKPEmitterFace;
+class vrMKPSimpleVisualizerData;
 class vrRenderContext;
-class vrShaderInstance;
 struct vrBounds;
+struct vrMKPAspect;
 struct vrPreRenderContext;
 
 class vrMKPVisualizer : public vrMKPPlugin
@@ -63,6 +66,9 @@ protected:
     vrMKPVisualizer();
     virtual void Do_Pre_Visualize(vrMKPBuffer & /*buffer*/, const vrPreRenderContext & /*context*/) const {}
     virtual void Do_Visualize(vrMKPBuffer & /*buffer*/, vrRenderContext & /*context*/) const {}
+    /// The box from `minimum` to `maximum` as it is drawn: mapped where the layer scales at its draw. Asserts that it's
+    /// made of numbers.
+    static void Set_Bounds(vrBounds &bounds, const vrMKPBuffer &buffer, const Vector3 &minimum, const Vector3 &maximum);
     /// The range of "Aspect Ratio" for a kind that has one.
     virtual bool Get_Aspect_Range(vrMKPBoundsSum::AspectRange & /*range*/) const { return false; }
 
@@ -72,7 +78,8 @@ private:
     RangedFloatParameter *CentroidLag;
 };
 
-/// The base of all visualizers that draw, with the render modes, the depth switches and the shader's name.
+/// The base of all visualizers that draw, with the render modes, the depth switches, the shader and the step that hands
+/// built vertices to the driver.
 class vrMKPSimpleVisualizer : public vrMKPVisualizer
 {
 public:
@@ -83,28 +90,89 @@ public:
         SORT_STOP_AFTER_MAX_AGE = 1 ///< particles past "Max Sort Age" keep their place relative to the group
     };
 
+    vrMKPBufferPluginData *Create_Buffer_Data(const vrMKPRenderState &state) const override;
     std::string_view Get_Shader_Name() const override { return ShaderName->Get_Value(); }
+    /// A kind without "Texture Name" has no assets. A texture that isn't there is white. Without a driver nothing is
+    /// loaded, and a later call makes up for it.
+    void Load_Assets(bool force, const vrMKPVisualizer *shared) override;
+    vrRenderPhaseEnum Get_Render_Phase() const override;
+    /// The two modes that draw a scene for itself go by "Normal Render Mode", and each of the others by its own.
+    bool Is_Render_Mode_Enabled(vrRenderModeType mode) const override;
+    vrShaderInstance *Get_Shader() const override { return Shader.Get(); }
+    vrTexture *Get_Base_Texture() const { return BaseTexture.Get(); } ///< null until the assets are ready
 
 protected:
     /// `usesAspectRatio` adds the two parameters that stretch each particle at random.
     explicit vrMKPSimpleVisualizer(bool usesAspectRatio);
     bool Get_Aspect_Range(vrMKPBoundsSum::AspectRange &range) const override;
+    /// What varies the widths of quads; nothing for a kind without the two parameters.
+    vrMKPAspect Get_Aspect() const;
+
+    /// Draws what is pending in the buffer's data, and leaves nothing pending. A draw that is too large for the driver
+    /// goes in several.
+    void Do_Visualize(vrMKPBuffer &buffer, vrRenderContext &context) const override;
+    /// The layout that the kind's vertices have.
+    virtual vrPrimVertexType Get_Vertex_Type() const { return VR_LIT_VERTEX; }
+    /// Gives the shader the light of this draw. Expects a shader and a driver.
+    virtual void Set_Lighting(const vrMKPBuffer & /*buffer*/, const vrRenderContext & /*context*/) const {}
+
+    // What `Load_Assets` consists of. Each goes on from its base's.
+    virtual void Share_Assets(const vrMKPSimpleVisualizer &from);
+    virtual void Load_Textures(bool force);
+    /// Tells a new shader what doesn't change from draw to draw. Expects a shader.
+    virtual void Set_Shader_Parameters();
+    /// By name, or white. Expects a driver.
+    static SmartPtr<vrTexture> Load_Texture(std::string_view name);
+    // Skip a parameter that the shader doesn't have.
+    void Set_Shader_Float(const char *name, float value) const;
+    void Set_Shader_Texture(const char *name, vrTexture *texture) const;
+    /// As three or four floats, as the shader has them.
+    void Set_Shader_Vector(int parameter, const Vector4 &value) const;
 
     // The forms in which the derived kinds have these. Until a kind adds its shader's name it is "Unknown", and is
     // neither saved nor shown.
     TextureNameParameterClass *Add_Texture_Name(int32_t id, std::string_view value);
+    void Set_Texture_Name(std::string_view value) { TextureName->Set_Value(value); }
     void Add_Shader_Name(int32_t id, std::string_view value);
     void Set_Shader_Name(std::string_view value) { ShaderName->Set_Value(value); }
-    void Add_Anchor_Point(int32_t id);
-    void Add_Texture_Rotation(int32_t id);
+    EnumParameterClass *Add_Anchor_Point(int32_t id);
+    EnumParameterClass *Add_Texture_Rotation(int32_t id);
 
     // Sets of the kinds that draw one lit quad a particle, with the same ids in each.
-    void Add_Bump_Texture_Name();
-    void Add_Sorting();
-    void Add_Lighting();
+    struct SortingParameters
+    {
+        BoolParameter *Sort;
+        EnumParameterClass *SortType;
+        RangedFloatParameter *MaxSortAge;
+    };
+    struct LightingParameters
+    {
+        RGBAParameter *Specular;
+        RGBAParameter *Emissive;
+        RangedFloatParameter *LightWrap;
+        RangedFloatParameter *NormalScale;
+        EnumParameterClass *LightingSource;
+        StringParameterClass *LightSourceName;
+        BoolParameter *SceneLighting;
+    };
+    TextureNameParameterClass *Add_Bump_Texture_Name();
+    SortingParameters Add_Sorting();
+    LightingParameters Add_Lighting();
+
+    bool Ignores_Depth() const;
+    float Get_Depth_Offset() const; ///< world units, away from the camera
 
 private:
+    BoolParameter *NormalRenderMode;
+    BoolParameter *ReflectionRenderMode;
+    BoolParameter *RefractionRenderMode;
+    BoolParameter *ShadowMapRenderMode;
+    BoolParameter *DisableDepthTest;
+    RangedFloatParameter *DepthOffset;
     SmartPtr<StringParameterClass> ShaderName;
-    RangedFloatParameter *MinAspectRatio = nullptr; ///< null, like the other, in a kind that doesn't use them
+    TextureNameParameterClass *TextureName = nullptr; ///< null in a kind that has no texture
+    RangedFloatParameter *MinAspectRatio = nullptr;   ///< null, like the other, in a kind that doesn't use them
     RangedFloatParameter *MaxAspectRatio = nullptr;
+    SmartPtr<vrTexture> BaseTexture;
+    SmartPtr<vrShaderInstance> Shader;
 };

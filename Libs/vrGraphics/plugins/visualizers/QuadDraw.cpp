@@ -1,0 +1,214 @@
+#include "vrGraphics/plugins/visualizers/QuadDraw.h"
+
+#include "MKLib/MKDebug/Assert.h"
+#include "MKLib/MKDebug/Logger.h"
+#include "vrGraphics/drivercommon/vrParticleScratch.h"
+#include "vrGraphics/drivercommon/vrRenderContext.h"
+#include "vrGraphics/particle/ParticleMath.h"
+#include "vrGraphics/particle/vrMKPRenderState.h"
+#include "vrGraphics/plugins/visualizers/ParticleSort.h"
+
+#include <algorithm>
+#include <cmath>
+
+static MKDebug::Logger VorenLog("VorenLog");
+
+namespace
+{
+
+constexpr float ASPECT_TOLERANCE = 0.0001f;
+constexpr int CACHE_LINE = 64;
+/// Draws of more bytes don't stay in a second cache, and it pays to ask for memory ahead.
+constexpr size_t LARGE_BYTES = size_t(2) << 20;
+
+float Distance_Squared(const Vector3 &a, const Vector3 &b)
+{
+    const Vector3 way = a - b;
+    return way.x * way.x + way.y * way.y + way.z * way.z;
+}
+
+/// Back to front: the farthest has the least key.
+void Key_By_Distance(vrMKPSortEntry *entries, int count, const Vector3 *positions, const Vector3 &camera)
+{
+    for (int at = 0; at < count; ++at) entries[at].Key = -Distance_Squared(positions[entries[at].Index], camera);
+}
+
+/// Old particles keep their place relative to the emitter, which they note as long as they are young.
+void Key_Young_By_Distance(vrMKPSortEntry *entries, int count, vrMKPBuffer &buffer, const Vector3 &camera, float maxAge)
+{
+    const float base = Distance_Squared(camera, buffer.State->Get_Position());
+    for (int at = 0; at < count; ++at) {
+        const uint32_t slot = entries[at].Index;
+        if (buffer.Age[slot] < maxAge) {
+            const float key = -Distance_Squared(buffer.WorldPosition[slot], camera);
+            entries[at].Key = key;
+            buffer.SortingRelativeToGroup[slot] = base + key;
+        } else {
+            entries[at].Key = buffer.SortingRelativeToGroup[slot] - base;
+        }
+    }
+}
+
+template <int WRITES>
+MK_INLINE void Fetch_Lines(const void *memory, int bytes)
+{
+    const auto *at = static_cast<const char *>(memory);
+    for (const char *const end = at + bytes; at < end; at += CACHE_LINE) __builtin_prefetch(at, WRITES);
+}
+
+MK_SIMD void List(vrMKPSortEntry *__restrict entries, const uint32_t *__restrict slots, int count)
+{
+    for (int at = 0; at < count; ++at) entries[at].Index = slots[at];
+}
+
+MK_SIMD void Multiply(float *__restrict values, int count, float factor)
+{
+    for (int at = 0; at < count; ++at) values[at] *= factor;
+}
+
+MK_SIMD void Add(float *__restrict values, const float *__restrict add, int count)
+{
+    for (int at = 0; at < count; ++at) values[at] += add[at];
+}
+
+MK_SIMD void Vary(float *__restrict widths, const uint32_t *__restrict ids, int count, float minimum, float span)
+{
+    for (int at = 0; at < count; ++at) widths[at] *= Particle::Unit_ID(ids[at]) * span + minimum;
+}
+
+/// What an earlier frame left undrawn is gone from the scratch memory.
+void Drop_Vertices(vrMKPBuffer &buffer)
+{
+    if (auto *data = MK_Dynamic_Cast<vrMKPSimpleVisualizerData>(buffer.VisualizerData.Get())) data->Drop_Vertices();
+}
+
+} // namespace
+
+bool vrMKPAspect::Is_On() const
+{
+    return !(std::fabs(Minimum - 1.0f) <= ASPECT_TOLERANCE && std::fabs(Maximum - 1.0f) <= ASPECT_TOLERANCE);
+}
+
+float vrMKPQuadDraw::Get_Size_Multiplier(const vrMKPBuffer &buffer)
+{
+    const vrMKPRenderState &state = *buffer.State;
+    return buffer.ScaleType == PARTICLE_SCALE_AT_SPAWN ? state.RenderSizeMultiplier * state.SizeScale
+                                                       : state.RenderSizeMultiplier;
+}
+
+bool vrMKPQuadDraw::Begin(vrMKPBuffer &buffer, const vrPreRenderContext &context, bool usesSceneLighting)
+{
+    Drop_Vertices(buffer);
+    return buffer.ActiveCount > 0 && buffer.VisibleCount > 0 && Set_Up(buffer, context, usesSceneLighting);
+}
+
+bool vrMKPQuadDraw::Begin_All(vrMKPBuffer &buffer, const vrPreRenderContext &context)
+{
+    Drop_Vertices(buffer);
+    return buffer.ActiveCount > 0 && Set_Up(buffer, context, false);
+}
+
+bool vrMKPQuadDraw::Set_Up(vrMKPBuffer &buffer, const vrPreRenderContext &context, bool usesSceneLighting)
+{
+    auto *data = MK_Dynamic_Cast<vrMKPSimpleVisualizerData>(buffer.VisualizerData.Get());
+    if (!MK_VERIFY(data != nullptr, "data != NULL")) return false;
+    Buffer = &buffer;
+    State = buffer.State;
+    Data = data;
+    Camera = context.Camera;
+    SizeMultiplier = Get_Size_Multiplier(buffer);
+    MapsPositions = buffer.ScaleType == PARTICLE_SCALE_AT_DRAW;
+    PositionScale = MapsPositions ? State->PositionScale : 1.0f;
+    PositionOffset = MapsPositions ? State->PositionOffset : Vector3(0.0f);
+    RGBAClass multiplier = State->ColorMultiplier;
+    multiplier.A *= State->TintAlpha;
+    if (usesSceneLighting) {
+        multiplier.R *= context.ParticleDiffuseMultiplier.x;
+        multiplier.G *= context.ParticleDiffuseMultiplier.y;
+        multiplier.B *= context.ParticleDiffuseMultiplier.z;
+    }
+    Colors.Begin(multiplier);
+    return true;
+}
+
+void vrMKPQuadDraw::Sort(const vrMKPSorting &sorting)
+{
+    const int count = Buffer->VisibleCount;
+    auto &entries = Data->SortEntries;
+    entries.reserve(static_cast<size_t>(Buffer->Capacity)); // so that no later frame allocates
+    entries.resize(static_cast<size_t>(count));
+    List(entries.data(), Buffer->Render, count);
+    IsSorted = sorting.IsOn && count > 1;
+    if (!IsSorted) return;
+    const Vector3 camera = Camera.Get_Translation();
+    if (sorting.MaxAge < 0.0f)
+        Key_By_Distance(entries.data(), count, Buffer->WorldPosition, camera);
+    else
+        Key_Young_By_Distance(entries.data(), count, *Buffer, camera, sorting.MaxAge);
+    Sort_Entries(entries, Data->SortRoom);
+}
+
+bool vrMKPQuadDraw::Allocate(int quads, vrPrimVertexType type, const char *className)
+{
+    Type = type;
+    void *const vertices = ParticleScratch::Allocate(4 * quads, type);
+    if (!vertices) {
+        MK_LOG(VorenLog, MKDebug::LogLevel::Error, "%s::Do_Pre_Visualize: out of particle scratch memory!", className);
+        return false;
+    }
+    Data->Set_Vertices(vertices, 4 * quads, Get_Vertex_Size(type));
+    IsLarge = static_cast<size_t>(Data->VertexBytes) > LARGE_BYTES;
+    return true;
+}
+
+void vrMKPQuadDraw::Fetch_Ahead(int first) const
+{
+    const int quadBytes = 4 * Get_Vertex_Size(Type);
+    const int count = std::min(Get_Count() - first, vrMKPParticleRun::SIZE);
+    Fetch_Lines<1>(static_cast<const char *>(Data->Vertices) + static_cast<size_t>(first) * quadBytes,
+                   count * quadBytes);
+    const int next = first + count;
+    if (next >= Get_Count()) return;
+    Get_Run(next).For_Slots([this](size_t slot, int slots) {
+        Fetch_Lines<0>(Buffer->WorldPosition + slot, slots * static_cast<int>(sizeof(Vector3)));
+        Fetch_Lines<0>(Buffer->Size + slot, slots * static_cast<int>(sizeof(Vector2)));
+        Fetch_Lines<0>(Buffer->UV + slot, slots * static_cast<int>(sizeof(Vector2)));
+        Fetch_Lines<0>(Buffer->DUV + slot, slots * static_cast<int>(sizeof(Vector2)));
+        Fetch_Lines<0>(Buffer->Color + slot, slots * static_cast<int>(sizeof(vrColor)));
+        Fetch_Lines<0>(Buffer->Rotation + slot, slots * static_cast<int>(sizeof(uint32_t)));
+    });
+}
+
+vrMKPParticleRun vrMKPQuadDraw::Get_Run(int first) const
+{
+    return {Data->SortEntries.data() + first, std::min(Get_Count() - first, vrMKPParticleRun::SIZE), IsSorted};
+}
+
+void vrMKPQuadDraw::Fetch(const vrMKPParticleRun &run, const vrMKPAspect &aspect, vrMKPQuadBlock &quads) const
+{
+    const int count = run.Get_Count();
+    quads.Count = count;
+    run.Fetch(Buffer->WorldPosition, quads.PositionX, quads.PositionY, quads.PositionZ);
+    run.Fetch(Buffer->Size, quads.Width, quads.Height);
+    Multiply(quads.Width, count, SizeMultiplier);
+    Multiply(quads.Height, count, SizeMultiplier);
+    if (aspect.Is_On()) {
+        uint32_t room[vrMKPParticleRun::SIZE];
+        const uint32_t *ids = run.Fetch(Buffer->ID, room);
+        Vary(quads.Width, ids, count, aspect.Minimum, aspect.Maximum - aspect.Minimum);
+    }
+    run.Fetch(Buffer->UV, quads.U[0], quads.V[0]);
+    run.Fetch(Buffer->DUV, quads.U[1], quads.V[1]);
+    Add(quads.U[1], quads.U[0], count);
+    Add(quads.V[1], quads.V[0], count);
+    vrColor room[vrMKPParticleRun::SIZE];
+    Colors.Convert(quads.Color, run.Fetch(Buffer->Color, room), count);
+}
+
+void vrMKPQuadDraw::Write(const vrMKPQuadBlock &quads, int first) const
+{
+    if (Is_Bump())
+        quads.Write(static_cast<vrLitBumpVertex *>(Data->Vertices) + 4 * first);
+    else
+        quads.Write(static_cast<vrLitVertex *>(Data->Vertices) + 4 * first);
+}

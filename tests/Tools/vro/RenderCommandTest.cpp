@@ -1,0 +1,129 @@
+#include "vro/Commands.h"
+
+#include "Tools/vro/VroProgram.h"
+#include "vrGraphics/drivercommon/vrPicture.h"
+
+#include "MKLib/File/File.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+using testing::HasSubstr;
+using vroTest::Outcome;
+
+namespace
+{
+
+constexpr int BACKGROUND_RED = 10;
+
+/// A working directory with one effect: a white square in the middle of the view, without a shader or a texture of its
+/// own directory.
+struct Studio
+{
+    Studio()
+    {
+        std::filesystem::create_directories(Place("game/Art/Models"));
+        Shop.Build("game/Art/Models/dot.vro",
+                   vroTest::Group_Json({vroTest::Layer_Json("dot", R"({"name": "Billboard"})")}));
+    }
+
+    std::string Place(const std::string &name) const { return Shop.Directory.Get_Path() + "/" + name; }
+    Outcome Render(std::vector<std::string> options, const std::string &shell = "") const
+    {
+        options.insert(options.begin(), {"render", "game/Art/Models/dot.vro", "--background", "10,20,30"});
+        return Shop.Vro(options, "", shell);
+    }
+    /// Whether there is a device here; what it said if not.
+    bool Has_Device(std::string &reason) const
+    {
+        const Outcome outcome = Render({"-o", "probe.png", "--frames", "1", "--size", "4x4"});
+        reason = outcome.Err;
+        return outcome.Code == 0;
+    }
+    vrPicture Load(const std::string &name) const
+    {
+        vrPicture picture;
+        std::string error;
+        FileClass file(Place(name));
+        EXPECT_TRUE(file.Open(MKPlatform::FILE_OPEN_GENERIC_READ)) << name;
+        EXPECT_TRUE(picture.Load(file, error)) << name << ": " << error;
+        return picture;
+    }
+
+    vroTest::Workshop Shop;
+};
+
+class RenderGLTest : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        std::string reason;
+        if (!Room.Has_Device(reason)) GTEST_SKIP() << "no device: " << reason;
+    }
+
+    Studio Room;
+};
+
+} // namespace
+
+TEST(Render, WhatCannotBeDrawnIsNamed)
+{
+    const Studio room;
+    const struct
+    {
+        std::vector<std::string> line;
+        const char *said;
+    } rows[] = {
+        {{"render", "none.vro", "-o", "x.png", "--working-directory", "game"}, "none.vro"},
+        {{"render", "none.vro", "-o", "x.png"},
+         "there is no Art directory above it; name one with --working-directory"},
+    };
+    for (const auto &row : rows) {
+        const Outcome outcome = room.Shop.Vro(row.line);
+        EXPECT_EQ(outcome.Code, vro::EXIT_BAD_DATA);
+        EXPECT_THAT(outcome.Err, HasSubstr(row.said));
+        EXPECT_FALSE(std::filesystem::exists(room.Place("x.png")));
+    }
+}
+
+TEST_F(RenderGLTest, FramesBecomeNumberedPicturesOrOneOrASheet)
+{
+    EXPECT_EQ(Room.Render({"-o", "out", "--frames", "4", "--every", "2", "--size", "12x8"}).Code, 0);
+    for (const char *name : {"out/dot_0002.png", "out/dot_0004.png"}) {
+        const vrPicture picture = Room.Load(name);
+        EXPECT_EQ(picture.Get_Width(), 12);
+        EXPECT_EQ(picture.Get_Height(), 8);
+        EXPECT_EQ(picture.Get_Pixels()[0], BACKGROUND_RED);
+        EXPECT_EQ(picture.Get_Pixels()[3], 255);
+    }
+    EXPECT_FALSE(std::filesystem::exists(Room.Place("out/dot_0003.png")));
+    EXPECT_EQ(Room.Render({"-o", "sheet.png", "--frames", "4", "--every", "1", "--size", "12x8", "--sheet", "2"}).Code,
+              0);
+    const vrPicture sheet = Room.Load("sheet.png");
+    EXPECT_EQ(sheet.Get_Width(), 25);
+    EXPECT_EQ(sheet.Get_Height(), 2 * 21);
+}
+
+TEST_F(RenderGLTest, TheSameSeedGivesTheSamePicture)
+{
+    const std::vector<std::string> options = {"--frames", "9", "--size", "32x32"};
+    for (const char *name : {"a.png", "b.png"}) {
+        std::vector<std::string> line = options;
+        line.insert(line.end(), {"-o", name});
+        EXPECT_EQ(Room.Render(line).Code, 0);
+    }
+    EXPECT_EQ(Room.Load("a.png").Get_Pixels(), Room.Load("b.png").Get_Pixels());
+}
+
+TEST_F(RenderGLTest, APictureThatCannotBeWrittenOrReadFails)
+{
+    const Outcome unwritten = Room.Render({"-o", "missing/x.png", "--frames", "1", "--size", "4x4"});
+    EXPECT_EQ(unwritten.Code, vro::EXIT_BAD_DATA);
+    EXPECT_THAT(unwritten.Err, HasSubstr("missing/x.png"));
+    const Outcome unread =
+        Room.Shop.Vro({"render", "game/Art/Models/dot.vro", "-o", "x.png", "--background", "none.tga"});
+    EXPECT_EQ(unread.Code, vro::EXIT_BAD_DATA);
+    EXPECT_THAT(unread.Err, HasSubstr("there is no picture none.tga in the texture folders"));
+}

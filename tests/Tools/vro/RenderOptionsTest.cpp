@@ -1,0 +1,85 @@
+#include "vro/RenderOptions.h"
+
+#include "vro/Commands.h"
+
+#include "Tools/vro/VroProgram.h"
+
+#include <gmock/gmock.h>
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using vro::RenderOptions;
+
+TEST(RenderOptions, TextsBecomeValues)
+{
+    RenderOptions options;
+    EXPECT_EQ(vro::Parse_Size("320x200", options), "");
+    EXPECT_EQ(options.Width, 320);
+    EXPECT_EQ(options.Height, 200);
+    EXPECT_EQ(vro::Parse_Background("1,0,255", options), "");
+    EXPECT_THAT(options.Background, ElementsAre(1, 0, 255));
+    EXPECT_EQ(vro::Parse_Background("sky.tga", options), "");
+    EXPECT_EQ(options.BackgroundPicture, "sky.tga");
+    EXPECT_EQ(vro::Parse_Post_Fx("heat,hdr", options), "");
+    EXPECT_EQ(options.PostFxMask, 2u | 8u);
+}
+
+TEST(RenderOptions, WhatIsDrawnFollowsTheOutput)
+{
+    const struct
+    {
+        const char *output;
+        int sheetColumns, every;
+        int drawn; ///< of 60 frames
+        int width;
+    } rows[] = {
+        {"last.png", 0, 0, 1, 640}, {"frames", 0, 0, 60, 640},    {"frames", 0, 7, 8, 640},   {"-", 0, 0, 1, 640},
+        {"sheet", 4, 0, 12, 320},   {"sheet.PNG", 4, 30, 2, 320}, {"sheet", 100, 0, 60, 320},
+    };
+    for (const auto &row : rows) {
+        RenderOptions options;
+        options.Output = row.output;
+        options.SheetColumns = row.sheetColumns;
+        options.Every = row.every;
+        ASSERT_EQ(vro::Complete_Options(options), "") << row.output;
+        int drawn = 0;
+        for (int frame = 1; frame <= options.Frames; ++frame) drawn += options.Is_Drawn(frame) ? 1 : 0;
+        EXPECT_EQ(drawn, row.drawn) << row.output << " " << row.sheetColumns;
+        EXPECT_EQ(options.Get_Drawn_Count(), row.drawn) << row.output << " " << row.sheetColumns;
+        EXPECT_EQ(options.Width, row.width) << row.output;
+        EXPECT_TRUE(row.drawn != 1 || options.Is_Drawn(60)) << row.output;
+    }
+}
+
+TEST(RenderOptions, WrongUsageIsToldInClearWords)
+{
+    const vroTest::Workshop shop;
+    const struct
+    {
+        std::vector<std::string> options;
+        const char *said;
+    } rows[] = {
+        {{}, "-o is required"},
+        {{"-o", "x", "--size", "640"}, "--size: expected WIDTHxHEIGHT, each 1 to 8192, found \"640\""},
+        {{"-o", "x", "--size", "0x9"}, "--size: expected WIDTHxHEIGHT"},
+        {{"-o", "x", "--size", "9x8193"}, "--size: expected WIDTHxHEIGHT"},
+        {{"-o", "x", "--frames", "0"}, "--frames: expected a whole number of 1"},
+        {{"-o", "x", "--every", "0"}, "--every: expected a whole number of 1"},
+        {{"-o", "x", "--every", "61"}, "--every: expected at most the 60 frames that there are, found 61"},
+        {{"-o", "x.png", "--every", "2"}, "--every: x.png is one picture; name a directory, or ask for a --sheet"},
+        {{"-o", "x", "--sheet", "101"}, "--sheet: expected a whole number of 1 to 100"},
+        {{"-o", "x", "--sheet", "9", "--size", "8000x8000"}, "--sheet: 9 by 3 cells of 8000x8000 make more than"},
+        {{"-o", "x", "--background", "1,2,256"}, "--background: expected R,G,B, each 0 to 255, found \"1,2,256\""},
+        {{"-o", "x", "--background", ""}, "--background: expected R,G,B or the name of a picture"},
+        {{"-o", "x", "--post-fx", "glow"}, "--post-fx: no post-effect \"glow\"; there are bloom, heat,"},
+        {{"-o", "x", "--post-fx", "heat", "--no-post-fx"}, "--post-fx excludes --no-post-fx"},
+        {{"-o", "x", "--target-velocity", "1,0,0"}, "--target-velocity: there is no --target"},
+    };
+    for (const auto &row : rows) {
+        std::vector<std::string> line = {"render", "a.vro"};
+        line.insert(line.end(), row.options.begin(), row.options.end());
+        const vroTest::Outcome outcome = shop.Vro(line);
+        EXPECT_EQ(outcome.Code, vro::EXIT_BAD_USAGE) << testing::PrintToString(row.options);
+        EXPECT_THAT(outcome.Err, HasSubstr(row.said));
+    }
+}

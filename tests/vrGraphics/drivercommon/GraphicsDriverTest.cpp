@@ -1,0 +1,225 @@
+#include "vrGraphics/drivercommon/vrGraphicsDriver.h"
+
+#include "common/Reports.h"
+#include "vrGraphics/drivercommon/PictureFiles.h"
+#include "vrGraphics/drivercommon/vrGraphicsStats.h"
+#include "vrGraphics/drivercommon/vrParticleScratch.h"
+#include "vrGraphics/nulldriver/vrNullDriverMethods.h"
+#include "vrGraphics/nulldriver/vrNullTextures.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+
+using namespace MKTest;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace
+{
+
+Bytes Grey_Tga(int width, int height)
+{
+    return Tga_Header(3, width, height, 8, 0x20) + Bytes(static_cast<size_t>(width * height), 9);
+}
+
+/// The null driver with two folders of textures.
+class Driver : public testing::Test
+{
+protected:
+    Driver()
+    {
+        Directory.Make_Directory("first");
+        Directory.Make_Directory("second");
+        vrGraphicsDriver::Clear_Texture_Path();
+        vrGraphicsDriver::Add_Texture_Path(Directory / "first");
+        vrGraphicsDriver::Add_Texture_Path((Directory / "second") + "\\");
+        vrNullDriverMethods::Init(nullptr, 640, 480);
+    }
+    ~Driver() override
+    {
+        vrNullDriverMethods::Shutdown();
+        vrGraphicsDriver::Clear_Texture_Path();
+    }
+    /// The width of what was loaded, which tells the files apart; 0 for nothing.
+    static int Width_Of(std::string_view name)
+    {
+        const SmartPtr<vrTexture> texture = TheGraphicsDriver->Load_Texture(name);
+        return texture ? texture->Get_Width() : 0;
+    }
+
+    TempDirectory Directory;
+    Reports Told;
+};
+
+} // namespace
+
+TEST_F(Driver, TexturesAreFoundInTheOrderOfTheFolders)
+{
+    Directory.Write("first/a.tga", Grey_Tga(1, 1));
+    Directory.Write("second/a.tga", Grey_Tga(2, 1));
+    Directory.Write("second/B.TGA", Grey_Tga(3, 1));
+    Directory.Write("first/c.dds", Dds_Header(4, 4, 1, "DXT1") + Bytes(8));
+    Directory.Write("second/c.tga", Grey_Tga(5, 1));
+    Directory.Write("second/d.dds", Dds_Header(8, 4, 1, "DXT1") + Bytes(16));
+    Directory.Write("second/d.tga.bak", Grey_Tga(7, 1));
+    Directory.Write("second/e.png", Grey_Tga(9, 1)); // by what it holds, whatever its name
+    Directory.Write("second/sub/f.tga", Grey_Tga(10, 1));
+    const struct
+    {
+        const char *what;
+        const char *name;
+        int width;
+    } rows[] = {
+        {"the first folder wins", "a.tga", 1},
+        {"letters match in either case", "b.tga", 3},
+        {"the name in any folder goes before another extension", "c.tga", 5},
+        {"a .dds stands for a .tga", "d.tga", 8},
+        {"a .png stands for a .dds", "e.dds", 9},
+        {"a name without an extension", "d", 8},
+        {"a folder inside of the folders", "sub/f.tga", 10},
+        {"out of the folders", "..\\second\\a.tga", 0},
+        {"out of them from inside", "sub\\../..\\second\\a.tga", 0},
+        {"nothing", "", 0},
+    };
+    for (const auto &row : rows) EXPECT_EQ(Width_Of(row.name), row.width) << row.what;
+    EXPECT_EQ(Width_Of(Directory / "first/a.tga"), 0) << "from the root";
+}
+
+TEST_F(Driver, AMissingTextureIsToldOnceUntilThePathsChange)
+{
+    EXPECT_EQ(Width_Of("gone.tga"), 0);
+    EXPECT_EQ(Width_Of("GONE.tga"), 0);
+    EXPECT_EQ(Told.Count_Logs("VorenMissingTexturesLog: Missing texture: gone.tga is in none of the 2 texture folders"),
+              1);
+    Directory.Write("third/gone.tga", Grey_Tga(6, 1));
+    vrGraphicsDriver::Add_Texture_Path(Directory / "third");
+    EXPECT_EQ(Width_Of("gone.tga"), 6);
+}
+
+TEST_F(Driver, ADamagedTextureIsMissingAndSaysWhy)
+{
+    Directory.Write("first/cut.dds", Dds_Header(4, 4, 1, "DXT1") + Bytes(7));
+    EXPECT_EQ(Width_Of("cut.tga"), 0);
+    ASSERT_EQ(Told.Count_Logs("VorenMissingTexturesLog"), 1) << Told.Get_Text();
+    EXPECT_THAT(Told.Get_Text(), HasSubstr("cut.dds can't be used: the file ends early: 1 levels take 8 bytes, 7"));
+}
+
+TEST_F(Driver, OneNameIsOneTextureUntilItIsFreed)
+{
+    Directory.Write("first/a.tga", Grey_Tga(1, 1));
+    SmartPtr<vrTexture> held = TheGraphicsDriver->Load_Texture("a.tga");
+    EXPECT_EQ(TheGraphicsDriver->Load_Texture("A.TGA"), held);
+    TheGraphicsDriver->Free_Unused_Textures();
+    EXPECT_EQ(TheGraphicsDriver->Load_Texture("a.tga"), held);
+    Directory.Write("first/a.tga", Grey_Tga(2, 1));
+    held = nullptr;
+    EXPECT_EQ(Width_Of("a.tga"), 1);
+    TheGraphicsDriver->Free_Unused_Textures();
+    EXPECT_EQ(Width_Of("a.tga"), 2);
+}
+
+TEST_F(Driver, AFrameIsOpenBetweenItsEnds)
+{
+    EXPECT_FALSE(vrGraphicsDriver::Is_Inside_Frame());
+    TheGraphicsDriver->End_Frame();
+    EXPECT_TRUE(
+        Told.Has_Assert("vrGraphicsDriver::m_bInsideFrame && \"Ending a frame when currently not inside frame. \""));
+    EXPECT_FALSE(vrGraphicsDriver::Is_Inside_Frame());
+
+    EXPECT_TRUE(TheGraphicsDriver->Begin_Frame());
+    EXPECT_TRUE(vrGraphicsDriver::Is_Inside_Frame());
+    EXPECT_NE(ParticleScratch::Allocate(4, VR_LIT_VERTEX), nullptr);
+    TheGraphicsDriver->End_Frame();
+    EXPECT_FALSE(vrGraphicsDriver::Is_Inside_Frame());
+    EXPECT_EQ(ParticleScratch::Get_Used_Bytes(), 0u);
+}
+
+TEST_F(Driver, StateBlocksAreCheckedAndPassedOnWhenTheyDiffer)
+{
+    vrGraphicsStats::Get_Stats(true);
+    vrRenderStateBlock block;
+    TheGraphicsDriver->Set_Render_State_Block(block);
+    TheGraphicsDriver->Set_Render_State_Block(block);
+    block.m_blendState = VR_BLEND_ADDITIVE;
+    TheGraphicsDriver->Set_Render_State_Block(block);
+    EXPECT_EQ(vrGraphicsStats::Get_Stats(true).StateChanges, 2);
+    EXPECT_TRUE(Told.Get_Asserts().empty());
+
+    block.m_rasterizeState = VR_RENDER_STATE_INVALID;
+    block.m_blendState = VR_RENDER_STATE_INVALID;
+    TheGraphicsDriver->Set_Render_State_Block(block);
+    EXPECT_THAT(
+        Told.Get_Asserts(),
+        ElementsAre("(rs.m_rasterizeState != VR_RENDER_STATE_INVALID) && \"Invalid rasterize state. Call Brem.\"",
+                    "(rs.m_blendState != VR_RENDER_STATE_INVALID) && \"Invalid blend state. Call Brem.\""));
+}
+
+TEST_F(Driver, StatisticsStandUntilSomethingNewWasCounted)
+{
+    vrGraphicsStats::Get_Stats(true);
+    vrGraphicsStats::ParticlesSimulated += 7;
+    vrGraphicsStats::Renders += 1;
+    EXPECT_EQ(vrGraphicsStats::Get_Stats(true).ParticlesSimulated, 7);
+    EXPECT_EQ(vrGraphicsStats::Get_Stats(true).ParticlesSimulated, 7) << "the second reading of a tick";
+    vrGraphicsStats::Renders += 1;
+    EXPECT_EQ(vrGraphicsStats::Get_Stats(false).ParticlesSimulated, 7);
+    EXPECT_EQ(vrGraphicsStats::Get_Stats(true).ParticlesSimulated, 0);
+}
+
+TEST(DriverStatics, FeaturesAndPathsNeedNoDriver)
+{
+    EXPECT_EQ(vrGraphicsDriver::Get_Toggleable_States(), 0xFFFFFFFEE7DBFFFFu);
+    vrGraphicsDriver::Enable(0x200000, true);
+    EXPECT_EQ(vrGraphicsDriver::Get_Toggleable_States(), 0xFFFFFFFEE7FBFFFFu);
+    vrGraphicsDriver::Enable(0x200000, false);
+    EXPECT_EQ(vrGraphicsDriver::Get_Toggleable_States(), 0xFFFFFFFEE7DBFFFFu);
+    EXPECT_TRUE(vrGraphicsDriver::Is_Enabled(0x3));
+    EXPECT_FALSE(vrGraphicsDriver::Is_Enabled(0x200001)) << "all of the bits are asked for";
+
+    vrGraphicsDriver::Clear_Effects_Path();
+    vrGraphicsDriver::Clear_Effects_Path();
+    vrGraphicsDriver::Add_Effects_Path("..\\Shaders");
+    vrGraphicsDriver::Add_Effects_Path("..\\Shaders\\Particle\\");
+    EXPECT_THAT(vrGraphicsDriver::Get_Effects_Path(), ElementsAre("..\\Shaders\\", "..\\Shaders\\Particle\\"));
+    vrGraphicsDriver::Clear_Effects_Path();
+    EXPECT_TRUE(vrGraphicsDriver::Get_Effects_Path().empty());
+}
+
+TEST(DriverStatics, GammaMakesTheTablesOfBothWays)
+{
+    const Reports reports;
+    vrGraphicsDriver::Set_Gamma(2.0f);
+    EXPECT_EQ(vrGraphicsDriver::Get_Gamma_Table(0).Convert(0.5f), 0.25f);
+    EXPECT_EQ(vrGraphicsDriver::Get_Gamma_Table(1).Convert(0.25f), 0.5f);
+    for (const float exponent : {0.0f, -1.0f, std::nanf("")}) {
+        vrGraphicsDriver::Set_Gamma(exponent);
+        EXPECT_EQ(vrGraphicsDriver::Get_Gamma_Table(0).Convert(0.5f), 0.5f) << exponent;
+    }
+    EXPECT_EQ(reports.Count_Asserts("exponent > 0.0f"), 3);
+}
+
+TEST(DriverStatics, SharedTexturesAreHeldOnce)
+{
+    const SmartPtr<vrTexture> texture = new vrNullTexture2D("depth", 2048, 1024);
+    vrGraphicsDriver::Set_Shadow_Depth_Texture(texture.Get());
+    vrGraphicsDriver::Set_Shadow_Depth_Texture(texture.Get());
+    vrGraphicsDriver::Set_Cloud_Shadow_Texture(texture.Get());
+    vrGraphicsDriver::Set_Fog_Of_War_Texture(texture.Get());
+    EXPECT_EQ(texture->Get_Ref_Count(), 4);
+    vrGraphicsDriver::Set_Shadow_Depth_Texture(nullptr);
+    vrGraphicsDriver::Set_Cloud_Shadow_Texture(nullptr);
+    vrGraphicsDriver::Set_Fog_Of_War_Texture(nullptr);
+    EXPECT_EQ(texture->Get_Ref_Count(), 1);
+    EXPECT_EQ(vrGraphicsDriver::Get_Shadow_Inverse_Resolution(), Vector2(1.0f / 2048.0f, 1.0f / 1024.0f))
+        << "no texture leaves the size as it was";
+}
+
+TEST(DriverStatics, AChainNeedsANameAndADriver)
+{
+    Reports reports;
+    EXPECT_FALSE(vrGraphicsDriver::Load_PostFxs_Chain(nullptr));
+    EXPECT_TRUE(reports.Has_Assert("file_name && \"PostFxs chain file name is NULL. Call Brem.\""));
+    EXPECT_FALSE(vrGraphicsDriver::Load_PostFxs_Chain("Chain.xml"));
+    EXPECT_TRUE(reports.Has_Log("VorenLog: The post-effects of Chain.xml can't be loaded"));
+}
