@@ -141,6 +141,8 @@ TEST(SpawnRun, TakesWhatRoomThereIs)
     EXPECT_THAT(run.Ages(0.1f), ElementsAre(FloatEq(0.1f), FloatEq(0.1f), FloatEq(0.1f), FloatEq(0.1f), FloatEq(0.1f),
                                             FloatNear(0.05f, 1e-6f), FloatNear(0.05f, 1e-6f)));
     EXPECT_NEAR(run.Buffer->LastSpawnTime, 0.05f, 1e-6f);
+    EXPECT_NEAR(run.Buffer->SpawnInterval, 0.05f, 1e-6f);
+    EXPECT_EQ(run.Buffer->ClusterSize, 5);
     EXPECT_THAT(run.Ages(0.1f), ElementsAre());
     EXPECT_NEAR(run.Buffer->LastSpawnTime, 0.05f, 1e-6f);
 }
