@@ -7,7 +7,9 @@ set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Trims the particle effects of a game")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
-# The libraries that the programs are linked with name their packages; the drawing of icons is a plugin's own affair.
+# Libraries that the programs are linked with name their packages. OpenGL is looked for at run time.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "libegl1")
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "libgl1-mesa-dri, libegl-mesa0")
 set(CPACK_STRIP_FILES ON)
 include(CPack)

@@ -33,7 +33,8 @@ constexpr int CODE_UNKNOWN = -1;
 
 void GLState::Forget()
 {
-    Program = VertexArray = Framebuffer = ActiveUnit = UNKNOWN;
+    Program = VertexArray = Framebuffer = ReadFramebuffer = ArrayBuffer = ActiveUnit = UNKNOWN;
+    CulledFace = PolygonMode = BlendEquation = BlendFactors = DepthFunction = DepthMask = UNKNOWN;
     Units.fill({UNKNOWN, UNKNOWN});
     Viewport = {0, 0, -1, -1};
     Encoding = Culling = Blending = DepthTesting = SWITCH_UNKNOWN;
@@ -43,6 +44,14 @@ void GLState::Forget()
 void GLState::Count()
 {
     vrGraphicsStats::StateChanges.fetch_add(1, std::memory_order_relaxed);
+}
+
+bool GLState::Changes(unsigned &known, unsigned wanted)
+{
+    if (known == wanted) return false;
+    known = wanted;
+    Count();
+    return true;
 }
 
 void GLState::Set_Switch(SwitchType &known, unsigned capability, bool on)
@@ -59,26 +68,27 @@ void GLState::Set_Switch(SwitchType &known, unsigned capability, bool on)
 
 void GLState::Use_Program(unsigned program)
 {
-    if (Program == program) return;
-    Program = program;
-    glUseProgram(program);
-    Count();
+    if (Changes(Program, program)) glUseProgram(program);
 }
 
 void GLState::Bind_Vertex_Array(unsigned array)
 {
-    if (VertexArray == array) return;
-    VertexArray = array;
-    glBindVertexArray(array);
-    Count();
+    if (Changes(VertexArray, array)) glBindVertexArray(array);
 }
 
 void GLState::Bind_Framebuffer(unsigned framebuffer)
 {
-    if (Framebuffer == framebuffer) return;
-    Framebuffer = framebuffer;
-    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebuffer);
-    Count();
+    if (Changes(Framebuffer, framebuffer)) glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebuffer);
+}
+
+void GLState::Bind_Read_Framebuffer(unsigned framebuffer)
+{
+    if (Changes(ReadFramebuffer, framebuffer)) glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffer);
+}
+
+void GLState::Bind_Array_Buffer(unsigned buffer)
+{
+    if (Changes(ArrayBuffer, buffer)) glBindBuffer(GL_ARRAY_BUFFER, buffer);
 }
 
 void GLState::Set_Unit(int unit)
@@ -141,13 +151,13 @@ void GLState::Set_Rasterize(int code)
         glDisable(GL_STENCIL_TEST);
         glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
     }
-    if (RasterizeCode == CODE_UNKNOWN || (RasterizeCode == VR_RASTERIZE_WIREFRAME) != (code == VR_RASTERIZE_WIREFRAME))
-        glPolygonMode(GL_FRONT_AND_BACK, code == VR_RASTERIZE_WIREFRAME ? GL_LINE : GL_FILL);
     RasterizeCode = code;
+    const GLenum mode = code == VR_RASTERIZE_WIREFRAME ? GL_LINE : GL_FILL;
+    if (Changes(PolygonMode, mode)) glPolygonMode(GL_FRONT_AND_BACK, mode);
     const bool culls = code == VR_RASTERIZE_CULL_BACK || code == VR_RASTERIZE_CULL_FRONT;
     Set_Switch(Culling, GL_CULL_FACE, culls);
-    if (culls) glCullFace(code == VR_RASTERIZE_CULL_BACK ? GL_BACK : GL_FRONT);
-    Count();
+    const GLenum face = code == VR_RASTERIZE_CULL_BACK ? GL_BACK : GL_FRONT;
+    if (culls && Changes(CulledFace, face)) glCullFace(face);
 }
 
 void GLState::Set_Blend(int code)
@@ -157,9 +167,9 @@ void GLState::Set_Blend(int code)
     for (const BlendRow &row : BLENDS) {
         if (row.Code != code) continue;
         Set_Switch(Blending, GL_BLEND, true);
-        glBlendEquationSeparate(row.Equation, GL_FUNC_ADD);
-        glBlendFuncSeparate(row.Source, row.Target, row.SourceAlpha, row.TargetAlpha);
-        Count();
+        if (Changes(BlendEquation, row.Equation)) glBlendEquationSeparate(row.Equation, GL_FUNC_ADD);
+        if (Changes(BlendFactors, static_cast<unsigned>(code)))
+            glBlendFuncSeparate(row.Source, row.Target, row.SourceAlpha, row.TargetAlpha);
         return;
     }
     Set_Switch(Blending, GL_BLEND, false);
@@ -173,7 +183,8 @@ void GLState::Set_Depth(int code)
     const bool writes = code == VR_DEPTH_TEST_WRITE || code == VR_DEPTH_WRITE;
     // Depth is written only where the test is on.
     Set_Switch(DepthTesting, GL_DEPTH_TEST, tests || writes);
-    if (tests || writes) glDepthFunc(tests ? GL_LEQUAL : GL_ALWAYS);
-    glDepthMask(writes ? GL_TRUE : GL_FALSE);
-    Count();
+    const GLenum function = tests ? GL_LEQUAL : GL_ALWAYS;
+    if ((tests || writes) && Changes(DepthFunction, function)) glDepthFunc(function);
+    const GLboolean mask = writes ? GL_TRUE : GL_FALSE;
+    if (Changes(DepthMask, mask)) glDepthMask(mask);
 }

@@ -22,6 +22,10 @@ public:
     void Bind_Vertex_Array(unsigned array);
     /// For drawing into and clearing.
     void Bind_Framebuffer(unsigned framebuffer);
+    /// For copying and reading from.
+    void Bind_Read_Framebuffer(unsigned framebuffer);
+    /// The one that vertices are written to.
+    void Bind_Array_Buffer(unsigned buffer);
     /// `target` is OpenGL's kind of texture.
     void Bind_Texture(int unit, unsigned target, unsigned texture, unsigned sampler);
     /// Makes a texture current for changing it, on the unit that draws use last.
@@ -41,6 +45,8 @@ private:
     };
 
     static void Count();
+    /// Whether `known` isn't `wanted` yet, which it then is.
+    static bool Changes(unsigned &known, unsigned wanted);
     static void Set_Switch(SwitchType &known, unsigned capability, bool on);
     void Set_Rasterize(int code);
     void Set_Blend(int code);
@@ -56,6 +62,8 @@ private:
     unsigned Program;
     unsigned VertexArray;
     unsigned Framebuffer;
+    unsigned ReadFramebuffer;
+    unsigned ArrayBuffer;
     unsigned ActiveUnit;
     std::array<UnitType, MAX_UNITS> Units;
     vrViewport Viewport;
@@ -63,6 +71,13 @@ private:
     SwitchType Culling;
     SwitchType Blending;
     SwitchType DepthTesting;
+    // OpenGL's.
+    unsigned CulledFace;
+    unsigned PolygonMode;
+    unsigned BlendEquation;
+    unsigned BlendFactors; ///< the code that they belong to
+    unsigned DepthFunction;
+    unsigned DepthMask;
     int RasterizeCode;
     int BlendCode;
     int DepthCode;

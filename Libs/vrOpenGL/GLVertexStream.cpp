@@ -86,7 +86,7 @@ void GLVertexStream::Start()
     FreeIndices = GLObject(Device->Life, GLObjectKind::Buffer);
     // A vertex array remembers the index buffer that is bound while it is: none is, here.
     Device->State.Bind_Vertex_Array(0);
-    glBindBuffer(GL_ARRAY_BUFFER, Ring.Get());
+    Device->State.Bind_Array_Buffer(Ring.Get());
     glBufferData(GL_ARRAY_BUFFER, SEGMENTS * SEGMENT_BYTES, nullptr, GL_STREAM_DRAW);
     for (int layout = 0; layout < LAYOUTS; ++layout) {
         const auto type = static_cast<vrPrimVertexType>(layout);
@@ -160,7 +160,7 @@ void *GLVertexStream::Map(vrPrimVertexType type, int vertexCount)
     if (first() * size + bytes > (Segment + 1) * SEGMENT_BYTES) Next_Segment();
     FirstVertex = static_cast<int>(first());
     const size_t offset = first() * size;
-    glBindBuffer(GL_ARRAY_BUFFER, Ring.Get());
+    Device->State.Bind_Array_Buffer(Ring.Get());
     void *memory = glMapBufferRange(GL_ARRAY_BUFFER, static_cast<GLintptr>(offset), static_cast<GLsizeiptr>(bytes),
                                     GL_MAP_WRITE_BIT | GL_MAP_INVALIDATE_RANGE_BIT | GL_MAP_UNSYNCHRONIZED_BIT);
     if (memory) Used = offset + bytes - Segment * SEGMENT_BYTES;
@@ -233,6 +233,6 @@ void GLVertexStream::Abandon()
 {
     if (!IsOpen) return;
     IsOpen = false;
-    glBindBuffer(GL_ARRAY_BUFFER, Ring.Get());
+    Device->State.Bind_Array_Buffer(Ring.Get());
     glUnmapBuffer(GL_ARRAY_BUFFER);
 }

@@ -177,10 +177,12 @@ bool vrEGLSurface::Make_Buffer(std::string &error)
     return Buffer != nullptr;
 }
 
-int vrEGLSurface::Get_Window_Measure(int what, int otherwise) const
+/// Until the owner tells a size: EGL may learn of a new one only after the next frame.
+int vrEGLSurface::Get_Window_Measure(int what, int told) const
 {
     EGLint measure = 0;
-    return Window && Buffer && eglQuerySurface(Display, Buffer, what, &measure) ? measure : otherwise;
+    const bool isKnown = told > 0 || !Window || !Buffer;
+    return !isKnown && eglQuerySurface(Display, Buffer, what, &measure) ? measure : told;
 }
 
 int vrEGLSurface::Get_Width() const

@@ -30,7 +30,7 @@ public:
     bool Recreate_Context() override;
     std::string Describe() const override { return Description; }
 
-    /// The size that the driver takes at its next resize; pixels. A window has its own.
+    /// The size that the driver takes at its next resize; pixels.
     void Set_Size(int width, int height);
     /// Ends the context, as a device that is removed does: `Make_Current` fails until `Recreate_Context`.
     void Lose_Context();
@@ -41,7 +41,7 @@ private:
     bool Try(void *display, const char *way, std::string &error);
     bool Make_Context(std::string &error);
     bool Make_Buffer(std::string &error);
-    int Get_Window_Measure(int what, int otherwise) const;
+    int Get_Window_Measure(int what, int told) const;
 
     int Width;
     int Height;

@@ -305,7 +305,6 @@ SmartPtr<vrShaderInstance> vrOpenGLDriver::Create_Shader_Instance(std::string_vi
     bool isMissing = false;
     {
         const std::lock_guard lock(EffectsLock);
-        Take_Effects_Path();
         effect = Effects.Get_Effect(name);
         isMissing = Effects.Is_Missing_Effect(effect.Get());
     }
@@ -315,7 +314,6 @@ SmartPtr<vrShaderInstance> vrOpenGLDriver::Create_Shader_Instance(std::string_vi
 int vrOpenGLDriver::Load_All_Effects(std::string_view path, vrEffectCallback callback, void *context)
 {
     const std::lock_guard lock(EffectsLock);
-    Take_Effects_Path();
     return Effects.Load_All_Effects(path, callback, context);
 }
 
@@ -323,14 +321,6 @@ SmartPtr<vrOpenGLEffect> vrOpenGLDriver::Get_Missing_Effect()
 {
     const std::lock_guard lock(EffectsLock);
     return Effects.Get_Missing_Effect();
-}
-
-/// What was missing may be in a folder that came later.
-void vrOpenGLDriver::Take_Effects_Path()
-{
-    if (KnownEffectsPath == Get_Effects_Path()) return;
-    KnownEffectsPath = Get_Effects_Path();
-    Effects.Clear();
 }
 
 EngineParameterSource vrOpenGLDriver::Get_Parameter_Source(const vrRenderContext *context)

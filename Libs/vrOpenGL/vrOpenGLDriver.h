@@ -153,7 +153,6 @@ private:
     vrOpenGLDriver();
     ~vrOpenGLDriver() override;
     bool Start();
-    void Take_Effects_Path();
 
     // The device.
     bool Start_Device(std::string &error);
@@ -198,7 +197,6 @@ private:
     GLVertexStream Stream;
     std::mutex EffectsLock;
     vrEffectManager<vrOpenGLEffect> Effects;
-    std::vector<MK::String> KnownEffectsPath; ///< what the effects were searched in
 
     vrSurface *Surface = nullptr;
     unsigned Generation = 0;      ///< of the surface's context that the device is in

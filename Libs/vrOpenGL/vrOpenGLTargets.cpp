@@ -251,7 +251,7 @@ void vrOpenGLDriver::Copy(vrOpenGLRenderTarget *from, vrOpenGLRenderTarget *to)
     // Bytes are copied as they are, whatever they mean.
     Device->State.Set_Encoding(false);
     Device->State.Bind_Framebuffer(target);
-    glBindFramebuffer(GL_READ_FRAMEBUFFER, source);
+    Device->State.Bind_Read_Framebuffer(source);
     const bool isSameSize = from->Get_Width() == to->Get_Width() && from->Get_Height() == to->Get_Height();
     glBlitFramebuffer(0, 0, from->Get_Width(), from->Get_Height(), 0, 0, to->Get_Width(), to->Get_Height(),
                       GL_COLOR_BUFFER_BIT, isSameSize ? GL_NEAREST : GL_LINEAR);
@@ -264,7 +264,7 @@ void vrOpenGLDriver::Present()
     if (!source || width <= 0 || height <= 0) return;
     Device->State.Set_Encoding(false);
     Device->State.Bind_Framebuffer(Surface->Get_Framebuffer());
-    glBindFramebuffer(GL_READ_FRAMEBUFFER, source);
+    Device->State.Bind_Read_Framebuffer(source);
     // The surface's first row is the bottom one.
     glBlitFramebuffer(0, 0, Width, Height, 0, height, width, 0, GL_COLOR_BUFFER_BIT,
                       width == Width && height == Height ? GL_NEAREST : GL_LINEAR);
@@ -276,7 +276,7 @@ bool vrOpenGLDriver::Read_Back_Buffer(std::vector<uint8_t> &rgba)
     const unsigned source = Get_Framebuffer_Of(BackBuffer.Get());
     if (!source) return false;
     rgba.resize(static_cast<size_t>(Width) * static_cast<size_t>(Height) * 4);
-    glBindFramebuffer(GL_READ_FRAMEBUFFER, source);
+    Device->State.Bind_Read_Framebuffer(source);
     glReadBuffer(GL_COLOR_ATTACHMENT0);
     glReadPixels(0, 0, Width, Height, GL_RGBA, GL_UNSIGNED_BYTE, rgba.data());
     return true;

@@ -12,6 +12,7 @@
 #include "vrGraphics/effect/vrMKPRenderable.h"
 #include "vrGraphics/effect/vrMKParticleEmitter.h"
 #include "vrGraphics/plugins/spawners/vrMKPSpawner.h"
+#include "vrGraphics/postfx/vrPostFxModes.h"
 
 #include <algorithm>
 #include <cmath>
@@ -94,6 +95,7 @@ void ApplicationCore::Init_Preview()
         TheMegaFileManager = megaFileManager.get();
         megaFileManager->Load_Default_Mega_Files(static_cast<MegaFileClass::MegaFileAccess>(0));
     }
+    Register_vrGraphics_Enums();
     const bool hasDevice = vorenData->Init_Device(viewForm->Get_View_Panel());
     vrMKPRenderable::Set_In_Editor(true);
     vorenInitialized = hasDevice;

@@ -16,6 +16,7 @@
 #include "vrGraphics/scene/vrSimpleCameraController.h"
 #include "vrGraphics/scene/vrSimpleScene.h"
 
+#include <algorithm>
 #include <chrono>
 #include <exception>
 
@@ -81,6 +82,7 @@ bool ScenePreview::Init_Device(ViewPanel &panel)
 
 void ScenePreview::Init_Scene()
 {
+    if (!Device) return;
     vrGraphicsDriver &driver = *TheGraphicsDriver;
     driver.Prepare_For_Scene();
     vrGraphicsDriver::Enable(0x200000, false);
@@ -105,9 +107,9 @@ void ScenePreview::Init_Scene()
     lights->Set_Sun_Light(Lights[0].Get());
     lights->Add_Light(Lights[1].Get());
     lights->Add_Light(Lights[2].Get());
-    driver.Set_Renderer_Type(
-        driver.Is_Renderer_Supported(VR_RENDERER_LIGHT_PRE_PASS) ? VR_RENDERER_LIGHT_PRE_PASS : VR_RENDERER_FORWARD,
-        false);
+    driver.Set_Renderer_Type(driver.Is_Renderer_Supported(VR_RENDERER_LIGHT_PRE_PASS) ? VR_RENDERER_LIGHT_PRE_PASS
+                                                                                      : VR_RENDERER_FORWARD,
+                             false);
 }
 
 void ScenePreview::Free_Scene()
@@ -132,6 +134,7 @@ void ScenePreview::Shutdown_Device()
 
 void ScenePreview::Add_Emitter(vrMKParticleEmitter &emitter)
 {
+    if (!Scene) return;
     Emitter = &emitter;
     Tell_Game_State();
     emitter.Restart();
@@ -140,7 +143,7 @@ void ScenePreview::Add_Emitter(vrMKParticleEmitter &emitter)
 
 void ScenePreview::Remove_Emitter(vrMKParticleEmitter &emitter)
 {
-    Scene->Remove_Renderable(&emitter);
+    if (Scene) Scene->Remove_Renderable(&emitter);
     if (Emitter == &emitter) Emitter = nullptr;
 }
 
@@ -193,18 +196,25 @@ void ScenePreview::Render(bool axes, bool background)
     Guarded("frame", [&] { Scene->Render(Camera.Get(), VR_RENDER_MODE_NORMAL, false); });
     if (axes) Draw_Axes();
     TheGraphicsDriver->End_Frame();
-    const float drawMilliseconds = Milliseconds_Since(start);
+    FrameMilliseconds = Milliseconds_Since(start);
     const auto flip = std::chrono::steady_clock::now();
     TheGraphicsDriver->Page_Flip(true);
+    FlipMilliseconds = Milliseconds_Since(flip);
+}
 
+/// Of the update before and the frame before that, also while no frame can be drawn.
+PreviewStatistics ScenePreview::Get_Statistics()
+{
     const vrGraphicsStats::Values counted = vrGraphicsStats::Get_Stats(true);
-    Statistics.ParticlesSimulated = counted.ParticlesSimulated;
-    Statistics.ParticlesRendered = counted.ParticlesRendered;
-    Statistics.Vertices = counted.Vertices;
-    Statistics.Draws = counted.Draws;
-    Statistics.PrepareMilliseconds = static_cast<float>(counted.PrepareMicroseconds) / 1000.0f;
-    Statistics.DrawMilliseconds = drawMilliseconds - Statistics.PrepareMilliseconds;
-    Statistics.PresentMilliseconds = Milliseconds_Since(flip);
+    PreviewStatistics statistics;
+    statistics.ParticlesSimulated = counted.ParticlesSimulated;
+    statistics.ParticlesRendered = counted.ParticlesRendered;
+    statistics.Vertices = counted.Vertices;
+    statistics.Draws = counted.Draws;
+    statistics.PrepareMilliseconds = static_cast<float>(counted.PrepareMicroseconds) / 1000.0f;
+    statistics.DrawMilliseconds = std::max(FrameMilliseconds - statistics.PrepareMilliseconds, 0.0f);
+    statistics.PresentMilliseconds = FlipMilliseconds;
+    return statistics;
 }
 
 void ScenePreview::Draw_Background()

@@ -43,7 +43,7 @@ public:
 
     void Update_Camera(float seconds) override;
     void Update_Scene(float seconds) override;
-    PreviewStatistics Get_Statistics() override { return Statistics; }
+    PreviewStatistics Get_Statistics() override;
     void Render(bool axes, bool background) override;
 
     void Reset_Camera() override;
@@ -82,6 +82,7 @@ private:
     SmartPtr<vrTexture> Background;
     std::unique_ptr<vrTerrain> Ground;
     bool HasTarget = false;
-    vrMKParticleEmitter *Emitter = nullptr; ///< in the scene now, which holds it
-    PreviewStatistics Statistics;
+    SmartPtr<vrMKParticleEmitter> Emitter; ///< added last; one that is spent has left the scene by itself
+    float FrameMilliseconds = 0.0f;        ///< of the last frame, up to the flip
+    float FlipMilliseconds = 0.0f;
 };

@@ -13,6 +13,7 @@
 #include <QCursor>
 #include <QFileDialog>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QTimer>
 #include <qguiapplication_platform.h>
 
@@ -138,6 +139,7 @@ DialogResult DesktopApplication::Show_Message_Box(const std::string &text, const
                     parent);
     box.setTextFormat(Qt::PlainText);
     box.setObjectName("messageBox");
+    for (QAbstractButton *button : box.buttons()) button->setIcon(QIcon()); // some styles have icons for some of them
     const DialogResult result = Get_Result(box.exec());
     // Not every desktop gives the keyboard back to the window below.
     if (parent) parent->window()->activateWindow();

@@ -20,7 +20,7 @@
 #include <QPushButton>
 #include <QStatusBar>
 
-#include <unordered_set>
+#include <utility>
 
 namespace
 {
@@ -96,7 +96,6 @@ void DesktopMainForm::Report(Operation operation)
 void DesktopMainForm::Set_Settings_Controls_Enabled(bool enabled)
 {
     settingsControlsEnabled = enabled;
-    hasScanned = hasScanned || enabled;
     table->Set_Editing_Enabled(enabled);
     panel->Set_Editing_Enabled(enabled);
     actions.Save->setEnabled(enabled);
@@ -165,6 +164,7 @@ void DesktopMainForm::Open()
     show();
     const DesktopSceneViewForm *view = application.Get_View_Form();
     if (view && view->isVisible()) Set_Preview(true);
+    activateWindow();
 }
 
 void DesktopMainForm::Show_Wait(const QString &what)
@@ -302,33 +302,41 @@ void DesktopMainForm::Update_State()
     const bool canConvert = settingsControlsEnabled && row && row->Get_SupportsHeat() && !row->Get_UsesHeatVisualizer();
     actions.Convert->setEnabled(canConvert);
     panel->Get_Convert_Button().setEnabled(canConvert);
-    panel->Show_Rows(table->Get_Selected_Source_Rows(), source.Get_Position());
-    Update_Counts();
+    std::vector<int> selected = table->Get_Selected_Source_Rows();
+    Update_Counts(selected.size());
+    panel->Show_Rows(std::move(selected), source.Get_Position());
     Update_Message();
+}
+
+/// An effect's layers lie together in the core's list.
+template <typename Counts>
+int DesktopMainForm::Count_Effects_That(Counts counts) const
+{
+    int count = 0;
+    const EmitterData *last = nullptr;
+    for (int row = 0; row < model->Get_Count(); ++row) {
+        const EmitterData *effect = &model->Get_Row(row)->Get_EmitterData();
+        if (effect != last && counts(*effect)) ++count;
+        last = effect;
+    }
+    return count;
 }
 
 int DesktopMainForm::Count_Modified_Effects() const
 {
-    std::unordered_set<const EmitterData *> effects;
-    for (int row = 0; row < model->Get_Count(); ++row)
-        if (model->Get_Row(row)->Get_Modified()) effects.insert(&model->Get_Row(row)->Get_EmitterData());
-    return static_cast<int>(effects.size());
+    return Count_Effects_That([](const EmitterData &effect) { return effect.Get_Modified(); });
 }
 
-void DesktopMainForm::Update_Counts()
+void DesktopMainForm::Update_Counts(size_t selected)
 {
-    std::unordered_set<const EmitterData *> effects, modified;
-    for (int row = 0; row < model->Get_Count(); ++row) {
-        const EmitterData &effect = model->Get_Row(row)->Get_EmitterData();
-        effects.insert(&effect);
-        if (effect.Get_Modified()) modified.insert(&effect);
-    }
-    setWindowModified(!modified.empty());
+    const int effects = Count_Effects_That([](const EmitterData &) { return true; });
+    const int modified = Count_Modified_Effects();
+    setWindowModified(modified > 0);
     const int shown = filter->rowCount(), all = model->Get_Count();
-    QStringList parts = {Counted(all, "layer") + " of " + Counted(static_cast<int>(effects.size()), "effect")};
+    QStringList parts = {Counted(all, "layer") + " of " + Counted(effects, "effect")};
     if (shown != all) parts << QString("%1 shown").arg(shown);
-    parts << QString("%1 selected").arg(table->Get_Selected_Source_Rows().size());
-    if (!modified.empty()) parts << Counted(static_cast<int>(modified.size()), "effect") + " modified";
+    parts << QString("%1 selected").arg(selected);
+    if (modified > 0) parts << Counted(modified, "effect") + " modified";
     counts->setText(all > 0 ? parts.join(QString(" %1 ").arg(QChar(0xb7))) : QString());
 }
 

@@ -113,8 +113,10 @@ private:
     void Schedule_Update();
     void Update_State();
     void Update_Message();
-    void Update_Counts();
+    void Update_Counts(size_t selected);
     void Tell_Saved(int modifiedBefore);
+    template <typename Counts>
+    int Count_Effects_That(Counts counts) const;
     int Count_Modified_Effects() const;
     void Keep_Layout() const;
     void Restore_Layout();
@@ -140,7 +142,6 @@ private:
     QString currentPath;
     QString scanFailure;
     bool settingsControlsEnabled = false;
-    bool hasScanned = false;
     bool isUpdateScheduled = false;
     bool closed = false;
 };

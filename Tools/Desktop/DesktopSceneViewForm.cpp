@@ -11,6 +11,7 @@
 #include <QComboBox>
 #include <QFontDatabase>
 #include <QLabel>
+#include <QScreen>
 #include <QSignalBlocker>
 #include <QToolBar>
 #include <QToolButton>
@@ -22,6 +23,7 @@ namespace
 {
 
 constexpr int COUNTER_MILLISECONDS = 100;
+constexpr QSize FIRST_SIZE(860, 620);
 constexpr float SPEEDS[] = {0.1f, 0.25f, 0.5f, 0.75f, 1.0f, 1.5f, 2.0f, 3.0f, 4.0f};
 
 QString Get_Statistics_Text(const PreviewStatistics &statistics)
@@ -57,11 +59,15 @@ DesktopSceneViewForm::DesktopSceneViewForm(DesktopApplication &owner, IFlareTrim
 {
     setObjectName("viewForm");
     setWindowTitle("Preview - Flare Trim");
-    resize(960, 720);
+    Place_At_First();
     Make_Actions();
     overlay->setObjectName("statistics");
     overlay->setAttribute(Qt::WA_NativeWindow); // it lies on a window that Qt doesn't paint
     overlay->setAutoFillBackground(true);
+    QPalette dark = overlay->palette(); // what it lies on is mostly dark, whatever the windows are
+    dark.setColor(QPalette::Window, QColor(0x1d, 0x1f, 0x23));
+    dark.setColor(QPalette::WindowText, QColor(0xdc, 0xdf, 0xe4));
+    overlay->setPalette(dark);
     overlay->setMargin(8);
     overlay->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     overlay->move(10, 10);
@@ -82,6 +88,15 @@ DesktopSceneViewForm::DesktopSceneViewForm(DesktopApplication &owner, IFlareTrim
 DesktopSceneViewForm::~DesktopSceneViewForm()
 {
     application.viewForm = nullptr;
+}
+
+/// In the corner where it hides the least of the main window, until the user has put it somewhere.
+void DesktopSceneViewForm::Place_At_First()
+{
+    const QRect available = screen()->availableGeometry();
+    const QRect place(QPoint(), FIRST_SIZE.boundedTo(available.size()));
+    resize(place.size());
+    move(available.bottomRight() - place.bottomRight());
 }
 
 QAction *DesktopSceneViewForm::Add_Action(const QString &text, const QString &icon, const QString &keys,
@@ -114,7 +129,7 @@ void DesktopSceneViewForm::Make_Actions()
     actions.Ground = Add_Toggle("Ground", "ground", "G", &Manager::Ground_Plane_Click);
     actions.Target = Add_Toggle("Target", "target", "T", &Manager::Target_Click);
     actions.Statistics = Add_Toggle("Statistics", "statistics", "S", nullptr);
-    actions.SetBackground = Add_Action("Set Background...", "set-background", "", &Manager::Set_Background_Click);
+    actions.SetBackground = Add_Action("Set Background...", "set-background", "Ctrl+B", &Manager::Set_Background_Click);
     actions.Pause = Add_Toggle("Pause", "pause", "Space", &Manager::Pause_Click);
     actions.Step = Add_Action("Step", "step", ".", &Manager::Single_Step_Click);
     actions.ResetAnimation = Add_Action("Reset Animation", "reset-animation", "R", &Manager::Reset_Animation_Click);

@@ -75,6 +75,7 @@ private:
 
     QAction *Add_Action(const QString &text, const QString &icon, const QString &keys, Operation operation);
     QAction *Add_Toggle(const QString &text, const QString &icon, const QString &keys, Operation operation);
+    void Place_At_First();
     void Make_Actions();
     QToolBar *Make_Upper_Bar();
     QToolBar *Make_Lower_Bar();

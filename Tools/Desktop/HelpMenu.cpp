@@ -49,18 +49,16 @@ void Show_Document(const QString &title, const QString &path, QWidget &parent)
     window->show();
 }
 
+/// A document that isn't there leaves its entry out.
 void Add_Document(QMenu &menu, QWidget &window, const QString &text, const QString &name, const QKeySequence &keys)
 {
+    const QString path = Find_Document(name);
+    if (path.isEmpty()) return;
     QAction *action = menu.addAction(text);
     action->setShortcut(keys);
-    QObject::connect(action, &QAction::triggered, &window, [&window, text, name] {
-        const QString path = Find_Document(name);
-        const QString title = QString(text).remove('&');
-        if (path.isEmpty())
-            QMessageBox::information(&window, title, QString("The document %1 isn't installed.").arg(name));
-        else
-            Show_Document(title, path, window);
-    });
+    const QString title = QString(text).remove('&');
+    QObject::connect(action, &QAction::triggered, &window,
+                     [&window, title, path] { Show_Document(title, path, window); });
 }
 
 void Show_About_Box(QWidget &window)

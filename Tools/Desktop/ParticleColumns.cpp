@@ -21,38 +21,52 @@ constexpr double FARTHEST = 10000.0;
 
 constexpr const char *SLIDER_HELP = "The value beside it on a scale from 0 to 1000: drag, or type a number";
 
+template <auto Getter>
+double Read(const ParticleData &row)
+{
+    return static_cast<double>((row.*Getter)());
+}
+
 constexpr ParticleColumn COLUMNS[] = {
-    {"Modified", "Effect", "", "A dot: the effect has changes that are not saved", Cell::Mark},
+    {"Modified", "Effect", "", "A dot: the effect has changes that are not saved", Cell::Mark,
+     Read<&ParticleData::Get_Modified>},
     {"EmitterName", "Effect", "Effect", "The emitter, which is what a file holds and what is saved", Cell::Text},
     {"ParticleName", "Effect", "Layer", "One particle layer of the effect", Cell::Text},
     {"GlobalLOD", "Detail", "Level", "The lowest view mode at which the layer runs: Lowest runs always", Cell::Level,
-     Needs::Spawner},
+     Read<&ParticleData::Get_GlobalLOD>, Needs::Spawner},
     {"MinimumDynamicLOD", "Least detail", "Fraction",
      "The fraction of the particles that is still drawn at the far distance and beyond, 0 to 1", Cell::Number,
-     Needs::Spawner, true, 0.0, 1.0},
-    {"MinimumDynamicLODPerThousandth", "Least detail", "\u2030", SLIDER_HELP, Cell::Slider, Needs::Spawner},
+     Read<&ParticleData::Get_MinimumDynamicLOD>, Needs::Spawner, true, 0.0, 1.0},
+    {"MinimumDynamicLODPerThousandth", "Least detail", "\u2030", SLIDER_HELP, Cell::Slider,
+     Read<&ParticleData::Get_MinimumDynamicLODPerThousandth>, Needs::Spawner},
     {"DynamicLODNearDistance", "Near distance", "Distance", "Up to here all particles are drawn; world units",
-     Cell::Number, Needs::Spawner, true, 0.0, FARTHEST},
-    {"DynamicLODNearDistancePerThousandth", "Near distance", "\u2030", SLIDER_HELP, Cell::Slider, Needs::Spawner},
+     Cell::Number, Read<&ParticleData::Get_DynamicLODNearDistance>, Needs::Spawner, true, 0.0, FARTHEST},
+    {"DynamicLODNearDistancePerThousandth", "Near distance", "\u2030", SLIDER_HELP, Cell::Slider,
+     Read<&ParticleData::Get_DynamicLODNearDistancePerThousandth>, Needs::Spawner},
     {"DynamicLODFarDistance", "Far distance", "Distance", "From here on only the least detail is drawn; world units",
-     Cell::Number, Needs::Spawner, true, 0.0, FARTHEST},
-    {"DynamicLODFarDistancePerThousandth", "Far distance", "\u2030", SLIDER_HELP, Cell::Slider, Needs::Spawner},
-    {"SupportsHeat", "Heat", "Can", "The layer shows heat, or can be converted to", Cell::Flag, Needs::Nothing, false},
+     Cell::Number, Read<&ParticleData::Get_DynamicLODFarDistance>, Needs::Spawner, true, 0.0, FARTHEST},
+    {"DynamicLODFarDistancePerThousandth", "Far distance", "\u2030", SLIDER_HELP, Cell::Slider,
+     Read<&ParticleData::Get_DynamicLODFarDistancePerThousandth>, Needs::Spawner},
+    {"SupportsHeat", "Heat", "Can", "The layer shows heat, or can be converted to", Cell::Flag,
+     Read<&ParticleData::Get_SupportsHeat>, Needs::Nothing, false},
     {"UsesHeatVisualizer", "Heat", "Is", "The layer has the heat visualizer, and so the values on the right",
-     Cell::Flag},
-    {"DoesNotUseHeatVisualizer", "Heat", "Is not", "The layer has another visualizer", Cell::Flag, Needs::Nothing,
-     false},
+     Cell::Flag, Read<&ParticleData::Get_UsesHeatVisualizer>},
+    {"DoesNotUseHeatVisualizer", "Heat", "Is not", "The layer has another visualizer", Cell::Flag,
+     Read<&ParticleData::Get_DoesNotUseHeatVisualizer>, Needs::Nothing, false},
     {"HeatDistanceCutoff", "Heat cutoff", "Distance", "Heat isn't drawn beyond this distance; world units",
-     Cell::Number, Needs::Heat, true, 0.01, FARTHEST},
-    {"HeatDistanceCutoffPerThousandth", "Heat cutoff", "\u2030", SLIDER_HELP, Cell::Slider, Needs::Heat},
+     Cell::Number, Read<&ParticleData::Get_HeatDistanceCutoff>, Needs::Heat, true, 0.01, FARTHEST},
+    {"HeatDistanceCutoffPerThousandth", "Heat cutoff", "\u2030", SLIDER_HELP, Cell::Slider,
+     Read<&ParticleData::Get_HeatDistanceCutoffPerThousandth>, Needs::Heat},
     {"HeatDistortionScale", "Distortion", "Scale", "How far heat bends the picture behind it, 0 to 2", Cell::Number,
-     Needs::Heat, true, 0.0, 2.0},
-    {"HeatDistortionScalePerThousandth", "Distortion", "\u2030", SLIDER_HELP, Cell::Slider, Needs::Heat},
+     Read<&ParticleData::Get_HeatDistortionScale>, Needs::Heat, true, 0.0, 2.0},
+    {"HeatDistortionScalePerThousandth", "Distortion", "\u2030", SLIDER_HELP, Cell::Slider,
+     Read<&ParticleData::Get_HeatDistortionScalePerThousandth>, Needs::Heat},
     {"SaturationScale", "Saturation", "Scale", "How heat changes the saturation behind it, -2 to 2", Cell::Number,
-     Needs::Heat, true, -2.0, 2.0},
-    {"SaturationScalePerThousandth", "Saturation", "\u2030", SLIDER_HELP, Cell::Slider, Needs::Heat},
+     Read<&ParticleData::Get_SaturationScale>, Needs::Heat, true, -2.0, 2.0},
+    {"SaturationScalePerThousandth", "Saturation", "\u2030", SLIDER_HELP, Cell::Slider,
+     Read<&ParticleData::Get_SaturationScalePerThousandth>, Needs::Heat},
     {"SceneLightingAdjustments", "Lighting", "Scene", "The scene's lighting adjustments apply to the layer",
-     Cell::Check, Needs::Lighting},
+     Cell::Check, Read<&ParticleData::Get_SceneLightingAdjustments>, Needs::Lighting},
 };
 
 std::string Number_Text(double value)

@@ -34,6 +34,7 @@ struct ParticleColumn
     const char *Title;
     const char *Help;
     Cell Kind;
+    double (*Number)(const ParticleData &row) = nullptr; ///< the value; null for texts
     Needs Need = Needs::Nothing;
     bool Shown = true; ///< before the user chose
     // Of what may be typed. The scale of thousandths has its own.

@@ -21,14 +21,8 @@ struct Key
 
 Key Get_Key(const ParticleColumn &column, const ParticleData &data, int row)
 {
-    using Kind = ParticleProperty::Kind;
-    const ParticleProperty &property = column.Get_Property();
-    Key key{0.0, property.Get(data), row};
-    if (property.ValueKind == Kind::LevelOfDetail) key.number = static_cast<double>(data.Get_GlobalLOD());
-    if (property.ValueKind == Kind::Float || property.ValueKind == Kind::Integer)
-        key.number = QString::fromStdString(key.text).toDouble();
-    if (property.ValueKind != Kind::Text && property.ValueKind != Kind::Boolean) key.text.clear();
-    return key;
+    if (column.Number) return {column.Number(data), "", row};
+    return {0.0, column.Get_Property().Get(data), row};
 }
 
 } // namespace

@@ -122,6 +122,12 @@ void ParticleTableView::Select_Source_Rows(const std::vector<int> &sourceRows)
     selectionModel()->setCurrentIndex(filter.index(shown.front(), column), QItemSelectionModel::NoUpdate);
 }
 
+void ParticleTableView::Set_Current_Source_Row(int row)
+{
+    const QModelIndex index = filter.index(filter.From_Source(row), std::max(currentIndex().column(), 0));
+    if (index.isValid()) selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
+}
+
 void ParticleTableView::Select_Whole_Effects()
 {
     std::set<const EmitterData *> effects;
@@ -137,13 +143,10 @@ void ParticleTableView::Rearrange(const std::function<void()> &change)
 {
     const std::vector<int> selected = Get_Selected_Source_Rows();
     const int current = Get_Current_Source_Row();
-    const int column = currentIndex().column();
     isRearranging = true;
     change();
     Select_Source_Rows(selected);
-    if (filter.From_Source(current) >= 0)
-        selectionModel()->setCurrentIndex(filter.index(filter.From_Source(current), std::max(column, 0)),
-                                          QItemSelectionModel::NoUpdate);
+    if (filter.From_Source(current) >= 0) Set_Current_Source_Row(current);
     isRearranging = false;
     if (currentIndex().isValid()) scrollTo(currentIndex());
     if (currentChangedHandler && Get_Current_Source_Row() != current) currentChangedHandler();

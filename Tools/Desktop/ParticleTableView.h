@@ -23,6 +23,8 @@ public:
     int Get_Current_Source_Row() const; ///< -1 when there is none
     /// Those that the filter hides stay out. The first one becomes the current row.
     void Select_Source_Rows(const std::vector<int> &rows);
+    /// Among the selected ones; nothing for one that the filter hides.
+    void Set_Current_Source_Row(int row);
     /// All layers of the effects of the selected ones.
     void Select_Whole_Effects();
     /// Shows the rows that hold the words, and keeps what is selected among them.

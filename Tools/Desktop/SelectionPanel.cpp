@@ -157,14 +157,15 @@ void SelectionPanel::Line_Edited(const ScaledField &field)
 
 void SelectionPanel::Write(int column, const QVariant &value, int role)
 {
-    const ColumnSummary summary = Summarize_Column(model, rows, current, column);
-    if (summary.Row >= 0) model.setData(model.index(summary.Row, column), value, role);
+    const int row = summaries[static_cast<size_t>(column)].Row;
+    if (row >= 0) model.setData(model.index(row, column), value, role);
 }
 
 void SelectionPanel::Show_Rows(std::vector<int> selected, int currentRow)
 {
     rows = std::move(selected);
     current = currentRow;
+    summaries = Summarize_Columns(model, rows, current);
     Show_Title();
     Show_Level();
     for (ScaledField &field : fields) Show_Field(field);
@@ -205,7 +206,7 @@ void SelectionPanel::Show_Title()
 
 void SelectionPanel::Show_Field(ScaledField &field)
 {
-    const ColumnSummary value = Summarize_Column(model, rows, current, field.valueColumn);
+    const ColumnSummary &value = summaries[static_cast<size_t>(field.valueColumn)];
     const bool enabled = editingEnabled && value.Row >= 0;
     field.label->setEnabled(enabled);
     field.slider->setEnabled(enabled);
@@ -214,7 +215,7 @@ void SelectionPanel::Show_Field(ScaledField &field)
         field.line->setText(value.Row < 0 || value.IsMixed ? QString() : QString::fromStdString(value.Text));
     field.line->setPlaceholderText(
         value.IsMixed ? Get_Short_Number(value.Least) + QChar(0x2013) + Get_Short_Number(value.Greatest) : QString());
-    const ColumnSummary slider = Summarize_Column(model, rows, current, field.sliderColumn);
+    const ColumnSummary &slider = summaries[static_cast<size_t>(field.sliderColumn)];
     const int thousandths = QString::fromStdString(slider.Text).toInt();
     if (value.IsMixed)
         field.slider->Show_Band(static_cast<int>(slider.Least), static_cast<int>(slider.Greatest), thousandths);
@@ -224,7 +225,7 @@ void SelectionPanel::Show_Field(ScaledField &field)
 
 void SelectionPanel::Show_Level()
 {
-    const ColumnSummary summary = Summarize_Column(model, rows, current, Find_Particle_Column("GlobalLOD"));
+    const ColumnSummary &summary = summaries[static_cast<size_t>(Find_Particle_Column("GlobalLOD"))];
     const bool enabled = editingEnabled && summary.Row >= 0;
     levelLabel->setEnabled(enabled);
     level->setEnabled(enabled);
@@ -236,8 +237,7 @@ void SelectionPanel::Show_Level()
 
 void SelectionPanel::Show_Lighting()
 {
-    const ColumnSummary summary =
-        Summarize_Column(model, rows, current, Find_Particle_Column("SceneLightingAdjustments"));
+    const ColumnSummary &summary = summaries[static_cast<size_t>(Find_Particle_Column("SceneLightingAdjustments"))];
     lighting->setEnabled(editingEnabled && summary.Row >= 0);
     lighting->setTristate(summary.IsMixed);
     lighting->setCheckState(summary.IsMixed ? Qt::PartiallyChecked

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Desktop/SelectionSummary.h"
+
 #include <QString>
 #include <QWidget>
 #include <functional>
@@ -52,6 +54,7 @@ private:
     ParticleTableModel &model;
     std::vector<int> rows; ///< in the order of the grid
     int current = -1;
+    std::vector<ColumnSummary> summaries; ///< of these rows, by column
     bool editingEnabled = false;
     QGridLayout *grid;
     QLabel *title;

@@ -15,17 +15,25 @@ namespace
 class PanelDevice final : public vrDevice
 {
 public:
-    explicit PanelDevice(std::unique_ptr<vrEGLSurface> surface) : Surface(std::move(surface)), Device(*Surface) {}
+    PanelDevice(std::unique_ptr<vrEGLSurface> surface, const ViewPanel &panel)
+        : Surface(std::move(surface)), Device(*Surface), Panel(panel)
+    {
+    }
 
     bool Init() override { return Device.Init(); }
     bool Create_Device(std::string &error) override { return Device.Create_Device(error); }
     bool Is_Device_Operational() override { return Device.Is_Device_Operational(); }
-    void Resize_Back_Buffer(int width, int height) override { Device.Resize_Back_Buffer(width, height); }
+    void Resize_Back_Buffer(int width, int height) override
+    {
+        Surface->Set_Size(Panel.Get_Width(), Panel.Get_Height());
+        Device.Resize_Back_Buffer(width, height);
+    }
     void Shutdown() override { Device.Shutdown(); }
 
 private:
     std::unique_ptr<vrEGLSurface> Surface;
     vrOpenGLDevice Device;
+    const ViewPanel &Panel;
 };
 
 } // namespace
@@ -40,5 +48,5 @@ std::unique_ptr<vrDevice> Make_Panel_Device(const DesktopApplication &applicatio
     }
     auto surface = vrEGLSurface::Create_On_Window(display, reinterpret_cast<uintptr_t>(panel.Get_Handle()), error);
     if (!surface) return nullptr;
-    return std::make_unique<PanelDevice>(std::move(surface));
+    return std::make_unique<PanelDevice>(std::move(surface), panel);
 }

@@ -17,7 +17,10 @@
 #include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QScreen>
+#include <QTimer>
 #include <QWindow>
 
 #include <cstdio>
@@ -58,6 +61,17 @@ void Type(QLineEdit &line, const QString &text)
 
 } // namespace
 
+/// Nobody is there to answer: a box is a failure, and the session goes on to its end.
+void ScreenshotSession::Answer_Boxes()
+{
+    auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+    if (!box) return;
+    hadBox = true;
+    std::fprintf(stderr, "%s: %s\n", qPrintable(box->windowTitle()), qPrintable(box->text()));
+    QAbstractButton *cancel = box->button(QMessageBox::Cancel);
+    (cancel ? cancel : box->buttons().constFirst())->click();
+}
+
 bool ScreenshotSession::Check(bool holds, const char *what) const
 {
     if (!holds) std::fprintf(stderr, "The session failed: %s\n", what);
@@ -80,6 +94,9 @@ bool ScreenshotSession::Shoot(QWidget &widget, const char *name)
 
 bool ScreenshotSession::Run()
 {
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, &form, [this] { Answer_Boxes(); });
+    watch.start(SETTLE_MILLISECONDS);
     QDir().mkpath(QString::fromStdString(directory));
     form.Set_Location({0, 0});
     form.Set_Size({1500, 860});
@@ -88,7 +105,7 @@ bool ScreenshotSession::Run()
     const bool succeeded =
         Shoot(form, "start") && Scan() && Find_Layers() && Edit() && Look() && Save() && Show_Looks();
     form.close();
-    return succeeded;
+    return succeeded && !hadBox;
 }
 
 bool ScreenshotSession::Scan()
@@ -107,9 +124,11 @@ bool ScreenshotSession::Find_Layers()
         const bool isShown = form.Get_Model().Get_Search_Text(row).contains("smoke");
         if (isShown && effects.insert(&form.Get_Model().Get_Row(row)->Get_EmitterData()).second) layers.push_back(row);
     }
+    if (!Check(layers.size() == EDITED_EFFECTS, "there are no five effects with smoke")) return false;
     form.Get_Table().Select_Source_Rows(layers);
+    form.Get_Table().Set_Current_Source_Row(layers[1]);
     form.Get_Table().setFocus();
-    return Check(layers.size() == EDITED_EFFECTS, "there are no five effects with smoke") && Shoot(form, "selected");
+    return Shoot(form, "selected");
 }
 
 bool ScreenshotSession::Edit()
@@ -142,6 +161,7 @@ bool ScreenshotSession::Look()
     form.Set_Preview(true);
     DesktopSceneViewForm &view = *application.Get_View_Form();
     view.Set_Location({60, 40});
+    view.Set_Size({960, 720});
     auto *modes = view.findChild<QComboBox *>("viewMode");
     const struct
     {
@@ -151,6 +171,7 @@ bool ScreenshotSession::Look()
     for (const auto &[mode, name] : stations) {
         modes->setCurrentIndex(mode);
         view.Get_Actions().ResetAnimation->trigger();
+        if (!view.Get_Actions().Statistics->isChecked()) view.Get_Actions().Statistics->trigger();
         view.raise();
         Wait(PLAY_MILLISECONDS);
         if (!Shoot(view, name)) return false;

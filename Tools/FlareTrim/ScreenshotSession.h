@@ -31,6 +31,7 @@ private:
     bool Save();
     bool Show_Looks();
 
+    void Answer_Boxes();
     /// What the widget has on the screen, or would have on one.
     bool Shoot(QWidget &widget, const char *name);
     bool Check(bool holds, const char *what) const;
@@ -39,4 +40,5 @@ private:
     DesktopMainForm &form;
     std::string directory;
     std::vector<int> layers; ///< source rows
+    bool hadBox = false;
 };

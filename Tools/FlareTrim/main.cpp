@@ -9,6 +9,7 @@
 #include "Headless/HeadlessForms.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 namespace
@@ -31,6 +32,11 @@ int Run_Headless()
     return code == 0 && succeeded ? 0 : 1;
 }
 
+bool Has_Screen()
+{
+    return std::getenv("DISPLAY") || std::getenv("WAYLAND_DISPLAY") || std::getenv("QT_QPA_PLATFORM");
+}
+
 std::unique_ptr<PreviewDriver> Make_Preview(const DesktopApplication &application)
 {
     return std::make_unique<ScenePreview>(
@@ -51,12 +57,18 @@ int Run_Screenshots(int argc, char **argv, const char *directory)
 
 int main(int argc, char **argv)
 {
+    const bool isOption = argc > 1 && std::strncmp(argv[1], "--", 2) == 0;
     if (argc == 2 && std::strcmp(argv[1], "--headless") == 0) return Run_Headless();
-    if (argc == 3 && std::strcmp(argv[1], "--screenshots") == 0) return Run_Screenshots(argc, argv, argv[2]);
-    if (argc > 1 && argv[1][0] == '-' && argv[1][1] == '-') {
+    const bool wantsPictures = argc == 3 && std::strcmp(argv[1], "--screenshots") == 0;
+    if (isOption && !wantsPictures) {
         std::fputs(USAGE, stdout);
         return std::strcmp(argv[1], "--help") == 0 ? 0 : 2;
     }
+    if (!Has_Screen()) {
+        std::fputs("There is no screen here. Run the tool under xvfb-run, or with --headless.\n", stderr);
+        return 2;
+    }
+    if (wantsPictures) return Run_Screenshots(argc, argv, argv[2]);
     DesktopApplication application(argc, argv);
     return Run_Tool(application, Make_Preview(application));
 }

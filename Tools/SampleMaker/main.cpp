@@ -1,5 +1,6 @@
 #include "SampleMaker/OldCampfire.h"
 #include "SampleMaker/PictureSheet.h"
+#include "SampleMaker/ReferencePage.h"
 
 #include "common/ArchiveBuilder.h"
 
@@ -47,6 +48,7 @@ int main(int argc, char **argv)
         const std::string_view what = argc > 2 ? argv[1] : "";
         if (what == "old-campfire" && argc == 3) return Make_Old_Campfire(argv[2]);
         if (what == "sheet" && argc > 4) return Make_Sheet(argv[2], std::atoi(argv[3]), argv + 4, argc - 4);
+        if (what == "reference" && argc == 3) return MKTest::Write_Whole_File(argv[2], Make_Reference_Page()), 0;
         if (what == "archive" && argc > 3) return Make_Archive(argv[2], argv + 3, argc - 3);
     } catch (const std::exception &error) {
         std::fprintf(stderr, "SampleMaker: %s\n", error.what());
@@ -54,6 +56,7 @@ int main(int argc, char **argv)
     }
     std::fprintf(stderr, "usage: SampleMaker old-campfire OUT.vro\n"
                          "       SampleMaker archive OUT.meg NAME=FILE...\n"
+                         "       SampleMaker reference OUT.md\n"
                          "       SampleMaker sheet OUT.png COLUMNS NAME=PICTURE.png...\n");
     return 2;
 }

@@ -2,6 +2,7 @@
 
 #include "vro/OutputFile.h"
 #include "vro/ParameterJson.h"
+#include "vro/PluginReference.h"
 
 #include "vrGraphics/plugins/vrMKPPluginTable.h"
 
@@ -57,21 +58,27 @@ Json Reference_Of(const vrMKPPlugin &plugin, const vrMKPPluginInfo &info)
 
 } // namespace
 
-int Run_Plugins(bool asJson)
+Json Get_Plugin_Reference()
 {
     Json kinds = Json::array();
-    RAMFileClass pages;
-    pages.Open("plugins", MKPlatform::FILE_OPEN_GENERIC_WRITE);
-    for (uint32_t id = 0; id < VRMKP_PLUGIN_COUNT; ++id) {
-        const SmartPtr<vrMKPPlugin> plugin = vrMKPPlugin::Create_Plugin(id);
-        if (asJson)
-            kinds.push_back(Reference_Of(*plugin, *Find_Plugin_Info(static_cast<int>(id))));
-        else
-            plugin->Dump_Plugin(pages);
+    for (uint32_t id = 0; id < VRMKP_PLUGIN_COUNT; ++id)
+        kinds.push_back(Reference_Of(*SmartPtr<vrMKPPlugin>(vrMKPPlugin::Create_Plugin(id)),
+                                     *Find_Plugin_Info(static_cast<int>(id))));
+    return kinds;
+}
+
+int Run_Plugins(bool asJson)
+{
+    std::string text;
+    if (asJson) {
+        text = To_Text(Get_Plugin_Reference());
+    } else {
+        RAMFileClass pages;
+        pages.Open("plugins", MKPlatform::FILE_OPEN_GENERIC_WRITE);
+        for (uint32_t id = 0; id < VRMKP_PLUGIN_COUNT; ++id)
+            SmartPtr<vrMKPPlugin>(vrMKPPlugin::Create_Plugin(id))->Dump_Plugin(pages);
+        text.assign(reinterpret_cast<const char *>(pages.Get_Buffer()), static_cast<size_t>(pages.Get_Size()));
     }
-    const std::string text = asJson ? To_Text(kinds)
-                                    : std::string(reinterpret_cast<const char *>(pages.Get_Buffer()),
-                                                  static_cast<size_t>(pages.Get_Size()));
     std::string error;
     return Write_Output("-", text, error) ? EXIT_WELL : Fail("standard output", error);
 }

@@ -175,6 +175,28 @@ TEST_F(DeviceGLTest, DrawsTheSameAfterTheContextWasLost)
     EXPECT_EQ(Reports.Count_Logs("The graphics device is back"), 3);
 }
 
+TEST_F(DeviceGLTest, EndsAFrameWhoseContextIsLostInItsMiddle)
+{
+    auto shader = Make_Effect("Color", "outColor = color;");
+    Begin();
+    Draw_Quad(*shader, -1, 1, 1, -1, VR_WHITE);
+    Surface->Lose_Context();
+    vrLitVertex *vertices = nullptr;
+    if (Driver().Begin_Lit_Vertices(VR_PRIMITIVE_QUADS, 4, &vertices)) {
+        Fill_Quad(vertices, -1, 1, 1, -1, VR_WHITE);
+        Finish(*shader);
+    }
+    Driver().Copy_Target_To(Driver().Get_Full_Screen_Target(SceneImage_RT));
+    Driver().End_Frame();
+    Driver().Page_Flip(true);
+    EXPECT_FALSE(vrGraphicsDriver::Is_Inside_Frame());
+    ASSERT_TRUE(Device->Is_Device_Operational());
+    Begin();
+    Draw_Quad(*shader, -1, 1, 1, -1, Pack_Color(1, 2, 3, 255));
+    End();
+    EXPECT_THAT(At(5, 5), ElementsAre(1, 2, 3));
+}
+
 TEST_F(DeviceGLTest, SkipsFramesWhileTheDeviceStaysAway)
 {
     Device.reset();

@@ -70,6 +70,14 @@ TEST_F(EffectsGLTest, TellsFileAndLineOfAnErrorAndDrawsAllTheSame)
     EXPECT_TRUE(Reports.Has_Log("nowhere")) << Reports.Get_Text();
 }
 
+TEST_F(EffectsGLTest, TellsTheIncludedFileThatAnErrorIsIn)
+{
+    Folder.Write("Part.mksh", "shared fragment\n{\nvec4 Part()\n{\nreturn nowhere;\n}\n}\n");
+    Make_Effect("Whole", "outColor = Part();", "include \"Part.mksh\"\n");
+    EXPECT_TRUE(Reports.Has_Log("Part.mksh:5")) << Reports.Get_Text();
+    EXPECT_FALSE(Reports.Has_Log("Whole.mks:")) << Reports.Get_Text();
+}
+
 TEST_F(EffectsGLTest, FallsBackWhenWhatAnotherThreadAskedForDoesNotCompile)
 {
     SmartPtr<vrShaderInstance> broken;

@@ -15,7 +15,7 @@ void ThreadWrapperTaskList::Add(ThreadWrapperTask *task)
 
 bool ThreadWrapperTaskList::Remove(const ThreadWrapperTask *task)
 {
-    MK_ASSERT(!ExecutingTasks, "!ExecutingTasks");
+    if (!MK_VERIFY(!ExecutingTasks, "!ExecutingTasks")) return false; // it may be the one that runs
     const std::lock_guard guard(Lock);
     const auto found = std::find_if(Tasks.begin(), Tasks.end(), [&](const auto &entry) { return entry.get() == task; });
     if (found == Tasks.end()) return false;
@@ -33,7 +33,7 @@ bool ThreadWrapperTaskList::Remove_Checked(const ThreadWrapperTask *task)
 void ThreadWrapperTaskList::Execute_All()
 {
     ExecutingTasks = true;
-    for (const auto &task : Tasks) task->Execute();
+    for (size_t index = 0; index < Tasks.size(); ++index) Tasks[index]->Execute(); // a faulty one may add others
     Tasks.clear();
     ExecutingTasks = false;
 }

@@ -14,7 +14,8 @@ public:
     virtual void Execute() = 0;
 };
 
-/// The changes that wait for the threads to meet. Owns its tasks. A task must neither add nor remove any.
+/// The changes that wait for the threads to meet. Owns its tasks. A task must neither add nor remove any: that asserts,
+/// and what it adds runs last, what it removes stays.
 class ThreadWrapperTaskList : public MK::NoCopy
 {
 public:

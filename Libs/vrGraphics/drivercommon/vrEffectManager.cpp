@@ -159,6 +159,14 @@ std::vector<std::string> vrEffectFinder::List_Effects(std::string_view path)
     return names;
 }
 
+bool vrEffectFinder::Has_Path_Changed()
+{
+    const std::vector<MK::String> &path = vrGraphicsDriver::Get_Effects_Path();
+    if (KnownPath == path) return false;
+    KnownPath = path;
+    return true;
+}
+
 void vrEffectFinder::Report_Missing(std::string_view name)
 {
     if (!Reported.insert(Get_Key(name)).second) return;

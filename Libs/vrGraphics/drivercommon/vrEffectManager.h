@@ -41,16 +41,20 @@ protected:
     void Report_Missing(std::string_view name);
     void Report_Failure(std::string_view name, std::string_view errors);
     void Forget_Reports() { Reported.clear(); }
+    /// Whether the path list is another than it was at the last call.
+    bool Has_Path_Changed();
     /// Tells the log when an effect has neither of the two techniques that each should have.
     static void Check_Base_Level(std::string_view name, const vrEffectSource &source);
 
 private:
     std::set<MK::String> Reported;
+    std::vector<MK::String> KnownPath; ///< what was searched
 };
 
 /// `EffectType` is counted, and has
 /// `static SmartPtr<EffectType> Compile_Shader(std::string_view name, vrEffectSource &&source, std::string &errors)`,
-/// which answers null, with the reason, for what doesn't compile.
+/// which answers null, with the reason, for what doesn't compile. A change of the path list makes a manager forget
+/// everything: what was missing may be in a folder that came later.
 template <typename EffectType>
 class vrEffectManager : public vrEffectFinder
 {
@@ -59,6 +63,7 @@ public:
     /// which the log tells once a name. Null only when not even that compiles.
     SmartPtr<EffectType> Get_Effect(std::string_view name)
     {
+        Take_Path();
         const MK::String key = Get_Key(name);
         const auto known = Effects.find(key);
         if (known != Effects.end()) return known->second;
@@ -70,6 +75,7 @@ public:
     /// What `Get_Effect` answers for a name that there is none of.
     SmartPtr<EffectType> Get_Missing_Effect()
     {
+        Take_Path();
         if (!Missing) {
             vrEffectSource source;
             Read_Missing_Effect(source);
@@ -101,6 +107,11 @@ public:
     }
 
 private:
+    void Take_Path()
+    {
+        if (Has_Path_Changed()) Clear();
+    }
+
     SmartPtr<EffectType> Load_Effect(std::string_view name)
     {
         vrEffectSource source;

@@ -5,6 +5,7 @@
 #include "vrGraphics/drivercommon/vrGraphicsEnums.h"
 
 #include <algorithm>
+#include <charconv>
 #include <utility>
 
 namespace
@@ -38,9 +39,14 @@ const char *Get_GLSL_Type(vrShaderParamType type)
     }
 }
 
+/// The lines of each file start here: compilers that forget which file a line is of remember its number. More than any
+/// file has.
+constexpr int LINES_A_FILE = 1'000'000;
+static_assert(vrEffectSource::MAX_FILE_SIZE < LINES_A_FILE);
+
 void Add_Block(std::string &text, const vrEffectBlock &block)
 {
-    text += "#line " + std::to_string(block.Line) + " " + std::to_string(block.File) + "\n";
+    text += "#line " + std::to_string(block.File * LINES_A_FILE + block.Line) + " " + std::to_string(block.File) + "\n";
     text += block.Text;
     text += "\n";
 }
@@ -132,15 +138,18 @@ std::string vrEffectSource::Name_Files(std::string_view messages) const
     size_t position = 0;
     while (position < messages.size()) {
         const bool startsWord = position == 0 || messages[position - 1] == '\n' || messages[position - 1] == ' ';
-        size_t end = position;
-        size_t file = 0;
-        while (startsWord && end < messages.size() && end - position < 3 && Is_Digit(messages[end]))
-            file = file * 10 + static_cast<size_t>(messages[end++] - '0');
-        const bool isPlace = end > position && end + 1 < messages.size() && file < Files.size() &&
-                             (messages[end] == ':' || messages[end] == '(') && Is_Digit(messages[end + 1]);
-        if (isPlace) {
-            named += Files[file];
-            position = end;
+        int file = 0;
+        int line = 0;
+        const char *end = messages.data() + messages.size();
+        const auto number = std::from_chars(messages.data() + position, end, file);
+        const bool isNumber = startsWord && Is_Digit(messages[position]) && number.ec == std::errc();
+        const bool isPlace =
+            isNumber && number.ptr + 1 < end && (*number.ptr == ':' || *number.ptr == '(') && Is_Digit(number.ptr[1]);
+        const auto rest = isPlace ? std::from_chars(number.ptr + 1, end, line) : number;
+        if (isPlace && line >= LINES_A_FILE) file = line / LINES_A_FILE;
+        if (isPlace && rest.ec == std::errc() && static_cast<size_t>(file) < Files.size()) {
+            named += Files[static_cast<size_t>(file)] + *number.ptr + std::to_string(line % LINES_A_FILE);
+            position = static_cast<size_t>(rest.ptr - messages.data());
         } else {
             named += messages[position++];
         }

@@ -134,9 +134,10 @@ public:
     /// level below `SHADER_LOD_MAX`. -1 for an empty source.
     int Choose_Technique(int lod) const;
     /// The whole text for a compiler: prelude, parameters, shared blocks and the pass's own, with `#line` directives
-    /// that count files by their place in `Get_Files`.
+    /// that count files by their place in `Get_Files`, and from a million lines further on for each.
     std::string Get_Stage_Text(const vrEffectPass &pass, vrEffectStage stage) const;
-    /// A compiler's messages with the files' names in place of their numbers ("0:12(3): ..." and "0(12) : ...").
+    /// A compiler's messages with the files' names in place of their numbers ("0:12(3): ..." and "0(12) : ...") and
+    /// lines as the files have them.
     std::string Name_Files(std::string_view messages) const;
 
 private:

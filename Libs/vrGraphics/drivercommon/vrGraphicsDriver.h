@@ -29,8 +29,11 @@
 
 class vrCamera;
 class vrLightContext;
+class vrLightSource;
 class vrRenderContext;
 struct Mat3DClass;
+struct vrBounds;
+struct vrLightField;
 struct vrPicture2D;
 
 enum vrRendererTypeEnum : int
@@ -110,11 +113,13 @@ class vrGraphicsDriver
 {
 public:
     static constexpr int MAX_SHARED_FULLSCREEN_RTS = 4;
+    static constexpr int GAMMA_TABLE_RESOLUTION = ::GAMMA_TABLE_RESOLUTION;
+    static constexpr int GAMMA_TABLE_ENTRIES_COUNT = ::GAMMA_TABLE_ENTRIES_COUNT;
 
     // Bits of the toggleable states that this system reads. The others steer what it doesn't have.
     static constexpr uint64_t STATE_RENDERABLES = 0x1;
     static constexpr uint64_t STATE_TERRAIN = 0x2;
-    static constexpr uint64_t STATE_PARTICLES = 0x100;
+    static constexpr uint64_t STATE_PARTICLES = 0x8;
     static constexpr uint64_t STATE_LIGHT_FIELD = 0x80;
     static constexpr uint64_t STATE_THINK = 0x20000;
     static constexpr uint64_t STATE_HEAT_TARGET =
@@ -190,6 +195,12 @@ public:
     /// Draws the tasks of a context, phase by phase, runs the post-effects, and empties the lists.
     virtual void Render_Tasks(vrRenderContext &context) = 0;
     virtual void Prepare_For_Scene() {}
+    /// Of a normal render with the forward renderer, ahead of its tasks. What is given is the scene's, and stays as it
+    /// is until the next one.
+    virtual void Update_Light_Field(const vrLightField & /*field*/,
+                                    const std::vector<const vrLightSource *> & /*lights*/, const vrBounds & /*bounds*/)
+    {
+    }
     virtual vrDriverType Get_Driver_Type() const = 0;
     uint64_t Get_Main_Thread_Id() const { return MainThreadId; }
     /// Markers for debuggers around what goes on between.

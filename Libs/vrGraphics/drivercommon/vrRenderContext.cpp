@@ -10,6 +10,14 @@
 #include <chrono>
 #include <functional>
 
+namespace
+{
+
+/// So that a thread that is done early finds more to do, and handing out doesn't cost more than the work.
+constexpr int RANGES_A_THREAD = 8;
+
+} // namespace
+
 thread_local std::vector<std::unique_ptr<vrRenderContext::TaskLists>> vrRenderContext::SpareLists;
 
 vrRenderContext::vrRenderContext(vrCamera *cam) : Camera(cam)
@@ -74,7 +82,8 @@ void vrRenderContext::Pre_Render_Owners()
         return;
     }
     const bool wasParallel = RenderThread::InParallelSection.exchange(true);
-    ThreadPool::Parallel_For(0, owners, 1, [this](int first, int last) {
+    const int grain = std::max(1, owners / (ThreadPool::Get_Thread_Count() * RANGES_A_THREAD));
+    ThreadPool::Parallel_For(0, owners, grain, [this](int first, int last) {
         for (int owner = first; owner < last; ++owner) Pre_Render_Owner(owner);
     });
     RenderThread::InParallelSection = wasParallel;

@@ -123,8 +123,8 @@ public:
     /// Places what depends on the view, picks what is drawn, and builds its vertices.
     void Pre_Render(const vrPreRenderContext &context);
     void Render(vrRenderContext &context);
-    /// Whether `Get_Bounds` is around what the layer draws in every view.
-    bool Has_Bounds() const { return !Is_View_Dependent() && !Is_Hardware(); }
+    /// The box around what the layer draws in every view; false where it's placed anew for each. Expects a buffer.
+    bool Get_Cull_Box(vrBounds &box) const;
     /// Whether the layer has particles, or may get some without its parent's.
     bool Has_Work() const;
     bool Needs_Serial_Frame() const;

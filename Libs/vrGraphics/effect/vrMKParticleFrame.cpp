@@ -298,6 +298,12 @@ void vrMKParticle::Select_Visible_Particles(const vrPreRenderContext &context)
     Visualizer->Select_Visible_Particles(*Buffer, context);
 }
 
+bool vrMKParticle::Get_Cull_Box(vrBounds &box) const
+{
+    box = Visualizer ? Visualizer->Get_Cull_Box(*Buffer, Bounds) : Bounds;
+    return !Is_View_Dependent();
+}
+
 bool vrMKParticle::Take_Part(const vrRenderContext &context)
 {
     TakesPart = Buffer && Buffer->Active && Visualizer && !Is_Suspended() &&

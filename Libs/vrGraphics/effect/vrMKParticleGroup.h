@@ -105,6 +105,8 @@ private:
     bool Load_Legacy_Lights(ChunkFile::ChunkFileReaderClass &reader);
     bool Load_Legacy_Physics(ChunkFile::ChunkFileReaderClass &reader);
     bool Split_Off_Model(vrMKPAttachedModelParameters *parameters);
+    template <typename Get>
+    vrBounds Merge_Boxes(Get &&get) const;
     void Count_Work();
     void Update_Lights();
 

@@ -147,7 +147,9 @@ void vrMKParticleGroup::Update_Lights()
     }
 }
 
-vrBounds vrMKParticleGroup::Get_Bounds() const
+/// The box around those that `get` answers for the layers that play.
+template <typename Get>
+vrBounds vrMKParticleGroup::Merge_Boxes(Get &&get) const
 {
     Vector3 lowest = Get_State().Get_Position();
     Vector3 highest = lowest;
@@ -155,7 +157,7 @@ vrBounds vrMKParticleGroup::Get_Bounds() const
     for (const auto &particle : Particles) {
         const vrMKPBuffer *buffer = particle->Get_Buffer();
         if (!buffer || !buffer->Active || particle->Is_Suspended()) continue;
-        const vrBounds &box = particle->Get_Bounds();
+        const vrBounds box = get(*particle);
         lowest = isFirst ? box.Center - box.Extent : glm::min(lowest, box.Center - box.Extent);
         highest = isFirst ? box.Center + box.Extent : glm::max(highest, box.Center + box.Extent);
         isFirst = false;
@@ -163,10 +165,20 @@ vrBounds vrMKParticleGroup::Get_Bounds() const
     return {(lowest + highest) * 0.5f, (highest - lowest) * 0.5f};
 }
 
+vrBounds vrMKParticleGroup::Get_Bounds() const
+{
+    return Merge_Boxes([](const vrMKParticle &particle) { return particle.Get_Bounds(); });
+}
+
 bool vrMKParticleGroup::Get_Cull_Box(vrBounds &box) const
 {
-    box = Get_Bounds();
-    return std::all_of(Particles.begin(), Particles.end(), [](const auto &particle) { return particle->Has_Bounds(); });
+    bool hasBox = true;
+    box = Merge_Boxes([&hasBox](const vrMKParticle &particle) {
+        vrBounds part;
+        hasBox &= particle.Get_Cull_Box(part);
+        return part;
+    });
+    return hasBox;
 }
 
 void vrMKParticleGroup::Collect(vrRenderContext &context)

@@ -1,5 +1,6 @@
 #include "vrGraphics/postfx/vrPostFxManager.h"
 
+#include "MKLib/MKDebug/Logger.h"
 #include "vrGraphics/drivercommon/vrCamera.h"
 #include "vrGraphics/drivercommon/vrRenderContext.h"
 
@@ -7,6 +8,8 @@
 
 namespace
 {
+
+MKDebug::Logger VorenLog("VorenLog");
 
 constexpr const char *STRETCH_RECT_EFFECT = "PostFxStretchRect";
 
@@ -102,7 +105,11 @@ bool vrPostFxManager::Init()
 bool vrPostFxManager::Load_Chain(const char *fileName)
 {
     Chosen.clear();
-    return Chain.Load_Template(fileName, Driver);
+    const bool isWhole = Chain.Load_Template(fileName, Driver);
+    if (!Chain.Get_Effects().empty() && !Can_Display())
+        MK_LOG(VorenLog, MKDebug::LogLevel::Warning, "PostFx: the effects of %s stay off, since there is no shader %s",
+               fileName, STRETCH_RECT_EFFECT);
+    return isWhole;
 }
 
 void vrPostFxManager::Choose_Effects(const vrRenderContext &context)

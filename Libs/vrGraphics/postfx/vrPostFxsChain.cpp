@@ -89,6 +89,16 @@ bool Read_Quad_Max(XMLDatabase &xml, vrPostFxStep &step)
     return true;
 }
 
+/// Of the step's shader; -1 when it has none of that name, which isn't enough to refuse the step.
+int Find_Parameter(const vrPostFxStep &step, const std::string &name)
+{
+    const int index = step.Shader->Get_Parameter_Index(name);
+    if (index < 0)
+        MK_LOG(VorenLog, LogLevel::Warning, "PostFx: the shader %s of the step %s has no parameter %s",
+               step.Shader->Get_Name(), step.Name.c_str(), name.c_str());
+    return index;
+}
+
 /// Opens a file of a folder below the post-effects path, which a name can't lead out of.
 bool Open(XMLDatabase &xml, std::string_view folder, std::string_view fileName)
 {
@@ -162,7 +172,7 @@ bool vrPostFxsChain::Load_PostFxSteps(XMLDatabase &xml, vrPostFx &effect)
 bool vrPostFxsChain::Load_PostFxStep(XMLDatabase &xml, vrPostFx &effect, vrPostFxStep &step)
 {
     step.Name = Attribute_Of(xml, "template_file");
-    if (!Load_Step_Template(step)) return false;
+    if (!Load_Step_Template(step)) return Refuse("a step can't be read:", step.Name);
     if (!xml.Enter_First_Child()) {
         // A step without anything in it takes what its template says.
         if (Value_Of(xml).empty()) return true;
@@ -192,7 +202,8 @@ bool vrPostFxsChain::Load_PostFxStep_Params(XMLDatabase &xml, vrPostFx &effect)
 bool vrPostFxsChain::Load_Step_Template(vrPostFxStep &step)
 {
     XMLDatabase xml;
-    if (!Open(xml, "PostFxSteps\\", step.Name) || !xml.Enter_First_Child()) return false;
+    if (!Open(xml, "PostFxSteps\\", step.Name)) return false;
+    if (!xml.Enter_First_Child()) return Refuse("there is nothing in the step", step.Name);
     std::vector<std::pair<std::string, vrPostFxValue>> constants;
     do {
         if (xml.Is_Key("Shader")) step.Shader = Driver->Create_Shader_Instance(Value_Of(xml));
@@ -213,9 +224,8 @@ bool vrPostFxsChain::Load_Step_Template(vrPostFxStep &step)
 
     // A full-screen effect that is missing would hide the picture, so nothing stands in for it.
     if (!step.Shader || step.Shader->Is_Missing_Effect()) return Refuse("no shader for the step", step.Name);
-    for (const auto &[name, value] : constants) value.Set_On(*step.Shader, step.Shader->Get_Parameter_Index(name));
-    for (vrPostFxStep::Binding &binding : step.Params)
-        binding.ShaderIndex = step.Shader->Get_Parameter_Index(binding.Name);
+    for (const auto &[name, value] : constants) value.Set_On(*step.Shader, Find_Parameter(step, name));
+    for (vrPostFxStep::Binding &binding : step.Params) binding.ShaderIndex = Find_Parameter(step, binding.Name);
     return true;
 }
 

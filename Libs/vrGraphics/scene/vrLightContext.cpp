@@ -125,7 +125,7 @@ bool vrLightContext::Load(ChunkFileReaderClass *reader)
     if (!MK_VERIFY(reader != nullptr, "reader == NULL")) return false;
     *this = vrLightContext();
     bool isGood = true;
-    int32_t statedCount = 0;
+    int32_t statedCount = -1; // none stated
     while (reader->Open_Chunk()) {
         switch (reader->Cur_Chunk_ID()) {
         case CHUNK_VARS: isGood &= Load_Variables(*reader); break;
@@ -138,7 +138,7 @@ bool vrLightContext::Load(ChunkFileReaderClass *reader)
         }
         isGood &= reader->Close_Chunk();
     }
-    return isGood && !reader->Is_Damaged() && statedCount == Get_Light_Count();
+    return isGood && !reader->Is_Damaged() && (statedCount == -1 || statedCount == Get_Light_Count());
 }
 
 bool vrLightContext::Load_Variables(ChunkFileReaderClass &reader)

@@ -147,6 +147,7 @@ void vrScene::Refresh_Light_Field()
               [](const vrLightSource *left, const vrLightSource *right) {
                   return left->Get_Intensity() > right->Get_Intensity();
               });
+    if (TheGraphicsDriver) TheGraphicsDriver->Update_Light_Field(*LightField, LightField->Lights, LightField->Bounds);
 }
 
 void vrScene::Process_Think_List(float dt)

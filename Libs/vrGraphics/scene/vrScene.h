@@ -163,7 +163,7 @@ protected:
     vrScene();
     vrRenderTaskPool &Get_Tasks() { return Tasks; }
     std::span<const SmartPtr<vrSceneEffect>> Get_Effects() const { return Effects; }
-    /// Sorts the lights anew.
+    /// Sorts the lights anew and hands them to the driver.
     void Refresh_Light_Field();
     /// Whether a frame runs, in which nothing leaves.
     bool Is_In_Update() const { return InUpdate; }

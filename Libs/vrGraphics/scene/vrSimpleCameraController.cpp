@@ -92,7 +92,7 @@ bool vrSimpleCameraController::On_Mouse_Move(float dx, float dy, bool zoom, floa
         return true;
     }
     if (IsRotating) {
-        Turn(dx * scale, dy * scale);
+        Turn(dx, dy, scale);
         return true;
     }
     if (!IsPanning) return false;
@@ -100,10 +100,10 @@ bool vrSimpleCameraController::On_Mouse_Move(float dx, float dy, bool zoom, floa
     return true;
 }
 
-void vrSimpleCameraController::Turn(float dx, float dy)
+void vrSimpleCameraController::Turn(float dx, float dy, float scale)
 {
-    Yaw.Target += YawRate * TimeStep * dx;
-    Pitch.Target = std::clamp(Pitch.Target - PitchRate * TimeStep * dy, MinimumPitch, MaximumPitch);
+    Yaw.Target += YawRate * TimeStep * dx * scale;
+    Pitch.Target = std::clamp(Pitch.Target - PitchRate * TimeStep * dy * scale, MinimumPitch, MaximumPitch);
     if (Yaw.Target > TURN)
         Yaw.Target = std::fmod(Yaw.Target, TURN);
     else if (Yaw.Target < 0.0f)

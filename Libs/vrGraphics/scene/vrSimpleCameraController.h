@@ -67,7 +67,7 @@ private:
 
     static void Step_Angle(Spring<float> &spring, float dt);
     void Place();
-    void Turn(float dx, float dy);
+    void Turn(float dx, float dy, float scale);
     void Pan(float dx, float dy);
 
     float TimeStep = 0.0333333351f;

@@ -63,7 +63,9 @@ private:
     };
 
     std::vector<ListEntry>::const_iterator Find(const vrRenderable *renderable) const;
+    void Tell_Driver(vrCamera &camera, vrRenderModeType mode) const;
     void Set_Render_Parameters(vrRenderModeType mode) const;
+    void Pre_Render_Effects(vrRenderContext &context);
     void Start_Rendering(vrRenderContext &context);
     void Collect_All(vrRenderContext &context, const vrCamera &camera);
     void Collect_One(vrRenderContext &context, vrRenderable &renderable) const;

@@ -60,13 +60,8 @@ void vrSimpleScene::Render(vrCamera *camera, vrRenderModeType mode, bool /*flag*
 
     vrGraphicsDriver *driver = TheGraphicsDriver;
     const vrRenderModeType previous = driver ? driver->Get_Render_Mode() : mode;
-    if (driver) {
-        driver->Set_Camera(camera);
-        Set_Render_Parameters(mode);
-        driver->Set_Render_Mode(mode, nullptr);
-        driver->Set_Light_Context(Get_Light_Context());
-    }
-    for (const auto &effect : Get_Effects()) effect->Pre_Render(context);
+    if (driver) Tell_Driver(*camera, mode);
+    Pre_Render_Effects(context);
     Start_Rendering(context);
     if (driver) {
         driver->Render_Tasks(context);
@@ -77,6 +72,26 @@ void vrSimpleScene::Render(vrCamera *camera, vrRenderModeType mode, bool /*flag*
     if (!driver) return;
     driver->Set_Fog_Enabled(false);
     driver->Set_Render_Mode(previous, nullptr);
+}
+
+void vrSimpleScene::Tell_Driver(vrCamera &camera, vrRenderModeType mode) const
+{
+    TheGraphicsDriver->Set_Camera(&camera);
+    Set_Render_Parameters(mode);
+    TheGraphicsDriver->Set_Render_Mode(mode, nullptr);
+    TheGraphicsDriver->Set_Light_Context(Get_Light_Context());
+}
+
+/// An effect may add others, and may render a scene into a target of its own: the driver is then told of this one
+/// again.
+void vrSimpleScene::Pre_Render_Effects(vrRenderContext &context)
+{
+    if (Get_Effects().empty()) return;
+    for (size_t index = 0; index < Get_Effects().size(); ++index) {
+        const SmartPtr<vrSceneEffect> effect = Get_Effects()[index];
+        effect->Pre_Render(context);
+    }
+    if (TheGraphicsDriver) Tell_Driver(*context.Camera, context.Mode);
 }
 
 void vrSimpleScene::Set_Render_Parameters(vrRenderModeType mode) const

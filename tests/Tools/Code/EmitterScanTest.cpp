@@ -115,10 +115,12 @@ TEST(EmitterScan, ADamagedEmitterEndsTheScanUntilTheNextOne)
     EXPECT_FALSE(tool.form->Are_Settings_Controls_Enabled());
     EXPECT_EQ(tool.core.Get_Emitter_List()->size(), 1u) << "what was loaded before stays";
     EXPECT_TRUE(tool.reports.Has_Log("b.vro")) << tool.reports.Get_Text();
+    EXPECT_THAT(tool.form->Get_Scan_Failure(), testing::HasSubstr("b.vro is an emitter file that can't be loaded"));
     EXPECT_TRUE(tool.application.Get_Message_Boxes().empty());
 
     std::filesystem::remove(tool.Model_Path("b.vro"));
     tool.Scan();
+    EXPECT_EQ(tool.form->Get_Scan_Failure(), "");
     EXPECT_EQ(tool.Row_Count(), 1);
     EXPECT_TRUE(tool.form->Are_Settings_Controls_Enabled());
     // The handlers stand again, and once.

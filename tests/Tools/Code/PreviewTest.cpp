@@ -1,5 +1,6 @@
 #include "Code/EmitterData.h"
 #include "Code/ParticleData.h"
+#include "MKLib/EnumConverter.h"
 #include "Tools/Code/RecordingPreview.h"
 #include "Tools/Code/ToolFixture.h"
 #include "vrGraphics/effect/vrMKPContext.h"
@@ -61,6 +62,7 @@ TEST(PreviewStart, BringsDeviceSceneAndTimerUp)
                                                      work + "\\Run\\DATA\\Art\\Shaders\\DX9\\ShadowMap\\"));
     EXPECT_EQ(record.paths[1].Textures.back(), work + "\\Art\\Textures\\Heat\\");
     EXPECT_EQ(record.paths[1].PostFxs, work + "\\Art\\PostFxs\\");
+    EXPECT_TRUE(EnumConverterClass::Is_Registered("vrPostFx::vrPostFxTypeEnum"));
 }
 
 TEST(PreviewStart, WithoutADeviceTheWindowStaysHiddenAndTheEditorModeIsOn)

@@ -15,6 +15,7 @@ struct PreviewRecord
 {
     std::vector<std::string> calls;
     std::vector<PreviewPaths> paths;
+    std::vector<float> steps; ///< seconds of the scene's updates
     bool hasDevice = true;
     bool alive = true;
     float cameraDistance = 550.0f;
@@ -47,7 +48,11 @@ public:
     }
     bool Is_Alive(vrMKParticleEmitter &) override { return record.alive; }
     void Update_Camera(float) override {}
-    void Update_Scene(float seconds) override { Note(seconds == 0.0f ? "update by 0" : "update"); }
+    void Update_Scene(float seconds) override
+    {
+        record.steps.push_back(seconds);
+        Note(seconds == 0.0f ? "update by 0" : "update");
+    }
     PreviewStatistics Get_Statistics() override { return {70, 30}; }
     void Render(bool axes, bool background) override
     {
@@ -63,6 +68,8 @@ public:
     void Set_Background_Image(const std::string &name) override { Note("background " + name); }
     void Enable_Heat(bool enabled) override { Note(enabled ? "heat on" : "heat off"); }
     void Enable_Bloom(bool enabled) override { Note(enabled ? "bloom on" : "bloom off"); }
+    void Enable_Ground_Plane(bool enabled) override { Note(enabled ? "ground on" : "ground off"); }
+    void Enable_Target(bool enabled) override { Note(enabled ? "target on" : "target off"); }
 
 private:
     static std::string Name(const vrMKParticleEmitter &emitter)

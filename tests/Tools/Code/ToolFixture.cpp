@@ -55,9 +55,14 @@ SmartPtr<vrMKParticleEmitter> Make_Emitter(const std::vector<Layer> &layers)
 
 void Write_Emitter(const std::string &path, const std::vector<Layer> &layers)
 {
+    Write_Emitter(path, *Make_Emitter(layers));
+}
+
+void Write_Emitter(const std::string &path, vrMKParticleEmitter &emitter)
+{
     FileClass file(path);
     ChunkFileWriterClass writer(&file, 129, 6, false);
-    if (!Make_Emitter(layers)->Save(&writer) || !writer.Close()) throw std::runtime_error("can't write " + path);
+    if (!emitter.Save(&writer) || !writer.Close()) throw std::runtime_error("can't write " + path);
 }
 
 void Write_Model(const std::string &path)

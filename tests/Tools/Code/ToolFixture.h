@@ -39,6 +39,7 @@ Layer Plain_Layer(const std::string &name = "flames");
 /// An emitter with one group of these layers; count 0.
 SmartPtr<vrMKParticleEmitter> Make_Emitter(const std::vector<Layer> &layers);
 void Write_Emitter(const std::string &path, const std::vector<Layer> &layers);
+void Write_Emitter(const std::string &path, vrMKParticleEmitter &emitter);
 /// A chunk file whose root isn't an emitter's.
 void Write_Model(const std::string &path);
 /// Reads the file anew, apart from the tool.

@@ -52,6 +52,15 @@ TEST(Documentation, ManualAndCompletionKnowEveryOptionAndNoOther)
     }
 }
 
+/// What to do about a failure: run scripts/plugin-reference.
+TEST(Documentation, ThePluginReferenceIsTheEnginesOwn)
+{
+    const vroTest::Workshop shop;
+    const std::string page = shop.Directory / "reference.md";
+    ASSERT_EQ(std::system((std::string(SAMPLE_MAKER) + " reference '" + page + "'").c_str()), 0);
+    EXPECT_EQ(Read_Text_File(page), Read_Text_File(PROJECT_ROOT "/docs/plugin-reference.md"));
+}
+
 TEST(Documentation, ManualAndCompletionKnowEveryEncoding)
 {
     const std::string completion = Read_Text_File(PROJECT_ROOT "/completions/vro.bash");

@@ -200,7 +200,7 @@ TEST(EffectSource, TakesEachIncludedFileOnce)
                                              &includer);
     EXPECT_THAT(source.Get_Files(), ElementsAre("a.mks", "outer.mksh", "inner.mksh"));
     const std::string vertex = source.Get_Stage_Text(source.Get_Techniques()[0].Passes[0], vrEffectStage::Vertex);
-    EXPECT_THAT(vertex, HasSubstr("#line 3 2\n\ninner \n#line 3 1\n outer \n#line 2 2\n plain \n"));
+    EXPECT_THAT(vertex, HasSubstr("#line 2000003 2\n\ninner \n#line 1000003 1\n outer \n#line 2000002 2\n plain \n"));
 }
 
 TEST(EffectSource, NamesTheIncludedFileThatItRefuses)
@@ -245,6 +245,11 @@ TEST(EffectSource, PutsFileNamesIntoCompilersMessages)
         {"fine\n1(7) : error C1", "fine\nb.mksh(7) : error C1"},
         {"ERROR: 1:2: 'x' : no", "ERROR: b.mksh:2: 'x' : no"},
         {"2:4: error", "2:4: error"},
+        // Some compilers call every file 0.
+        {"0:1000012(3): error", "b.mksh:12(3): error"},
+        {"1(1000007) : error", "b.mksh(7) : error"},
+        {"0:2000001: error", "0:2000001: error"},
+        {"0:99999999999: error", "0:99999999999: error"},
         {"vec4:0 10", "vec4:0 10"},
         {"99999999999999999999:1", "99999999999999999999:1"},
         {"1:", "1:"},

@@ -11,7 +11,9 @@
 
 #include <gmock/gmock.h>
 
+#include <cmath>
 #include <cstring>
+#include <limits>
 
 namespace
 {
@@ -197,9 +199,9 @@ TEST_F(GroupRender, WhatIsHiddenSuspendedEmptyOrEndedDrawsNothing)
     group.Get_Particle(0)->Set_Hidden_By_LOD(true);
     EXPECT_THAT(Render(), IsEmpty());
     group.Get_Particle(0)->Set_Hidden_By_LOD(false);
-    vrGraphicsDriver::Enable(vrGraphicsDriver::STATE_PARTICLES, false);
+    vrGraphicsDriver::Enable(0x8, false);
     EXPECT_THAT(Render(), IsEmpty());
-    vrGraphicsDriver::Enable(vrGraphicsDriver::STATE_PARTICLES, true);
+    vrGraphicsDriver::Enable(0x8, true);
     EXPECT_EQ(Render().size(), 2u);
     group.Get_Outcome().Killed = true;
     EXPECT_THAT(Render(), IsEmpty());
@@ -234,6 +236,31 @@ TEST_F(GroupRender, IsCulledByItsParticlesUnlessTheyDependOnTheView)
     ASSERT_TRUE(group.Get_Particle(0)->Get_Transformer()->Needs_Camera());
     EXPECT_FALSE(Emitter->Get_Cull_Box(box));
     EXPECT_EQ(Render().size(), 2u);
+}
+
+TEST_F(GroupRender, IsCulledByWhatAViewMayShowOfIt)
+{
+    vrMKParticleGroup &group = Add_Group();
+    Add_Layer(group, "smoke", PARTICLES);
+    vrMKParticle &layer = *group.Get_Particle(0);
+    layer.Set_Visualizer(static_cast<vrMKPVisualizer *>(vrMKPPlugin::Create_Plugin(22)));
+    auto &offset = dynamic_cast<RangedFloatParameter &>(*layer.Get_Visualizer()->Get_Parameter_By_Name("Depth Offset"));
+    Emitter->Set_Transform(Mat3DClass::From_Translation({0.0f, 7.0f, 0.0f}));
+    Play(1);
+    vrBounds box;
+    for (const float value : {-50.0f, 50.0f, std::numeric_limits<float>::infinity()}) {
+        offset.Set_Value(value);
+        EXPECT_TRUE(Emitter->Get_Cull_Box(box));
+        for (int axis = 0; axis < 3; ++axis)
+            EXPECT_NEAR(box.Extent[axis] - group.Get_Bounds().Extent[axis], std::isfinite(value) ? 50.0f : 0.0f, 1e-4f);
+    }
+    // Those of a device may be anywhere in a box of a fixed size.
+    layer.Set_Visualizer(static_cast<vrMKPVisualizer *>(vrMKPPlugin::Create_Plugin(61)));
+    layer.Set_Spawner(static_cast<vrMKPSpawner *>(vrMKPPlugin::Create_Plugin(60)));
+    Scene.Update(0.1f);
+    EXPECT_TRUE(Emitter->Get_Cull_Box(box));
+    EXPECT_EQ(box.Center, Vector3(0.0f, 7.0f, 0.0f));
+    EXPECT_EQ(box.Extent, Vector3(5000.0f));
 }
 
 TEST_F(GroupRender, CountsWhatIsSimulated)

@@ -139,6 +139,16 @@ TEST_F(NullEffectInstance, HasTheStandInForAMissingEffect)
     EXPECT_TRUE(Reports.Has_Log("Shader Cold.mks isn't in any effects path"));
 }
 
+TEST_F(NullEffectInstance, IsFoundInAFolderThatComesLater)
+{
+    EXPECT_TRUE(Make("Cold.mks")->Is_Missing_Effect());
+    Folder.Write("later/Cold.mks", EFFECT);
+    vrGraphicsDriver::Add_Effects_Path(Folder / "later");
+    EXPECT_FALSE(Make("Cold.mks")->Is_Missing_Effect());
+    vrGraphicsDriver::Clear_Effects_Path();
+    EXPECT_TRUE(Make("Hot.mks")->Is_Missing_Effect());
+}
+
 TEST_F(NullEffectInstance, CopyTakesOverEachValue)
 {
     const SmartPtr<vrShaderInstance> from = Make("Hot"), to = Make("Hot");

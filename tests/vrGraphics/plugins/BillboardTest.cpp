@@ -301,6 +301,17 @@ TEST(Sorting, StopsAtAnAge)
     }
 }
 
+TEST(Sorting, OneAloneNotesItsPlaceForLater)
+{
+    VisualizerStage stage(kvrMKPBillboardVisualizer);
+    stage.Set("Sort", true);
+    stage.Built.State.Move_To(Mat3DClass::From_Translation({0, 0, 1}));
+    stage.Add({0, 0, 2});
+    stage.Get_Buffer().SortingRelativeToGroup[0] = -1e6f; // of whoever was in the slot before
+    EXPECT_EQ(stage.Build<vrLitVertex>().size(), 4u);
+    EXPECT_EQ(stage.Get_Buffer().SortingRelativeToGroup[0], 17.0f); // 81 - 64
+}
+
 // Around the count up to which entries are shifted about, and far beyond it; with keys of both signs, of all
 // magnitudes, and many that are equal, which keep their order.
 TEST(Sorting, AgreesWithAStableSort)
@@ -359,6 +370,14 @@ TEST(Colors, TakeTheirPathByHand)
          false,
          Pack_Color(100, 100, 255, 7),
          Pack_Color(100, 100, 255, 7)},
+        {"past white, and past black",
+         1,
+         {1.5f, -1, 1, 2},
+         1,
+         {1, 1, 2},
+         true,
+         Pack_Color(200, 100, 255, 200),
+         Pack_Color(255, 0, 255, 255)},
         // 128 is 514.0 of 1024, squared 0.25196, of 255 64.2; 100 is 402, squared 0.15412, 39.3.
         {"gamma", 2, white, 1, one, true, Pack_Color(128, 100, 255, 128), Pack_Color(64, 39, 255, 128)},
     };

@@ -211,9 +211,12 @@ TEST(VelocityAligned, DrawsNothingWithoutAFrameTime)
     for (const int kind : KINDS)
         for (const float time : {0.0f, -0.1f}) {
             Mover mover(kind);
+            mover.Set("Sort", true);
             EXPECT_EQ(mover.Build<vrLitVertex>().size(), 4u);
             mover.Built.State.FrameTime = time;
+            mover.Get_Buffer().SortingRelativeToGroup[0] = 77.0f;
             EXPECT_TRUE(mover.Build<vrLitVertex>().empty()) << kind;
+            EXPECT_EQ(mover.Get_Buffer().SortingRelativeToGroup[0], 77.0f) << "no work at all";
         }
     Mover kite(kvrMKPKiteVisualizer);
     EXPECT_TRUE(kite.Build<vrLitVertex>().empty());

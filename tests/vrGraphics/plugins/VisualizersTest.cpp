@@ -2,14 +2,11 @@
 
 #include "PluginBuilders.h"
 
-#include "MKLib/Parameters/EnumParameter.h"
 #include "MKLib/Parameters/SimpleParameters.h"
 #include "MKLib/Parameters/StringParameters.h"
-#include "vrGraphics/plugins/visualizers/HeatAndSaturation.h"
 
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <map>
 #include <string>
 #include <string_view>
@@ -25,30 +22,9 @@ const vrMKPVisualizer &Visualizer(const SmartPtr<vrMKPPlugin> &plugin)
     return dynamic_cast<const vrMKPVisualizer &>(*plugin);
 }
 
-vrMKPHeatAndSaturationVisualizer &Heat(const SmartPtr<vrMKPPlugin> &plugin)
-{
-    return dynamic_cast<vrMKPHeatAndSaturationVisualizer &>(*plugin);
-}
-
 bool Has(const vrMKPPlugin &plugin, const char *name)
 {
     return plugin.Get_Parameter_By_Name(name) != nullptr;
-}
-
-struct EnumRow
-{
-    const char *name;
-    std::vector<std::string> labels;
-    int index;
-};
-
-void Expect_Enum(int id, const EnumRow &row)
-{
-    const SmartPtr<vrMKPPlugin> plugin = Make_Plugin(id);
-    const auto &choice = Parameter_Of<EnumParameterClass>(*plugin, row.name);
-    EXPECT_EQ(std::vector<std::string>(choice.Get_Labels().begin(), choice.Get_Labels().end()), row.labels)
-        << Plugin_Label(id) << ", " << row.name;
-    EXPECT_EQ(choice.Get_Index(), row.index) << Plugin_Label(id) << ", " << row.name;
 }
 
 } // namespace
@@ -122,86 +98,6 @@ TEST(Visualizers, TellTheShaderThatTheirParameterNames)
     }
 }
 
-TEST(Visualizers, StartWithTheTextureOfTheirFamily)
-{
-    const std::map<int, std::string_view> own = {
-        {kvrMKPHeatAndSaturationVisualizer, "p_particle_heat_master.tga"},
-        {kvrMKPChainVisualizer, "W_Clouds01.tga"},
-        {kvrMKPStretchedTextureChainVisualizer, "W_Clouds01.tga"},
-        {kvrMKPXYAlignedChainVisualizer, "W_Clouds01.tga"},
-        {kvrMKPMultiChainVisualizer, "W_Clouds01.tga"},
-    };
-    for (const int id : Plugin_IDs_Of(vrMKPPlugin::VISUALIZER_PLUGIN)) {
-        const SmartPtr<vrMKPPlugin> plugin = Make_Plugin(id);
-        if (!Has(*plugin, "Texture Name")) continue;
-        const auto row = own.find(id);
-        EXPECT_EQ(Parameter_Of<TextureNameParameterClass>(*plugin, "Texture Name").Get_Value(),
-                  row == own.end() ? "p_particle_master.tga" : row->second)
-            << Plugin_Label(id);
-    }
-}
-
-TEST(Visualizers, OfferTheirChoicesInTheOrderOfTheFile)
-{
-    const EnumRow sortType = {"Sort Type", {"Normal", "Stop After Max Sort Age"}, 1};
-    const EnumRow source = {"Lighting Source", {"Sun", "Particle Light Source"}, 0};
-    const EnumRow anchor = {"Anchor Point", {"Center", "Bottom", "Top", "Bottom To Top With Age"}, 0};
-    const EnumRow turn = {"Texture Rotation", {"None", "90 Degrees", "180 Degrees", "270 Degrees"}, 0};
-    for (const int id : Plugin_IDs_Of(vrMKPPlugin::VISUALIZER_PLUGIN)) {
-        const SmartPtr<vrMKPPlugin> plugin = Make_Plugin(id);
-        for (const EnumRow &row : {sortType, source, anchor, turn})
-            if (Has(*plugin, row.name)) Expect_Enum(id, row);
-    }
-    Expect_Enum(kvrMKPChainVisualizer, {"Wrap Anchor", {"Start Delta", "Start", "End"}, 0});
-}
-
-TEST(Visualizers, DeclareTheChannelsThatTheyRead)
-{
-    const std::map<int, uint32_t> others = {
-        {kvrMKPVelocityAlignedVisualizer, 0x2f000},
-        {kvrMKPVelocityAlignedWorldSpaceVisualizer, 0x2f000},
-        {kvrMKPVelocityAlignedNormalVisualizer, 0x2f000},
-        {kvrMKPVelocityAlignedPlanarVisualizer, 0x2f000},
-        {kvrMKPAxisAlignedVisualizer, 0x2f000},
-        {kvrMKPInstantProjectileVisualizer, 0x2f000},
-        {kvrMKPKiteVisualizer, 0x2f000},
-        {kvrMKPChainVisualizer, 0x2f010},
-        {kvrMKPStretchedTextureChainVisualizer, 0x2f010},
-        {kvrMKPXYAlignedChainVisualizer, 0x2f010},
-        {kvrMKPMultiChainVisualizer, 0x2f010},
-        {kvrMKPNULLVisualizer, 0},
-    };
-    for (const int id : Plugin_IDs_Of(vrMKPPlugin::VISUALIZER_PLUGIN)) {
-        const auto row = others.find(id);
-        EXPECT_EQ(Make_Plugin(id)->Get_Read_Attributes(), row == others.end() ? 0x3f000u : row->second)
-            << Plugin_Label(id);
-    }
-}
-
-TEST(Visualizers, BendNormalsByTheCurvatureOfTheirShape)
-{
-    const struct
-    {
-        int id;
-        float curvature;
-        const char *shading;
-    } cases[] = {
-        {kvrMKPSphericalBumpVisualizer, 1.0f, "spherical"},
-        {kvrMKPCylindricalBumpVisualizer, 1.0f, "cylindrical"},
-        {kvrMKPCenterToVertBumpVisualizer, 0.5f, "exaggerated"},
-        {kvrMKPObsoleteSphericalBumpVisualizer, 1.0f, "spherical"},
-        {kvrMKPObsoleteCylindricalBumpVisualizer, 1.0f, "cylindrical"},
-        {kvrMKPObsoleteCenterToVertBumpVisualizer, 0.5f, "exaggerated"},
-    };
-    for (const auto &row : cases) {
-        const SmartPtr<vrMKPPlugin> plugin = Make_Plugin(row.id);
-        const auto &curvature = Parameter_Of<RangedFloatParameter>(*plugin, "Curvature");
-        EXPECT_EQ(curvature.Get_Value(), row.curvature) << Plugin_Label(row.id);
-        EXPECT_EQ(curvature.Get_Description(),
-                  "Determines how much to apply the " + std::string(row.shading) + " shading.");
-    }
-}
-
 TEST(Visualizers, LoseNothingAsAnOldBumpKindBecomesItsSuccessor)
 {
     const struct
@@ -230,49 +126,5 @@ TEST(Visualizers, LoseNothingAsAnOldBumpKindBecomesItsSuccessor)
         EXPECT_FALSE(Has(*old, "Enable Bump"));
         EXPECT_FALSE(Parameter_Of<BoolParameter>(*now, "Enable Bump").Get_Value());
         EXPECT_EQ(now->Get_Parameters().Get_Parameter_Count(), old->Get_Parameters().Get_Parameter_Count() + 1);
-    }
-}
-
-TEST(HeatVisualizer, ReadsAndWritesItsParametersWithoutClamping)
-{
-    const SmartPtr<vrMKPPlugin> plugin = Make_Plugin(kvrMKPHeatAndSaturationVisualizer);
-    vrMKPHeatAndSaturationVisualizer &heat = Heat(plugin);
-    EXPECT_EQ(heat.Get_Distance_Cutoff(), 10000.0f);
-    EXPECT_EQ(heat.Get_Distortion_Scale(), 1.0f);
-    EXPECT_EQ(heat.Get_Saturation_Scale(), 1.0f);
-
-    constexpr float INF = std::numeric_limits<float>::infinity();
-    const float cases[][3] = {{0.0001f, 2.0f, -2.0f}, {-1.0f, 17.0f, 3.5f}, {INF, 0.0f, -0.0f}};
-    for (const auto &[cutoff, distortion, saturation] : cases) {
-        heat.Set_Distance_Cutoff(cutoff);
-        heat.Set_Distortion_Scale(distortion);
-        heat.Set_Saturation_Scale(saturation);
-        for (const SmartPtr<vrMKPPlugin> &same :
-             {plugin, SmartPtr<vrMKPPlugin>(plugin->Clone()), Load_Plugin(Save_Plugin(*plugin))})
-        {
-            EXPECT_EQ(Parameter_Of<RangedFloatParameter>(*same, "Distance Cutoff").Get_Value(), cutoff);
-            EXPECT_EQ(Parameter_Of<RangedFloatParameter>(*same, "Distortion Scale").Get_Value(), distortion);
-            EXPECT_EQ(Parameter_Of<RangedFloatParameter>(*same, "Saturation Scale").Get_Value(), saturation);
-            EXPECT_EQ(Heat(same).Get_Distance_Cutoff(), cutoff);
-            EXPECT_EQ(Heat(same).Get_Distortion_Scale(), distortion);
-            EXPECT_EQ(Heat(same).Get_Saturation_Scale(), saturation);
-        }
-    }
-}
-
-TEST(HeatVisualizer, TellsAnEditorItsRanges)
-{
-    const struct
-    {
-        const char *name;
-        float minimum;
-        float maximum;
-    } cases[] = {
-        {"Distance Cutoff", 0.0001f, 10000.0f}, {"Distortion Scale", 0.0f, 2.0f}, {"Saturation Scale", -2.0f, 2.0f}};
-    const SmartPtr<vrMKPPlugin> plugin = Make_Plugin(kvrMKPHeatAndSaturationVisualizer);
-    for (const auto &row : cases) {
-        const auto &value = Parameter_Of<RangedFloatParameter>(*plugin, row.name);
-        EXPECT_EQ(value.Get_Minimum(), row.minimum) << row.name;
-        EXPECT_EQ(value.Get_Maximum(), row.maximum) << row.name;
     }
 }

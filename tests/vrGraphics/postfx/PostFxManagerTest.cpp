@@ -198,6 +198,7 @@ TEST_F(PostFxManager, LeavesThePictureAloneWhenItCouldNotShowTheResult)
     Manager.Init();
     Write_Step("main", "FROM_MAIN_RT", "TO_MAIN_RT");
     Load(Effect("GAME", {"main"}));
+    EXPECT_TRUE(Reports.Has_Log("stay off, since there is no shader PostFxStretchRect"));
     Manager.Execute(Context, nullptr);
     EXPECT_EQ(std::count(Driver.Lines.begin(), Driver.Lines.end(), "draw main"), 0);
     // The effects' folders came later.

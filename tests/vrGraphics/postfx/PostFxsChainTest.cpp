@@ -73,6 +73,7 @@ TEST_F(PostFxsChain, ReadsEffectsAndTheirStepsInOrder)
     EXPECT_EQ(blur.Params[0].Value, &bloom.Params.at("Threshold"));
     EXPECT_EQ(blur.Params[1].Value, nullptr);
     EXPECT_TRUE(Reports.Has_Log("PostFx Bloom has no param Nobody, which its step Blur.xml takes"));
+    EXPECT_TRUE(Reports.Has_Log("of the step Blur.xml has no parameter Unknown"));
     blur.Set_Params();
     EXPECT_THAT(Driver.Lines, ElementsAre("set Direction 3.00 -4.0", "set Threshold 0.75"));
 
@@ -108,6 +109,7 @@ TEST_F(PostFxsChain, TellsWhatItCouldNotRead)
     Folder.Write("PostFxSteps/BadSet.xml", "<S><Shader>A</Shader><SetParam name='A' type='float' value='one'/></S>");
     Folder.Write("PostFxSteps/BadKind.xml", "<S><Shader>A</Shader><SetParam name='A' type='int' value='1'/></S>");
     Folder.Write("PostFxSteps/NoParams.xml", "<S><Shader>A</Shader><Params/></S>");
+    Folder.Write("PostFxSteps/Empty.xml", "<S/>");
     Folder.Write("PostFxSteps/Broken.xml", "<S><Shader>A</S>");
     Driver.MissingShaders = {"Lost"};
     constexpr const char *ENTRY = "ERROR: Failed to parse a PostFx entry";
@@ -130,7 +132,8 @@ TEST_F(PostFxsChain, TellsWhatItCouldNotRead)
         {step("..\\PostFxSteps\\Plain.xml"), {"can't read the file", STEP}},
         {step("NoShader.xml"), {"no shader for the step 'NoShader.xml'", STEP}},
         {step("Lost.xml"), {"no shader for the step 'Lost.xml'", STEP}},
-        {step("BadMode.xml"), {"unknown input mode 'FROM_NOWHERE'", STEP}},
+        {step("BadMode.xml"), {"unknown input mode 'FROM_NOWHERE'", "a step can't be read: 'BadMode.xml'", STEP}},
+        {step("Empty.xml"), {"there is nothing in the step 'Empty.xml'", STEP}},
         {step("BadOutput.xml"), {"unknown output mode 'FROM_IRT0'", STEP}},
         {step("BadQuad.xml"), {"QuadMax isn't above 0 and up to 1: '0 1'", STEP}},
         {step("HugeQuad.xml"), {"not two numbers in QuadMax: '1 nan'", STEP}},

@@ -3,8 +3,10 @@
 #include "vrGraphics/drivercommon/vrRenderContext.h"
 #include "vrGraphics/nulldriver/vrNullTextures.h"
 #include "vrGraphics/postfx/vrPostFxManager.h"
+#include "vrGraphics/scene/vrScene.h"
 
 #include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -120,6 +122,15 @@ public:
     vrRenderTarget *Get_Auxiliary_Render_Target(vrAuxiliaryRTEnum) override { return nullptr; }
     vrDepthBuffer *Get_Auxiliary_Depth_Buffer(vrAuxiliaryDepthBufferEnum) override { return nullptr; }
     vrRenderTarget *Get_Full_Screen_Target(vrFullScreenRTEnum target) override { return Targets[target].Get(); }
+    void Update_Light_Field(const vrLightField &field, const std::vector<const vrLightSource *> &lights,
+                            const vrBounds &bounds) override
+    {
+        std::ostringstream line;
+        line << "light field " << field.SIZE << ":";
+        for (const vrLightSource *light : lights) line << " " << light->Get_Intensity();
+        line << ", " << bounds.Center.x << " +- " << bounds.Extent.x;
+        Lines.push_back(line.str());
+    }
     void Set_PostFx_Input(vrTexture *texture) override
     {
         Lines.push_back(std::string("from ") + (texture ? texture->Get_Name().c_str() : "nothing"));

@@ -181,6 +181,15 @@ TEST(CameraController, TheMouseTurnsByTheLastStep)
     EXPECT_TRUE(controller.On_Mouse_Move(0.1f, 0.02f, false, 100.0f)); // -120 / 30 * 10 and 60 / 30 * 2
     EXPECT_NEAR(controller.Get_Yaw(), 5.0f, 1e-3f);
     EXPECT_NEAR(controller.Get_Pitch(), 31.0f, 1e-3f);
+    controller.Set_Yaw_Rate(90.0f);
+    for (int part = 1; part < 100; ++part) { // the factors from left to right, to the last bit
+        const float move = static_cast<float>(part) / 1000.0f;
+        controller.Set_Yaw(0.0f);
+        controller.On_Mouse_Move(move, 0.0f, false, 100.0f);
+        EXPECT_EQ(controller.Get_Yaw(), 90.0f * STEP * move * 100.0f) << part;
+    }
+    controller.Set_Yaw_Rate(-120.0f);
+    controller.Set_Yaw(5.0f);
     controller.On_Mouse_Move(0.1f, 0.0f, false, 100.0f);
     EXPECT_NEAR(controller.Get_Yaw(), 325.0f, 1e-3f);
     controller.On_Mouse_Move(-0.1f, 0.0f, false, 100.0f);

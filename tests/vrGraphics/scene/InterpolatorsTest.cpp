@@ -8,6 +8,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <string>
 
 namespace
@@ -41,6 +42,32 @@ TEST(ThreadWrapperTaskList, RunsInTheOrderOfAddingAndOwnsItsTasks)
     list.Execute_All();
     EXPECT_EQ(list.Get_Count(), 0);
     EXPECT_THAT(notes, ElementsAre("end of b", "a", "c", "end of a", "end of c"));
+}
+
+TEST(ThreadWrapperTaskList, AFaultyTaskAsserts)
+{
+    /// Adds as many tasks as make the list grow, and removes itself.
+    class FaultyTask final : public ThreadWrapperTask
+    {
+    public:
+        FaultyTask(ThreadWrapperTaskList &list, std::vector<std::string> &notes) : List(list), Notes(notes) {}
+        void Execute() override
+        {
+            for (int index = 0; index < 40; ++index) List.Add(new NotingTask(Notes, "late"));
+            EXPECT_FALSE(List.Remove(this));
+        }
+
+        ThreadWrapperTaskList &List;
+        std::vector<std::string> &Notes;
+    };
+    const MKTest::Reports reports;
+    std::vector<std::string> notes;
+    ThreadWrapperTaskList list(false);
+    list.Add(new FaultyTask(list, notes));
+    list.Execute_All();
+    EXPECT_EQ(reports.Count_Asserts("!ExecutingTasks"), 41);
+    EXPECT_EQ(std::count(notes.begin(), notes.end(), "late"), 40);
+    EXPECT_EQ(list.Get_Count(), 0);
 }
 
 TEST(ThreadLoadManager, RunsWhatIsQueuedOnceAndInOrder)

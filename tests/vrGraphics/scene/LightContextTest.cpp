@@ -91,6 +91,35 @@ TEST(LightContext, WithoutLightsTheValuesReadBack)
     EXPECT_EQ(loaded.Get_Sun_Light(), nullptr);
 }
 
+TEST(LightContext, WhatIsMissingInAFileKeepsItsDefault)
+{
+    for (const int stated : {-1, 1, 2}) { // lights; -1 without the chunk
+        RAMFileClass file;
+        ChunkFileWriterClass writer(&file, 0, 6, false);
+        writer.Open_Chunk(1);
+        if (stated >= 0) {
+            writer.Open_Chunk(0xF);
+            writer.Open_Micro_Chunk(0x11);
+            writer.Write_Int32(stated);
+            writer.Close_Micro_Chunk();
+            writer.Close_Chunk();
+        }
+        writer.Open_Chunk(0x10);
+        writer.Open_Micro_Chunk(0x12);
+        writer.Write_Vector3({1.0f, 0.0f, 0.0f});
+        writer.Close_Micro_Chunk();
+        writer.Close_Chunk();
+        EXPECT_TRUE(writer.Close_Chunk() && writer.Close());
+        vrLightContext loaded;
+        const MKTest::Bytes bytes(file.Get_Buffer(), file.Get_Buffer() + file.Get_Size());
+        EXPECT_EQ(Load(bytes, bytes.size(), loaded), stated != 2) << stated;
+        EXPECT_EQ(loaded.Get_Particle_Diffuse_Multiplier(), Vector3(1.0f));
+        ASSERT_TRUE(loaded.Get_Sun_Light());
+        EXPECT_EQ(loaded.Get_Sun_Light()->Get_Direction(), Vector3(1.0f, 0.0f, 0.0f));
+        EXPECT_EQ(loaded.Get_Sun_Light()->Get_Diffuse(), RGBAClass());
+    }
+}
+
 TEST(LightContext, DamageIsToldAndHarmless)
 {
     const MKTest::Reports reports;

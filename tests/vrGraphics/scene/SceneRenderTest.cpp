@@ -1,4 +1,5 @@
 #include "common/Reports.h"
+#include "vrGraphics/postfx/RecordingDriver.h"
 
 #include "vrGraphics/drivercommon/vrGraphicsDriver.h"
 #include "vrGraphics/drivercommon/vrRenderContext.h"
@@ -27,6 +28,8 @@ struct Journal
     uint32_t PhaseMask = 0;
     uint32_t PostFxMask = 0;
     vrBounds TaskBounds;
+    vrEnvironmentValues Environment; ///< the driver's, while the last task drew, like the next
+    const vrLightContext *Lights = nullptr;
 };
 
 /// A box that draws in the phases that it is given.
@@ -60,6 +63,8 @@ public:
     {
         Book.Rendered.emplace_back(Number, context.Phase);
         Book.TaskBounds = context.TaskBounds;
+        Book.Environment = TheGraphicsDriver->Get_Environment();
+        Book.Lights = TheGraphicsDriver->Get_Light_Context();
     }
 
     Journal &Book;
@@ -324,6 +329,94 @@ TEST_F(SceneRender, TellsTheDriverOfTheWorldAndTakesFogAndGuestsBack)
     scene.Render(Camera.Get(), VR_RENDER_MODE_NORMAL, false);
     EXPECT_FALSE(hadFog);
     vrGraphicsDriver::Enable(vrGraphicsDriver::STATE_FOG, true);
+}
+
+/// Renders another scene, as a mirror does.
+class Mirror final : public vrSceneEffect
+{
+public:
+    explicit Mirror(vrSimpleScene &shown) : Shown(shown) {}
+    void Update(float) override {}
+    bool Is_Finished() const override { return false; }
+    void Pre_Render(vrRenderContext &) override
+    {
+        const SmartPtr<vrCamera> camera(new vrCamera);
+        for (const auto mode : {VR_RENDER_MODE_SHADOW_MAP, VR_RENDER_MODE_REFLECTION})
+            Shown.Render(camera.Get(), mode, false);
+    }
+
+    vrSimpleScene &Shown;
+};
+
+TEST_F(SceneRender, ASceneThatIsShownInAnotherOneLeavesThatAlone)
+{
+    using enum vrRenderPhaseEnum;
+    vrSimpleScene mirrored;
+    Journal inner;
+    mirrored.Add_Renderable(new Block(inner, 7, AHEAD, {Opaque, Particles}));
+    vrSimpleScene scene;
+    vrFogParameters fog;
+    fog.Enabled = true;
+    fog.Far = 500.0f;
+    scene.Set_Fog(fog);
+    Add(scene, AHEAD, {Particles, Heat});
+    scene.Add_Effect(new Mirror(mirrored));
+    for (int frame = 0; frame < 2; ++frame) {
+        inner = {};
+        Collect(scene);
+        EXPECT_THAT(Book.Rendered, ElementsAre(std::pair(0, Particles), std::pair(0, Heat)));
+        EXPECT_TRUE(Book.Environment.FogEnabled);
+        EXPECT_EQ(Book.Environment.FogFar, 500.0f);
+        EXPECT_EQ(Book.Lights, scene.Get_Light_Context());
+        EXPECT_EQ(Book.PhaseMask, 0xFFFFu);
+        // The shadow has no particles.
+        EXPECT_THAT(inner.Rendered, ElementsAre(std::pair(7, Opaque), std::pair(7, Opaque), std::pair(7, Particles)));
+        EXPECT_EQ(inner.Lights, mirrored.Get_Light_Context());
+        EXPECT_FALSE(inner.Environment.FogEnabled);
+    }
+}
+
+/// Shines in a box.
+class Lamp final : public vrLightSource
+{
+public:
+    Lamp(const vrBounds &box, float intensity) : Box(box) { Set_Intensity(intensity); }
+    vrRenderable *Clone(vrCloneType) const override { return nullptr; }
+    size_t Get_Object_Size() const override { return sizeof(*this); }
+    bool Get_Cull_Box(vrBounds &box) const override { return box = Box, true; }
+
+    vrBounds Box;
+};
+
+TEST(SceneLightField, OfTheForwardRendererHasTheLampsTheStrongestFirst)
+{
+    MKTest::RecordingDriver driver;
+    TheGraphicsDriver = &driver;
+    const SmartPtr<vrCamera> camera(new vrCamera);
+    {
+        vrSimpleScene scene;
+        scene.Set_Sun_Direction({0.0f, 0.0f, 1.0f});
+        scene.Get_Light_Context()->Add_Light(new Lamp({Vector3(0.0f), Vector3(1.0f)}, 1.0f));
+        scene.Get_Light_Context()->Add_Light(new Lamp({{10.0f, 0.0f, 0.0f}, Vector3(2.0f)}, 3.0f));
+        scene.Render(camera.Get(), VR_RENDER_MODE_NORMAL, false);
+        EXPECT_EQ(scene.Get_Light_Field(), nullptr) << "it is off";
+        scene.Enable_Light_Field(true);
+        scene.Render(camera.Get(), VR_RENDER_MODE_REFLECTION, false);
+        driver.Renderer = VR_RENDERER_LIGHT_PRE_PASS;
+        scene.Render(camera.Get(), VR_RENDER_MODE_NORMAL, false);
+        driver.Renderer = VR_RENDERER_FORWARD;
+        vrGraphicsDriver::Enable(0x80, false);
+        scene.Render(camera.Get(), VR_RENDER_MODE_NORMAL, false);
+        vrGraphicsDriver::Enable(0x80, true);
+        EXPECT_THAT(driver.Lines, IsEmpty());
+        scene.Render(camera.Get(), VR_RENDER_MODE_NORMAL, false);
+        scene.Set_Light_Field_Scene_Bounds({Vector3(5.0f), Vector3(6.0f)});
+        scene.Set_Use_Light_Field_Scene_Bounds(true);
+        scene.Render(camera.Get(), VR_RENDER_MODE_NORMAL, false);
+        // -1 to 12, and then what was given.
+        EXPECT_THAT(driver.Lines, ElementsAre("light field 512: 3 1, 5.5 +- 6.5", "light field 512: 3 1, 5 +- 6"));
+    }
+    TheGraphicsDriver = nullptr;
 }
 
 TEST_F(SceneRender, TheDriverForgetsTheLightsOfASceneThatEnds)

@@ -128,6 +128,11 @@ void vrMKPHardwareBillboardVisualizer::Compute_Bounds(vrMKPBuffer & /*buffer*/, 
     if (bounds) *bounds = {Vector3(0.0f), Vector3(HALF_EXTENT)};
 }
 
+vrBounds vrMKPHardwareBillboardVisualizer::Get_Cull_Box(const vrMKPBuffer &buffer, const vrBounds & /*bounds*/) const
+{
+    return vrMKPSimpleVisualizer::Get_Cull_Box(buffer, {buffer.State->Get_Position(), Vector3(HALF_EXTENT)});
+}
+
 void vrMKPHardwareBillboardVisualizer::Load_Assets(bool force, const vrMKPVisualizer *shared)
 {
     const auto *from = dynamic_cast<const vrMKPHardwareBillboardVisualizer *>(shared);

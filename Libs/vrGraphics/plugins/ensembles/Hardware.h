@@ -53,6 +53,8 @@ public:
     /// A box of a fixed size about the origin: nobody asks where the particles are.
     void Compute_Bounds(vrMKPBuffer &buffer, vrBounds *bounds) const override;
     bool Has_Plain_Bounds() const override { return false; }
+    /// A box of that size about the renderable.
+    vrBounds Get_Cull_Box(const vrMKPBuffer &buffer, const vrBounds &bounds) const override;
     void Select_Visible_Particles(vrMKPBuffer & /*buffer*/, const vrPreRenderContext & /*context*/) const override {}
     /// The texture alone.
     void Load_Assets(bool force, const vrMKPVisualizer *shared) override;

@@ -28,13 +28,18 @@ MK_INLINE uint32_t Byte_By_Table(const float *table, float channel)
     return Particle::Color_Byte(table[entry]);
 }
 
+/// A multiplier may brighten: what is brighter than white is white, and not what is left of it in a byte.
+MK_INLINE uint32_t Limited_Byte(float channel)
+{
+    return static_cast<uint32_t>(static_cast<int32_t>(Particle::Clamp_01(channel) * 255.0f));
+}
+
 MK_SIMD void Multiply(vrColor *__restrict to, const vrColor *__restrict from, int count, RGBAClass by)
 {
     for (int at = 0; at < count; ++at) {
         const vrColor color = from[at];
-        to[at] = Particle::Color_Byte(Channel(color, 0) * by.R) | Particle::Color_Byte(Channel(color, 8) * by.G) << 8 |
-                 Particle::Color_Byte(Channel(color, 16) * by.B) << 16 |
-                 Particle::Color_Byte(Channel(color, 24) * by.A) << 24;
+        to[at] = Limited_Byte(Channel(color, 0) * by.R) | Limited_Byte(Channel(color, 8) * by.G) << 8 |
+                 Limited_Byte(Channel(color, 16) * by.B) << 16 | Limited_Byte(Channel(color, 24) * by.A) << 24;
     }
 }
 
@@ -74,8 +79,7 @@ MK_SIMD void Fade(vrColor *__restrict to, const vrColor *__restrict from, const 
         const vrColor color = from[at];
         const float fade = fades[at];
         to[at] = byte(Channel(color, 0) * by.R * fade) | byte(Channel(color, 8) * by.G * fade) << 8 |
-                 byte(Channel(color, 16) * by.B * fade) << 16 |
-                 Particle::Color_Byte(Channel(color, 24) * by.A * fade) << 24;
+                 byte(Channel(color, 16) * by.B * fade) << 16 | Limited_Byte(Channel(color, 24) * by.A * fade) << 24;
     }
 }
 

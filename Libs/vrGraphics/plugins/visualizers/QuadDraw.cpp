@@ -76,12 +76,6 @@ MK_SIMD void Vary(float *__restrict widths, const uint32_t *__restrict ids, int 
     for (int at = 0; at < count; ++at) widths[at] *= Particle::Unit_ID(ids[at]) * span + minimum;
 }
 
-/// What an earlier frame left undrawn is gone from the scratch memory.
-void Drop_Vertices(vrMKPBuffer &buffer)
-{
-    if (auto *data = MK_Dynamic_Cast<vrMKPSimpleVisualizerData>(buffer.VisualizerData.Get())) data->Drop_Vertices();
-}
-
 } // namespace
 
 bool vrMKPAspect::Is_On() const
@@ -94,6 +88,11 @@ float vrMKPQuadDraw::Get_Size_Multiplier(const vrMKPBuffer &buffer)
     const vrMKPRenderState &state = *buffer.State;
     return buffer.ScaleType == PARTICLE_SCALE_AT_SPAWN ? state.RenderSizeMultiplier * state.SizeScale
                                                        : state.RenderSizeMultiplier;
+}
+
+void vrMKPQuadDraw::Drop_Vertices(vrMKPBuffer &buffer)
+{
+    if (auto *data = MK_Dynamic_Cast<vrMKPSimpleVisualizerData>(buffer.VisualizerData.Get())) data->Drop_Vertices();
 }
 
 bool vrMKPQuadDraw::Begin(vrMKPBuffer &buffer, const vrPreRenderContext &context, bool usesSceneLighting)
@@ -138,14 +137,15 @@ void vrMKPQuadDraw::Sort(const vrMKPSorting &sorting)
     entries.reserve(static_cast<size_t>(Buffer->Capacity)); // so that no later frame allocates
     entries.resize(static_cast<size_t>(count));
     List(entries.data(), Buffer->Render, count);
-    IsSorted = sorting.IsOn && count > 1;
-    if (!IsSorted) return;
+    if (!sorting.IsOn) return;
+    // One alone notes its place too, for the time when it's old.
     const Vector3 camera = Camera.Get_Translation();
     if (sorting.MaxAge < 0.0f)
         Key_By_Distance(entries.data(), count, Buffer->WorldPosition, camera);
     else
         Key_Young_By_Distance(entries.data(), count, *Buffer, camera, sorting.MaxAge);
-    Sort_Entries(entries, Data->SortRoom);
+    IsSorted = count > 1;
+    if (IsSorted) Sort_Entries(entries, Data->SortRoom);
 }
 
 bool vrMKPQuadDraw::Allocate(int quads, vrPrimVertexType type, const char *className)

@@ -35,6 +35,8 @@ class vrMKPQuadDraw
 public:
     /// Factor for sizes as they are drawn.
     static float Get_Size_Multiplier(const vrMKPBuffer &buffer);
+    /// What an earlier frame left undrawn is gone from the scratch memory. The two below begin with it.
+    static void Drop_Vertices(vrMKPBuffer &buffer);
     /// Sets everything up but the order, which `Sort` does. False when there is nothing to draw. A buffer without data
     /// asserts, and draws nothing. `usesSceneLighting` multiplies by what the environment has for particles.
     bool Begin(vrMKPBuffer &buffer, const vrPreRenderContext &context, bool usesSceneLighting);

@@ -65,11 +65,12 @@ vrMKPVelocityView vrMKPVelocityAlignedVisualizer::Get_View(const Kind &kind, con
 
 void vrMKPVelocityAlignedVisualizer::Do_Pre_Visualize(vrMKPBuffer &buffer, const vrPreRenderContext &context) const
 {
+    const float frameTime = buffer.State->FrameTime;
+    if (!(frameTime > 0.0f)) return vrMKPQuadDraw::Drop_Vertices(buffer);
     const Kind kind = Get_Kind(buffer);
     vrMKPQuadDraw draw;
     if (!Begin_Draw(draw, buffer, context)) return;
-    const float frameTime = draw.State->FrameTime;
-    if (!(frameTime > 0.0f) || !draw.Allocate(draw.Get_Count(), Get_Vertex_Type(), kind.ClassName)) return;
+    if (!draw.Allocate(draw.Get_Count(), Get_Vertex_Type(), kind.ClassName)) return;
 
     const vrMKPVelocityView view = Get_View(kind, draw.Camera);
     const Mat3DClass turn = Find_Turn(buffer);

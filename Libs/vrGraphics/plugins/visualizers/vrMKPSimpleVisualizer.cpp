@@ -2,8 +2,11 @@
 
 #include "MKLib/Parameters/EnumParameter.h"
 #include "MKLib/Parameters/SimpleParameters.h"
+#include "vrGraphics/drivercommon/vrBounds.h"
 #include "vrGraphics/drivercommon/vrGraphicsDriver.h"
 #include "vrGraphics/plugins/visualizers/QuadDraw.h"
+
+#include <cmath>
 
 namespace
 {
@@ -47,6 +50,13 @@ vrMKPSimpleVisualizer::vrMKPSimpleVisualizer(bool usesAspectRatio)
 vrMKPBufferPluginData *vrMKPSimpleVisualizer::Create_Buffer_Data(const vrMKPRenderState & /*state*/) const
 {
     return new vrMKPSimpleVisualizerData;
+}
+
+/// Particles are drawn as if the camera stood that much nearer or farther, which moves them by as much in its eyes.
+vrBounds vrMKPSimpleVisualizer::Get_Cull_Box(const vrMKPBuffer & /*buffer*/, const vrBounds &bounds) const
+{
+    const float offset = std::fabs(Get_Depth_Offset());
+    return {bounds.Center, bounds.Extent + Vector3(Is_Valid(offset) ? offset : 0.0f)};
 }
 
 bool vrMKPSimpleVisualizer::Get_Aspect_Range(vrMKPBoundsSum::AspectRange &range) const

@@ -121,6 +121,11 @@ void vrMKPVisualizer::End_Bounds(vrMKPBuffer &buffer, const vrMKPBoundsSum &sum,
     Smooth_Centroid(buffer);
 }
 
+vrBounds vrMKPVisualizer::Get_Cull_Box(const vrMKPBuffer & /*buffer*/, const vrBounds &bounds) const
+{
+    return bounds;
+}
+
 void vrMKPVisualizer::Set_Bounds(vrBounds &bounds, const vrMKPBuffer &buffer, const Vector3 &minimum,
                                  const Vector3 &maximum)
 {

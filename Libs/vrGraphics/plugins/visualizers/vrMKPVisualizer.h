@@ -44,6 +44,8 @@ public:
     vrMKPBoundsSum Begin_Bounds(const vrMKPBuffer &buffer) const;
     /// Null for no box, which takes no sum either.
     void End_Bounds(vrMKPBuffer &buffer, const vrMKPBoundsSum &sum, vrBounds *bounds) const;
+    /// The box that the layer is culled by, made of the bounds of its frame: around whatever a view may show of it.
+    virtual vrBounds Get_Cull_Box(const vrMKPBuffer &buffer, const vrBounds &bounds) const;
     /// Fills the channel "Render" with the slots that are drawn in a view, in ring order.
     virtual void Select_Visible_Particles(vrMKPBuffer &buffer, const vrPreRenderContext &context) const;
 
@@ -91,6 +93,8 @@ public:
     };
 
     vrMKPBufferPluginData *Create_Buffer_Data(const vrMKPRenderState &state) const override;
+    /// Larger by the depth offset, which lets a view see past its edges.
+    vrBounds Get_Cull_Box(const vrMKPBuffer &buffer, const vrBounds &bounds) const override;
     std::string_view Get_Shader_Name() const override { return ShaderName->Get_Value(); }
     /// A kind without "Texture Name" has no assets. A texture that isn't there is white. Without a driver nothing is
     /// loaded, and a later call makes up for it.

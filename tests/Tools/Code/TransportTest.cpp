@@ -1,0 +1,117 @@
+#include "Tools/Code/RecordingPreview.h"
+#include "Tools/Code/ToolFixture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <limits>
+#include <thread>
+
+using namespace ToolTest;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace
+{
+
+/// What the view window's transport does: pause, single step, speed, and the world that effects are given.
+class Transport : public testing::Test
+{
+protected:
+    Transport() { Tick(); } // the first one takes no time
+    HeadlessSceneViewForm &View() { return *tool.application.Get_View_Form(); }
+    /// The steps that the scene was moved by.
+    std::vector<float> Tick()
+    {
+        record.steps.clear();
+        tool.application.Fire_Timers();
+        return record.steps;
+    }
+
+    PreviewRecord record;
+    Tool tool{std::make_unique<RecordingPreview>(record)};
+};
+
+TEST_F(Transport, APauseHoldsTheSceneAndStillDraws)
+{
+    tool.core.Pause_Click(nullptr, EventArgs());
+    EXPECT_TRUE(View().Get_State().paused);
+    record.Take();
+    EXPECT_THAT(Tick(), IsEmpty());
+    EXPECT_THAT(record.Take(), ElementsAre("render axes background"));
+    tool.core.Pause_Click(nullptr, EventArgs());
+    EXPECT_FALSE(View().Get_State().paused);
+    EXPECT_EQ(Tick().size(), 1u);
+}
+
+TEST_F(Transport, EachStepIsAThirtiethOfASecondAndPauses)
+{
+    tool.core.Single_Step_Click(nullptr, EventArgs());
+    tool.core.Single_Step_Click(nullptr, EventArgs());
+    EXPECT_TRUE(View().Get_State().paused);
+    EXPECT_THAT(Tick(), ElementsAre(1.0f / 30.0f, 1.0f / 30.0f));
+    EXPECT_THAT(Tick(), IsEmpty());
+}
+
+TEST_F(Transport, StepsThatWereNotTakenAreForgottenByPlaying)
+{
+    tool.core.Single_Step_Click(nullptr, EventArgs());
+    tool.core.Pause_Click(nullptr, EventArgs());
+    tool.core.Pause_Click(nullptr, EventArgs());
+    EXPECT_THAT(Tick(), IsEmpty());
+}
+
+TEST_F(Transport, SpeedScalesTheTimeWithinItsLimits)
+{
+    const struct
+    {
+        const char *what;
+        float speed;
+        float factor;
+    } cases[] = {{"real time", 1.0f, 1.0f},  {"fourfold", 4.0f, 4.0f},
+                 {"too fast", 100.0f, 4.0f}, {"too slow", 0.0f, 0.1f},
+                 {"backward", -1.0f, 0.1f},  {"not a number", std::numeric_limits<float>::quiet_NaN(), 1.0f}};
+    using Clock = std::chrono::steady_clock;
+    for (const auto &[what, speed, factor] : cases) {
+        View().Select_Speed(speed);
+        const Clock::time_point before = Clock::now();
+        Tick();
+        const Clock::time_point middle = Clock::now();
+        std::this_thread::sleep_for(std::chrono::milliseconds(30));
+        // The elapsed time lies between that from the tick's end and that from its beginning.
+        const float least = std::chrono::duration<float>(Clock::now() - middle).count();
+        const std::vector<float> steps = Tick();
+        const float most = std::chrono::duration<float>(Clock::now() - before).count();
+        ASSERT_EQ(steps.size(), 1u) << what;
+        EXPECT_GE(steps[0], least * factor * 0.999f) << what;
+        EXPECT_LE(steps[0], most * factor * 1.001f) << what;
+    }
+}
+
+TEST_F(Transport, GroundAndTargetReachThePreview)
+{
+    record.Take();
+    tool.core.Ground_Plane_Click(nullptr, EventArgs());
+    tool.core.Target_Click(nullptr, EventArgs());
+    tool.core.Target_Click(nullptr, EventArgs());
+    EXPECT_THAT(record.Take(), ElementsAre("ground on", "target on", "target off"));
+    EXPECT_TRUE(View().Get_State().groundPlane);
+    EXPECT_FALSE(View().Get_State().target);
+}
+
+TEST(ToolReports, TellFailuresWaitsAndTheDevice)
+{
+    Tool tool;
+    EXPECT_FALSE(tool.form->Is_Preview_Available());
+    tool.Add_Emitter("a.vro", {Plain_Layer()});
+    tool.Scan();
+    EXPECT_EQ(tool.form->Get_Scan_Failure(), "");
+    Set_Read_Only(tool.Model_Path("a.vro"), true);
+    tool.Select({0});
+    tool.form->Edit_Current("GlobalLOD", "1");
+    tool.form->Click_Save();
+    EXPECT_THAT(tool.application.Get_Waits(), ElementsAre("Waiting for p4 edit " + tool.Model_Path("a.vro")));
+}
+
+} // namespace
