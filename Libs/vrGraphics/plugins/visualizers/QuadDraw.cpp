@@ -17,9 +17,8 @@ namespace
 {
 
 constexpr float ASPECT_TOLERANCE = 0.0001f;
-constexpr int CACHE_LINE = 64;
-/// Draws of more bytes don't stay in a second cache, and it pays to ask for memory ahead.
-constexpr size_t LARGE_BYTES = size_t(2) << 20;
+/// Draws of more bytes leave the caches before the next frame. Up to there asking for memory ahead only costs.
+constexpr size_t LARGE_BYTES = size_t(6) << 20;
 
 float Distance_Squared(const Vector3 &a, const Vector3 &b)
 {
@@ -47,13 +46,6 @@ void Key_Young_By_Distance(vrMKPSortEntry *entries, int count, vrMKPBuffer &buff
             entries[at].Key = buffer.SortingRelativeToGroup[slot] - base;
         }
     }
-}
-
-template <int WRITES>
-MK_INLINE void Fetch_Lines(const void *memory, int bytes)
-{
-    const auto *at = static_cast<const char *>(memory);
-    for (const char *const end = at + bytes; at < end; at += CACHE_LINE) __builtin_prefetch(at, WRITES);
 }
 
 MK_SIMD void List(vrMKPSortEntry *__restrict entries, const uint32_t *__restrict slots, int count)
@@ -161,24 +153,6 @@ bool vrMKPQuadDraw::Allocate(int quads, vrPrimVertexType type, const char *class
     return true;
 }
 
-void vrMKPQuadDraw::Fetch_Ahead(int first) const
-{
-    const int quadBytes = 4 * Get_Vertex_Size(Type);
-    const int count = std::min(Get_Count() - first, vrMKPParticleRun::SIZE);
-    Fetch_Lines<1>(static_cast<const char *>(Data->Vertices) + static_cast<size_t>(first) * quadBytes,
-                   count * quadBytes);
-    const int next = first + count;
-    if (next >= Get_Count()) return;
-    Get_Run(next).For_Slots([this](size_t slot, int slots) {
-        Fetch_Lines<0>(Buffer->WorldPosition + slot, slots * static_cast<int>(sizeof(Vector3)));
-        Fetch_Lines<0>(Buffer->Size + slot, slots * static_cast<int>(sizeof(Vector2)));
-        Fetch_Lines<0>(Buffer->UV + slot, slots * static_cast<int>(sizeof(Vector2)));
-        Fetch_Lines<0>(Buffer->DUV + slot, slots * static_cast<int>(sizeof(Vector2)));
-        Fetch_Lines<0>(Buffer->Color + slot, slots * static_cast<int>(sizeof(vrColor)));
-        Fetch_Lines<0>(Buffer->Rotation + slot, slots * static_cast<int>(sizeof(uint32_t)));
-    });
-}
-
 vrMKPParticleRun vrMKPQuadDraw::Get_Run(int first) const
 {
     return {Data->SortEntries.data() + first, std::min(Get_Count() - first, vrMKPParticleRun::SIZE), IsSorted};
@@ -208,7 +182,7 @@ void vrMKPQuadDraw::Fetch(const vrMKPParticleRun &run, const vrMKPAspect &aspect
 void vrMKPQuadDraw::Write(const vrMKPQuadBlock &quads, int first) const
 {
     if (Is_Bump())
-        quads.Write(static_cast<vrLitBumpVertex *>(Data->Vertices) + 4 * first);
+        quads.Write(static_cast<vrLitBumpVertex *>(Data->Vertices) + 4 * first, IsLarge);
     else
-        quads.Write(static_cast<vrLitVertex *>(Data->Vertices) + 4 * first);
+        quads.Write(static_cast<vrLitVertex *>(Data->Vertices) + 4 * first, IsLarge);
 }
