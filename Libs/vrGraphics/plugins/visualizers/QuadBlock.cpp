@@ -16,7 +16,9 @@ template <typename Vertex>
 class WordSources
 {
 public:
-    static constexpr int VERTEX_WORDS = sizeof(Vertex) / sizeof(float);
+    static constexpr bool IS_BUMP = std::is_same_v<Vertex, vrLitBumpVertex>;
+    static constexpr int WORDS = IS_BUMP ? LIT_BUMP_QUAD_WORDS : LIT_QUAD_WORDS;
+    static_assert(WORDS * sizeof(float) == 4 * sizeof(Vertex));
 
     explicit WordSources(const vrMKPQuadBlock &quads)
     {
@@ -24,17 +26,14 @@ public:
             Put(quads.X[corner], quads.Y[corner], quads.Z[corner]);
             Put(quads.VertexNormal[corner][0], quads.VertexNormal[corner][1], quads.VertexNormal[corner][2]);
             Put(quads.VertexU[corner], quads.VertexV[corner]);
-            if constexpr (std::is_same_v<Vertex, vrLitBumpVertex>) {
+            if constexpr (IS_BUMP) {
                 Put(quads.Tangent[0], quads.Tangent[1], quads.Tangent[2]);
                 Put(quads.Binormal[0], quads.Binormal[1], quads.Binormal[2]);
             }
             Put(reinterpret_cast<const float *>(quads.VertexColor[corner])); // only ever copied
         }
     }
-    void Write(Vertex *vertices, int count, bool fetchesAhead) const
-    {
-        Write_Word_Rows(vertices, Words, 4 * VERTEX_WORDS, count, fetchesAhead);
-    }
+    void Write(Vertex *vertices, int count) const { Write_Word_Rows(vertices, Words, WORDS, count); }
 
 private:
     template <typename... Planes>
@@ -44,7 +43,7 @@ private:
     }
 
     int Count = 0;
-    const float *Words[4 * VERTEX_WORDS];
+    const float *Words[WORDS];
 };
 
 void Fill(vrMKPQuadBlock::Plane (&planes)[3], const Vector3 &value)
@@ -149,12 +148,12 @@ void vrMKPQuadBlock::Map_Corners(float scale, const Vector3 &offset)
     }
 }
 
-void vrMKPQuadBlock::Write(vrLitVertex *vertices, bool fetchesAhead) const
+void vrMKPQuadBlock::Write(vrLitVertex *vertices) const
 {
-    WordSources<vrLitVertex>(*this).Write(vertices, Count, fetchesAhead);
+    WordSources<vrLitVertex>(*this).Write(vertices, Count);
 }
 
-void vrMKPQuadBlock::Write(vrLitBumpVertex *vertices, bool fetchesAhead) const
+void vrMKPQuadBlock::Write(vrLitBumpVertex *vertices) const
 {
-    WordSources<vrLitBumpVertex>(*this).Write(vertices, Count, fetchesAhead);
+    WordSources<vrLitBumpVertex>(*this).Write(vertices, Count);
 }

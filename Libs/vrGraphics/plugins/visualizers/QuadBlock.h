@@ -62,10 +62,10 @@ struct vrMKPQuadBlock
     void Set_Tangents(const Vector3 &tangent);
     /// All corners p become p * scale + offset.
     void Map_Corners(float scale, const Vector3 &offset);
-    /// Writes 4 * Count vertices: position, normal, texture and colour. `fetchesAhead` as in `Write_Word_Rows`.
-    void Write(vrLitVertex *vertices, bool fetchesAhead = false) const;
+    /// Writes 4 * Count vertices: position, normal, texture and colour.
+    void Write(vrLitVertex *vertices) const;
     /// Tangent and binormal too.
-    void Write(vrLitBumpVertex *vertices, bool fetchesAhead = false) const;
+    void Write(vrLitBumpVertex *vertices) const;
 
     int Count = 0;
 

@@ -17,8 +17,6 @@ namespace
 {
 
 constexpr float ASPECT_TOLERANCE = 0.0001f;
-/// Draws of more bytes leave the caches before the next frame. Up to there asking for memory ahead only costs.
-constexpr size_t LARGE_BYTES = size_t(6) << 20;
 
 float Distance_Squared(const Vector3 &a, const Vector3 &b)
 {
@@ -149,7 +147,6 @@ bool vrMKPQuadDraw::Allocate(int quads, vrPrimVertexType type, const char *class
         return false;
     }
     Data->Set_Vertices(vertices, 4 * quads, Get_Vertex_Size(type));
-    IsLarge = static_cast<size_t>(Data->VertexBytes) > LARGE_BYTES;
     return true;
 }
 
@@ -182,7 +179,7 @@ void vrMKPQuadDraw::Fetch(const vrMKPParticleRun &run, const vrMKPAspect &aspect
 void vrMKPQuadDraw::Write(const vrMKPQuadBlock &quads, int first) const
 {
     if (Is_Bump())
-        quads.Write(static_cast<vrLitBumpVertex *>(Data->Vertices) + 4 * first, IsLarge);
+        quads.Write(static_cast<vrLitBumpVertex *>(Data->Vertices) + 4 * first);
     else
-        quads.Write(static_cast<vrLitVertex *>(Data->Vertices) + 4 * first, IsLarge);
+        quads.Write(static_cast<vrLitVertex *>(Data->Vertices) + 4 * first);
 }

@@ -91,6 +91,5 @@ private:
     bool Set_Up(vrMKPBuffer &buffer, const vrPreRenderContext &context, bool usesSceneLighting);
 
     bool IsSorted = false;
-    bool IsLarge = false;
     vrPrimVertexType Type = VR_LIT_VERTEX;
 };

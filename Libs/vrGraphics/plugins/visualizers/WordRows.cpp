@@ -15,6 +15,8 @@ namespace
 /// Words that are turned around at a time, and stand in one 16-byte lane of a register.
 constexpr int LANE = 4;
 constexpr int CACHE_LINE = 64;
+/// From what is written to what the processor is asked to fetch for it: a frame's vertices have left the caches by the
+/// time that the next ones are written over them.
 constexpr int BYTES_AHEAD = 8192;
 
 // In each lane, `Mix` takes the floats 0 and 1, or 2 and 3, of both in turns; `Join` the first two, or the last two, of
@@ -128,7 +130,7 @@ MK_INLINE void Write_Square(float *to, int stride, const float *const *words, in
     }
 }
 
-/// The memory that so many words some way behind these go to.
+/// The memory some way behind so many words.
 MK_INLINE void Fetch_Ahead(const float *words, int count)
 {
     const char *const ahead = reinterpret_cast<const char *>(words) + BYTES_AHEAD;
@@ -137,50 +139,63 @@ MK_INLINE void Fetch_Ahead(const float *words, int count)
 
 /// Expects at least as many things and words as a register has floats. Where their numbers aren't multiples the last
 /// ones are written twice.
-template <typename Register>
-MK_INLINE void Write_Squares(float *__restrict to, const float *const *__restrict words, int wordCount, int count,
-                             bool fetchesAhead)
+template <typename Register, int WORDS>
+MK_INLINE void Write_Squares(float *__restrict to, const float *const *__restrict words, int count)
 {
     constexpr int SIDE = FLOATS<Register>;
     for (int nextThing = 0; nextThing < count; nextThing += SIDE) {
         const int thing = std::min(nextThing, count - SIDE);
-        if (fetchesAhead) Fetch_Ahead(to + thing * wordCount, SIDE * wordCount);
-        for (int nextWord = 0; nextWord < wordCount; nextWord += SIDE) {
-            const int word = std::min(nextWord, wordCount - SIDE);
-            Write_Square<Register>(to + thing * wordCount + word, wordCount, words + word, thing);
+        Fetch_Ahead(to + thing * WORDS, SIDE * WORDS);
+        for (int nextWord = 0; nextWord < WORDS; nextWord += SIDE) {
+            const int word = std::min(nextWord, WORDS - SIDE);
+            Write_Square<Register>(to + thing * WORDS + word, WORDS, words + word, thing);
         }
     }
 }
 
-MK_SIMD_4_FLOATS void Write(float *to, const float *const *words, int wordCount, int count, bool fetchesAhead)
+/// By the widest registers that there are things enough for. Expects four things.
+template <typename Register, int WORDS>
+MK_INLINE void Write_Rows(float *to, const float *const *words, int count)
 {
-    Write_Squares<Register4>(to, words, wordCount, count, fetchesAhead);
+    if (count < FLOATS<Register>)
+        Write_Squares<Register4, WORDS>(to, words, count);
+    else
+        Write_Squares<Register, WORDS>(to, words, count);
+}
+
+/// Each number of words has its loops: what they know of strides counts.
+template <typename Register>
+MK_INLINE void Write_By(float *to, const float *const *words, int wordCount, int count)
+{
+    if (wordCount == LIT_QUAD_WORDS)
+        Write_Rows<Register, LIT_QUAD_WORDS>(to, words, count);
+    else
+        Write_Rows<Register, LIT_BUMP_QUAD_WORDS>(to, words, count);
+}
+
+MK_SIMD_4_FLOATS void Write(float *to, const float *const *words, int wordCount, int count)
+{
+    Write_By<Register4>(to, words, wordCount, count);
 }
 
 #ifdef MK_SIMD_8_FLOATS
-MK_SIMD_8_FLOATS void Write(float *to, const float *const *words, int wordCount, int count, bool fetchesAhead)
+MK_SIMD_8_FLOATS void Write(float *to, const float *const *words, int wordCount, int count)
 {
-    if (count < 8)
-        Write_Squares<Register4>(to, words, wordCount, count, fetchesAhead);
-    else
-        Write_Squares<Register8>(to, words, wordCount, count, fetchesAhead);
+    Write_By<Register8>(to, words, wordCount, count);
 }
 
-MK_SIMD_16_FLOATS void Write(float *to, const float *const *words, int wordCount, int count, bool fetchesAhead)
+MK_SIMD_16_FLOATS void Write(float *to, const float *const *words, int wordCount, int count)
 {
-    if (count < 16)
-        Write_Squares<Register4>(to, words, wordCount, count, fetchesAhead);
-    else
-        Write_Squares<Register16>(to, words, wordCount, count, fetchesAhead);
+    Write_By<Register16>(to, words, wordCount, count);
 }
 #endif
 
 } // namespace
 
-void Write_Word_Rows(void *to, const float *const *words, int wordCount, int count, bool fetchesAhead)
+void Write_Word_Rows(void *to, const float *const *words, int wordCount, int count)
 {
     if (count >= LANE) {
-        Write(static_cast<float *>(to), words, wordCount, count, fetchesAhead);
+        Write(static_cast<float *>(to), words, wordCount, count);
         return;
     }
     auto *at = static_cast<uint8_t *>(to);
