@@ -1,5 +1,7 @@
 // What a layer's draw costs ahead of the driver, in nanoseconds a visible particle: selection, bounds, sorting and the
-// building of vertices, beside a plain loop that writes as many bytes.
+// building of vertices, beside a plain loop that writes as many bytes. `vertex_bench [NAME] [COUNT...]` measures the
+// kinds whose names begin like that, with other counts of particles. The last column tells whether two builds make the
+// same vertices.
 
 #include "PlainQuads.h"
 #include "Timing.h"
@@ -11,16 +13,26 @@
 #include "vrGraphics/drivercommon/vrRenderContext.h"
 #include "vrGraphics/particle/vrMKPRenderState.h"
 #include "vrGraphics/plugins/vrMKPPluginTable.h"
+#include "vrGraphics/plugins/visualizers/vrMKPSimpleVisualizerData.h"
 #include "vrGraphics/plugins/visualizers/vrMKPVisualizer.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <vector>
 
 namespace
 {
 
 constexpr int ROUNDS = 15;
+constexpr int MOST = 1000000;
+const char *wanted = "";
+
+bool Is_Wanted(const char *what)
+{
+    return std::strncmp(what, wanted, std::strlen(wanted)) == 0;
+}
 
 /// A layer that has been alive for a while, with its visualizer.
 class Layer
@@ -75,6 +87,15 @@ public:
         });
     }
     vrMKPBuffer &Get_Buffer() { return *Buffer; }
+    /// Of the vertices that `Build` left.
+    uint32_t Get_Checksum() const
+    {
+        const auto &data = static_cast<const vrMKPSimpleVisualizerData &>(*Buffer->VisualizerData);
+        const auto *bytes = static_cast<const uint8_t *>(data.Vertices);
+        uint32_t sum = 2166136261u;
+        for (size_t at = 0; at < static_cast<size_t>(data.VertexBytes); ++at) sum = (sum ^ bytes[at]) * 16777619u;
+        return sum;
+    }
 
 private:
     void Fill(int slot, RandomClass &random)
@@ -100,15 +121,17 @@ private:
     vrPreRenderContext Context;
 };
 
-void Print(const char *what, int count, double ours, double limit)
+void Print(const char *what, int count, double ours, double limit = 0.0, const Layer *built = nullptr)
 {
     std::printf("%-28s %8d %10.2f", what, count, ours);
     if (limit > 0.0) std::printf(" %10.2f %8.2f", limit, ours / limit);
+    if (built) std::printf("  %08x", built->Get_Checksum());
     std::printf("\n");
 }
 
 void Bench_Kind(const char *what, vrMKPPluginId kind, int count, void (*change)(Layer &) = nullptr)
 {
+    if (!Is_Wanted(what)) return;
     Layer layer(count, kind);
     if (change) change(layer);
     layer.Select();
@@ -116,7 +139,7 @@ void Bench_Kind(const char *what, vrMKPPluginId kind, int count, void (*change)(
     const auto [ours, limit] = Timing::Compare(
         ROUNDS, [&] { return layer.Build(); }, [&] { return layer.Time([&] { plain.Build(); }); });
     if (plain.Get_Checksum() == 12345.0f) std::abort(); // keeps the loop
-    Print(what, count, ours, limit);
+    Print(what, count, ours, limit, &layer);
 }
 
 /// Births of ten at a time.
@@ -133,6 +156,7 @@ void Make_Clusters(Layer &layer)
 
 void Bench_Velocity_Bounds(int count)
 {
+    if (!Is_Wanted("bounds")) return;
     Layer moving(count, kvrMKPVelocityAlignedVisualizer);
     Layer plain(count, kvrMKPBillboardVisualizer);
     const auto [stretched, bounds] = Timing::Compare(
@@ -142,6 +166,7 @@ void Bench_Velocity_Bounds(int count)
 
 void Bench_Sorting(int count)
 {
+    if (!Is_Wanted("sorting")) return;
     Layer sorted(count, kvrMKPBillboardVisualizer);
     Layer unsorted(count, kvrMKPBillboardVisualizer);
     sorted.Set("Sort", true);
@@ -149,32 +174,37 @@ void Bench_Sorting(int count)
     unsorted.Select();
     const auto [with, without] = Timing::Compare(
         ROUNDS, [&] { return sorted.Build(); }, [&] { return unsorted.Build(); });
-    Print("sorting, on top", count, with - without, 0.0);
+    Print("sorting, on top", count, with - without);
 }
 
 void Bench_Selection(int count)
 {
+    if (!Is_Wanted("selection")) return;
     Layer all(count, kvrMKPBillboardVisualizer);
     Layer half(count, kvrMKPBillboardVisualizer);
     half.Get_Buffer().MinDynamicLOD = 0.5f;
     half.Get_Buffer().DynamicLODNear = half.Get_Buffer().DynamicLODFar = 0.0f;
     const auto [everyone, someone] = Timing::Compare(
         ROUNDS, [&] { return all.Select(); }, [&] { return half.Select(); });
-    Print("selection of all", count, everyone, 0.0);
-    Print("selection of half", count, someone, 0.0);
+    Print("selection of all", count, everyone);
+    Print("selection of half", count, someone);
     const auto [bounds, again] = Timing::Compare(
         ROUNDS, [&] { return all.Measure(); }, [&] { return half.Measure(); });
-    Print("bounds", count, std::min(bounds, again), 0.0);
+    Print("bounds", count, std::min(bounds, again));
 }
 
 } // namespace
 
-int main()
+int main(int argumentCount, char **arguments)
 {
-    constexpr int MOST = 1000000;
+    std::vector<int> counts;
+    int at = 1;
+    if (argumentCount > 1 && std::atoi(arguments[1]) == 0) wanted = arguments[at++];
+    for (; at < argumentCount; ++at) counts.push_back(std::clamp(std::atoi(arguments[at]), 1, MOST));
+    if (counts.empty()) counts = {1000, 10000, 100000, MOST};
     if (!ParticleScratch::Start(static_cast<size_t>(MOST) * 4 * sizeof(vrLitBumpVertex))) return 1;
-    std::printf("%-28s %8s %10s %10s %8s\n", "", "visible", "ns each", "plain loop", "ratio");
-    for (const int count : {1000, 10000, 100000, MOST}) {
+    std::printf("%-28s %8s %10s %10s %8s  %s\n", "", "visible", "ns each", "plain loop", "ratio", "vertices");
+    for (const int count : counts) {
         Bench_Kind("billboards", kvrMKPBillboardVisualizer, count);
         vrGraphicsDriver::Set_Gamma(2.2f);
         Bench_Kind("billboards, gamma 2.2", kvrMKPBillboardVisualizer, count);

@@ -6,8 +6,13 @@
 #if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__) &&               \
     !defined(__SANITIZE_THREAD__) && !defined(MK_BASELINE_ONLY)
 #define MK_SIMD __attribute__((target_clones("arch=x86-64-v4", "arch=x86-64-v3", "default")))
+/// Of a function that is written out for each form, by the width of registers: its bodies have one of these each.
+#define MK_SIMD_16_FLOATS __attribute__((target("arch=x86-64-v4")))
+#define MK_SIMD_8_FLOATS __attribute__((target("arch=x86-64-v3")))
+#define MK_SIMD_4_FLOATS __attribute__((target("default")))
 #else
 #define MK_SIMD
+#define MK_SIMD_4_FLOATS
 #endif
 
 #define MK_INLINE inline __attribute__((always_inline))

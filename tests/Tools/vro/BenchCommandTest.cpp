@@ -71,4 +71,21 @@ TEST(Bench, MeasuresFilesAndNamesThoseWithoutParticles)
         EXPECT_GT(results[0][figure].get<double>(), 0.0) << figure;
     EXPECT_NEAR(results[0]["particles_per_second"].get<double>() * results[0]["nanoseconds_per_particle"].get<double>(),
                 1e9, 1e3);
+    const Json &stages = results[0]["stages"];
+    EXPECT_EQ(stages["simulation"]["particles"], results[0]["live"]);
+    // Nothing is thinned out: what lives is selected, and gets its vertices.
+    for (const char *name : {"selection", "vertices"}) {
+        EXPECT_NEAR(stages[name]["particles"].get<double>(), 75.0, 5.0) << name;
+        EXPECT_GT(stages[name]["seconds"].get<double>(), 0.0) << name;
+    }
+}
+
+TEST(Bench, HasNoDrawStagesWhereNothingIsDrawn)
+{
+    const Workshop shop;
+    shop.Build("blind.vro", vroTest::Group_Json({vroTest::Layer_Json("dots", "null")}));
+    const Json blind = vro::Parse_Json(shop.Vro({"bench", "blind.vro", "--json"}).Out)["results"][0]["stages"];
+    EXPECT_TRUE(blind.contains("simulation"));
+    EXPECT_FALSE(blind.contains("selection"));
+    EXPECT_FALSE(blind.contains("vertices"));
 }

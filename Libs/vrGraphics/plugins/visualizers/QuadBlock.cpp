@@ -1,124 +1,50 @@
 #include "vrGraphics/plugins/visualizers/QuadBlock.h"
 
 #include "MKLib/MKMath/Simd.h"
+#include "vrGraphics/plugins/visualizers/WordRows.h"
 
 #include <algorithm>
+#include <type_traits>
 
 namespace
 {
 
 constexpr int SIZE = vrMKPQuadBlock::SIZE;
 
-/// Four floats, at any address where they are read or written.
-using Floats = float __attribute__((vector_size(16)));
-using LooseFloats = float __attribute__((vector_size(16), aligned(4), may_alias));
-
-MK_INLINE Floats Load(const float *from)
-{
-    return *reinterpret_cast<const LooseFloats *>(from);
-}
-
-MK_INLINE void Store(void *to, const Floats &floats)
-{
-    *static_cast<LooseFloats *>(to) = floats;
-}
-
-/// Four quads' worth of four planes, turned into four floats for each quad.
-struct Rows
-{
-    Floats Row[4];
-};
-
-MK_INLINE Rows Transpose(const float *a, const float *b, const float *c, const float *d)
-{
-    const Floats low1 = __builtin_shufflevector(Load(a), Load(b), 0, 4, 1, 5);
-    const Floats high1 = __builtin_shufflevector(Load(a), Load(b), 2, 6, 3, 7);
-    const Floats low2 = __builtin_shufflevector(Load(c), Load(d), 0, 4, 1, 5);
-    const Floats high2 = __builtin_shufflevector(Load(c), Load(d), 2, 6, 3, 7);
-    return {{__builtin_shufflevector(low1, low2, 0, 1, 4, 5), __builtin_shufflevector(low1, low2, 2, 3, 6, 7),
-             __builtin_shufflevector(high1, high2, 0, 1, 4, 5), __builtin_shufflevector(high1, high2, 2, 3, 6, 7)}};
-}
-
-/// The arrays that the vertices of one corner take their values from. Copied out of the block: what is written might
-/// change the block's own, as far as the compiler knows.
-struct Sources
-{
-    MK_INLINE Sources(const vrMKPQuadBlock &quads, int corner)
-        : X(quads.X[corner]), Y(quads.Y[corner]), Z(quads.Z[corner]), NormalX(quads.VertexNormal[corner][0]),
-          NormalY(quads.VertexNormal[corner][1]), NormalZ(quads.VertexNormal[corner][2]), U(quads.VertexU[corner]),
-          V(quads.VertexV[corner]), Color(quads.VertexColor[corner])
-    {
-    }
-
-    const float *X, *Y, *Z, *NormalX, *NormalY, *NormalZ, *U, *V;
-    const vrColor *Color;
-};
-
-// The vertices of one corner of four quads each, `groups` times.
-MK_SIMD void Write_Lit(vrLitVertex *__restrict vertices, const vrMKPQuadBlock &__restrict quads, int corner, int groups)
-{
-    const Sources from(quads, corner);
-    for (int at = 0; at < 4 * groups; at += 4) {
-        const Rows first = Transpose(from.X + at, from.Y + at, from.Z + at, from.NormalX + at);
-        const Rows second = Transpose(from.NormalY + at, from.NormalZ + at, from.U + at, from.V + at);
-        for (int quad = 0; quad < 4; ++quad) {
-            vrLitVertex &vertex = vertices[4 * (at + quad)];
-            Store(&vertex.Position.x, first.Row[quad]);
-            Store(&vertex.Normal.y, second.Row[quad]);
-            vertex.Color = from.Color[at + quad];
-        }
-    }
-}
-
-MK_SIMD void Write_Lit_Bump(vrLitBumpVertex *__restrict vertices, const vrMKPQuadBlock &__restrict quads, int corner,
-                            int groups)
-{
-    const Sources from(quads, corner);
-    const auto *const tangent = quads.Tangent;
-    const auto *const binormal = quads.Binormal;
-    for (int at = 0; at < 4 * groups; at += 4) {
-        const Rows first = Transpose(from.X + at, from.Y + at, from.Z + at, from.NormalX + at);
-        const Rows second = Transpose(from.NormalY + at, from.NormalZ + at, from.U + at, from.V + at);
-        const Rows third = Transpose(tangent[0] + at, tangent[1] + at, tangent[2] + at, binormal[0] + at);
-        for (int quad = 0; quad < 4; ++quad) {
-            vrLitBumpVertex &vertex = vertices[4 * (at + quad)];
-            Store(&vertex.Position.x, first.Row[quad]);
-            Store(&vertex.Normal.y, second.Row[quad]);
-            Store(&vertex.Tangent.x, third.Row[quad]);
-            vertex.Binormal.y = binormal[1][at + quad];
-            vertex.Binormal.z = binormal[2][at + quad];
-            vertex.Color = from.Color[at + quad];
-        }
-    }
-}
-
-// One vertex, for the quads that are left over.
-void Write_Vertex(vrLitVertex &vertex, const vrMKPQuadBlock &quads, int quad, int corner)
-{
-    const float *const *normal = quads.VertexNormal[corner];
-    vertex.Position = {quads.X[corner][quad], quads.Y[corner][quad], quads.Z[corner][quad]};
-    vertex.Normal = {normal[0][quad], normal[1][quad], normal[2][quad]};
-    vertex.UV = {quads.VertexU[corner][quad], quads.VertexV[corner][quad]};
-    vertex.Color = quads.VertexColor[corner][quad];
-}
-
-void Write_Vertex(vrLitBumpVertex &vertex, const vrMKPQuadBlock &quads, int quad, int corner)
-{
-    const float *const *normal = quads.VertexNormal[corner];
-    vertex.Position = {quads.X[corner][quad], quads.Y[corner][quad], quads.Z[corner][quad]};
-    vertex.Normal = {normal[0][quad], normal[1][quad], normal[2][quad]};
-    vertex.UV = {quads.VertexU[corner][quad], quads.VertexV[corner][quad]};
-    vertex.Tangent = {quads.Tangent[0][quad], quads.Tangent[1][quad], quads.Tangent[2][quad]};
-    vertex.Binormal = {quads.Binormal[0][quad], quads.Binormal[1][quad], quads.Binormal[2][quad]};
-    vertex.Color = quads.VertexColor[corner][quad];
-}
-
+/// What the words of a quad's vertices come from.
 template <typename Vertex>
-void Write_Rest(Vertex *vertices, const vrMKPQuadBlock &quads, int first)
+class WordSources
 {
-    for (int quad = first; quad < quads.Count; ++quad)
-        for (int corner = 0; corner < 4; ++corner) Write_Vertex(vertices[4 * quad + corner], quads, quad, corner);
-}
+public:
+    static constexpr bool IS_BUMP = std::is_same_v<Vertex, vrLitBumpVertex>;
+    static constexpr int WORDS = IS_BUMP ? LIT_BUMP_QUAD_WORDS : LIT_QUAD_WORDS;
+    static_assert(WORDS * sizeof(float) == 4 * sizeof(Vertex));
+
+    explicit WordSources(const vrMKPQuadBlock &quads)
+    {
+        for (int corner = 0; corner < 4; ++corner) {
+            Put(quads.X[corner], quads.Y[corner], quads.Z[corner]);
+            Put(quads.VertexNormal[corner][0], quads.VertexNormal[corner][1], quads.VertexNormal[corner][2]);
+            Put(quads.VertexU[corner], quads.VertexV[corner]);
+            if constexpr (IS_BUMP) {
+                Put(quads.Tangent[0], quads.Tangent[1], quads.Tangent[2]);
+                Put(quads.Binormal[0], quads.Binormal[1], quads.Binormal[2]);
+            }
+            Put(reinterpret_cast<const float *>(quads.VertexColor[corner])); // only ever copied
+        }
+    }
+    void Write(Vertex *vertices, int count) const { Write_Word_Rows(vertices, Words, WORDS, count); }
+
+private:
+    template <typename... Planes>
+    void Put(const Planes *...planes)
+    {
+        ((Words[Count++] = planes), ...);
+    }
+
+    int Count = 0;
+    const float *Words[WORDS];
+};
 
 void Fill(vrMKPQuadBlock::Plane (&planes)[3], const Vector3 &value)
 {
@@ -224,12 +150,10 @@ void vrMKPQuadBlock::Map_Corners(float scale, const Vector3 &offset)
 
 void vrMKPQuadBlock::Write(vrLitVertex *vertices) const
 {
-    for (int corner = 0; corner < 4; ++corner) Write_Lit(vertices + corner, *this, corner, Count / 4);
-    Write_Rest(vertices, *this, Count / 4 * 4);
+    WordSources<vrLitVertex>(*this).Write(vertices, Count);
 }
 
 void vrMKPQuadBlock::Write(vrLitBumpVertex *vertices) const
 {
-    for (int corner = 0; corner < 4; ++corner) Write_Lit_Bump(vertices + corner, *this, corner, Count / 4);
-    Write_Rest(vertices, *this, Count / 4 * 4);
+    WordSources<vrLitBumpVertex>(*this).Write(vertices, Count);
 }

@@ -17,9 +17,6 @@ namespace
 {
 
 constexpr float ASPECT_TOLERANCE = 0.0001f;
-constexpr int CACHE_LINE = 64;
-/// Draws of more bytes don't stay in a second cache, and it pays to ask for memory ahead.
-constexpr size_t LARGE_BYTES = size_t(2) << 20;
 
 float Distance_Squared(const Vector3 &a, const Vector3 &b)
 {
@@ -47,13 +44,6 @@ void Key_Young_By_Distance(vrMKPSortEntry *entries, int count, vrMKPBuffer &buff
             entries[at].Key = buffer.SortingRelativeToGroup[slot] - base;
         }
     }
-}
-
-template <int WRITES>
-MK_INLINE void Fetch_Lines(const void *memory, int bytes)
-{
-    const auto *at = static_cast<const char *>(memory);
-    for (const char *const end = at + bytes; at < end; at += CACHE_LINE) __builtin_prefetch(at, WRITES);
 }
 
 MK_SIMD void List(vrMKPSortEntry *__restrict entries, const uint32_t *__restrict slots, int count)
@@ -157,26 +147,7 @@ bool vrMKPQuadDraw::Allocate(int quads, vrPrimVertexType type, const char *class
         return false;
     }
     Data->Set_Vertices(vertices, 4 * quads, Get_Vertex_Size(type));
-    IsLarge = static_cast<size_t>(Data->VertexBytes) > LARGE_BYTES;
     return true;
-}
-
-void vrMKPQuadDraw::Fetch_Ahead(int first) const
-{
-    const int quadBytes = 4 * Get_Vertex_Size(Type);
-    const int count = std::min(Get_Count() - first, vrMKPParticleRun::SIZE);
-    Fetch_Lines<1>(static_cast<const char *>(Data->Vertices) + static_cast<size_t>(first) * quadBytes,
-                   count * quadBytes);
-    const int next = first + count;
-    if (next >= Get_Count()) return;
-    Get_Run(next).For_Slots([this](size_t slot, int slots) {
-        Fetch_Lines<0>(Buffer->WorldPosition + slot, slots * static_cast<int>(sizeof(Vector3)));
-        Fetch_Lines<0>(Buffer->Size + slot, slots * static_cast<int>(sizeof(Vector2)));
-        Fetch_Lines<0>(Buffer->UV + slot, slots * static_cast<int>(sizeof(Vector2)));
-        Fetch_Lines<0>(Buffer->DUV + slot, slots * static_cast<int>(sizeof(Vector2)));
-        Fetch_Lines<0>(Buffer->Color + slot, slots * static_cast<int>(sizeof(vrColor)));
-        Fetch_Lines<0>(Buffer->Rotation + slot, slots * static_cast<int>(sizeof(uint32_t)));
-    });
 }
 
 vrMKPParticleRun vrMKPQuadDraw::Get_Run(int first) const

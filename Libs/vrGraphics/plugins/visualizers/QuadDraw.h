@@ -57,7 +57,6 @@ public:
         const int count = Get_Count();
         for (int first = 0; first < count; first += vrMKPParticleRun::SIZE) {
             const vrMKPParticleRun run = Get_Run(first);
-            if (IsLarge) Fetch_Ahead(first);
             Fetch(run, aspect, quads);
             build(run, quads);
             if (MapsPositions) quads.Map_Corners(PositionScale, PositionOffset);
@@ -93,10 +92,6 @@ public:
 private:
     bool Set_Up(vrMKPBuffer &buffer, const vrPreRenderContext &context, bool usesSceneLighting);
 
-    /// Hints at the memory that a block writes and the next one reads. Of large draws; others lie in the cache.
-    void Fetch_Ahead(int first) const;
-
     bool IsSorted = false;
-    bool IsLarge = false;
     vrPrimVertexType Type = VR_LIT_VERTEX;
 };
