@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <cstdlib>
 #include <string_view>
 
 namespace
@@ -32,6 +33,11 @@ bool Has_Client_Extension(std::string_view name)
 }
 
 } // namespace
+
+void vrEGLSurface::Prefer_Exact_Filtering()
+{
+    ::setenv("GALLIVM_PERF", "no_aos_sampling", 0);
+}
 
 std::unique_ptr<vrEGLSurface> vrEGLSurface::Create(int width, int height, std::string &error)
 {

@@ -20,6 +20,10 @@ public:
     /// Frames are shown when they are done, without a wait for the screen.
     static std::unique_ptr<vrEGLSurface> Create_On_Window(void *display, unsigned long window, std::string &error);
     ~vrEGLSurface() override;
+    /// Mesa's rasteriser on the processor filters textures in bytes by itself, whose steps show as blocks where light
+    /// is faint: from here on it doesn't, unless the environment has a GALLIVM_PERF of its own. Ahead of the process's
+    /// first surface, and of threads that read the environment.
+    static void Prefer_Exact_Filtering();
 
     bool Make_Current() override;
     void Release_Current() override;

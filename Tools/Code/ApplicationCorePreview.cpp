@@ -149,6 +149,10 @@ float ApplicationCore::Advance_Scene(float elapsed)
 void ApplicationCore::Animation_Timer_Tick(Sender, const EventArgs &)
 {
     if (renderMutex) return;
+    if (viewForm->Get_Window_State() == FormWindowState::Minimized) {
+        firstTick = true; // time that nobody saw pass doesn't count
+        return;
+    }
     const ScopedLatch latch(renderMutex);
     const float elapsed = Get_Elapsed_Seconds();
     vorenData->Update_Camera(elapsed);
@@ -202,7 +206,7 @@ void ApplicationCore::View_Form_Closing(Sender, CancelEventArgs &args)
 {
     args.Cancel = true;
     Hide_Preview();
-    mainForm->Set_Preview(false);
+    if (mainForm) mainForm->Set_Preview(false); // its window opens ahead of the main one
 }
 
 void ApplicationCore::View_Form_Closed(Sender, const EventArgs &)

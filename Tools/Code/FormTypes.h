@@ -36,7 +36,8 @@ enum MouseButtons : int
 {
     MOUSE_NONE = 0,
     MOUSE_LEFT = 0x100000,
-    MOUSE_RIGHT = 0x200000
+    MOUSE_RIGHT = 0x200000,
+    MOUSE_OTHER = 0x400000 ///< any of the others
 };
 
 /// Whoever raised an event. The core doesn't look at it.

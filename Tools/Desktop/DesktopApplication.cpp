@@ -46,16 +46,23 @@ QMessageBox::Icon Get_Icon(MessageBoxIcon icon)
     return QMessageBox::NoIcon;
 }
 
-/// A box that was closed without a button gives what changes nothing.
-DialogResult Get_Result(int button)
+/// A box that ended without a button gives what changes nothing.
+DialogResult Get_Result(int button, MessageBoxButtons buttons)
 {
     switch (button) {
     case QMessageBox::Yes: return DialogResult::Yes;
     case QMessageBox::No: return DialogResult::No;
     case QMessageBox::Retry: return DialogResult::Retry;
     case QMessageBox::Cancel: return DialogResult::Cancel;
-    default: return DialogResult::OK;
+    case QMessageBox::Ok: return DialogResult::OK;
+    default: break;
     }
+    switch (buttons) {
+    case MessageBoxButtons::YesNo: return DialogResult::No;
+    case MessageBoxButtons::RetryCancel: return DialogResult::Cancel;
+    case MessageBoxButtons::OK: break;
+    }
+    return DialogResult::OK;
 }
 
 /// From "label|*.a;*.b|label|*.c", as the core has it, to Qt's "label (*.a *.b);;label (*.c)".
@@ -81,7 +88,7 @@ DesktopApplication::DesktopApplication(int &argc, char **argv)
 {
     QApplication::setApplicationName("FlareTrim");
     QApplication::setOrganizationName("FlareTrim");
-    QApplication::setApplicationDisplayName("Flare Trim");
+    // No display name: desktops put it behind every title, and captions stand as they are.
     QApplication::setDesktopFileName("flaretrim");
     // The preview draws into a window of X11, which desktops of the other kind have too.
     if (qEnvironmentVariableIsSet("DISPLAY") && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
@@ -140,7 +147,7 @@ DialogResult DesktopApplication::Show_Message_Box(const std::string &text, const
     box.setTextFormat(Qt::PlainText);
     box.setObjectName("messageBox");
     for (QAbstractButton *button : box.buttons()) button->setIcon(QIcon()); // some styles have icons for some of them
-    const DialogResult result = Get_Result(box.exec());
+    const DialogResult result = Get_Result(box.exec(), buttons);
     // Not every desktop gives the keyboard back to the window below.
     if (parent) parent->window()->activateWindow();
     return result;
@@ -224,5 +231,6 @@ Point DesktopApplication::Get_Cursor_Position() const
 int DesktopApplication::Get_Mouse_Buttons() const
 {
     const Qt::MouseButtons held = QGuiApplication::mouseButtons();
-    return (held & Qt::LeftButton ? MOUSE_LEFT : MOUSE_NONE) | (held & Qt::RightButton ? MOUSE_RIGHT : MOUSE_NONE);
+    return (held & Qt::LeftButton ? MOUSE_LEFT : MOUSE_NONE) | (held & Qt::RightButton ? MOUSE_RIGHT : MOUSE_NONE) |
+           (held & ~(Qt::LeftButton | Qt::RightButton) ? MOUSE_OTHER : MOUSE_NONE);
 }

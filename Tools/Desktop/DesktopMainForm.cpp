@@ -18,6 +18,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QStatusBar>
 
 #include <utility>
@@ -26,6 +27,7 @@ namespace
 {
 
 constexpr int MESSAGE_MILLISECONDS = 8000;
+constexpr QSize FIRST_SIZE(1440, 860);
 
 QString Counted(int count, const QString &one)
 {
@@ -39,7 +41,7 @@ DesktopMainForm::DesktopMainForm(DesktopApplication &owner, IFlareTrimUIManager 
       filter(std::make_unique<ParticleRowFilter>(*model)), source(*model)
 {
     setObjectName("mainForm");
-    resize(1440, 860);
+    resize(FIRST_SIZE.boundedTo(screen()->availableSize()));
     Make_Actions();
     Make_Tool_Bar();
     Make_Centre();

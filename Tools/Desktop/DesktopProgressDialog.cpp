@@ -15,6 +15,7 @@ DesktopProgressDialog::DesktopProgressDialog(DesktopApplication &owner, QWidget 
       name(new QLabel("Looking for files", this)), count(new QLabel(this)), bar(new QProgressBar(this))
 {
     setObjectName("progressDialog");
+    count->setObjectName("progressCount");
     name->setTextFormat(Qt::PlainText);
     name->setMinimumWidth(name->fontMetrics().averageCharWidth() * 48);
     count->setAlignment(Qt::AlignRight);
@@ -37,18 +38,21 @@ void DesktopProgressDialog::Set_Title(const std::string &title)
 
 void DesktopProgressDialog::Set_Step_Count(int steps)
 {
+    stepCount = steps;
     bar->setRange(0, std::max(steps, 1));
 }
 
 void DesktopProgressDialog::Set_Steps(int done)
 {
     bar->setValue(done);
-    count->setText(QString("%1 of %2").arg(std::min(done + 1, bar->maximum())).arg(bar->maximum()));
+    count->setText(QString("%1 of %2").arg(std::min(done + 1, stepCount)).arg(stepCount));
 }
 
 void DesktopProgressDialog::Set_Step_Name(const std::string &text)
 {
-    if (!text.empty()) name->setText(QString::fromStdString(text));
+    if (text.empty()) return;
+    const int width = std::max(name->width(), name->minimumWidth());
+    name->setText(name->fontMetrics().elidedText(QString::fromStdString(text), Qt::ElideMiddle, width));
 }
 
 void DesktopProgressDialog::Done(bool success)

@@ -28,4 +28,5 @@ private:
     QLabel *name;
     QLabel *count;
     QProgressBar *bar;
+    int stepCount = 0;
 };

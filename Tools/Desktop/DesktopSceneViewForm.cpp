@@ -17,6 +17,7 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <cmath>
 
 namespace
@@ -206,7 +207,7 @@ int DesktopSceneViewForm::Get_View_Mode_Index() const
 void DesktopSceneViewForm::Set_View_Mode_Index(int index)
 {
     const QSignalBlocker blocker(viewMode);
-    viewMode->setCurrentIndex(index);
+    viewMode->setCurrentIndex(std::clamp(index, 0, viewMode->count() - 1));
 }
 
 void DesktopSceneViewForm::Set_Render_Axes(bool enabled)

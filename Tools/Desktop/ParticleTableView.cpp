@@ -250,9 +250,9 @@ void ParticleTableView::Drag_Slider(int x)
 void ParticleTableView::Step_Slider(int steps)
 {
     const QModelIndex index = currentIndex();
-    const int value = index.data(Qt::EditRole).toInt();
+    const int wanted = std::clamp(lastStep.Get_Position(index) + steps, 0, THOUSANDTHS);
     Take_Current(index);
-    filter.setData(index, std::clamp(value + steps, 0, THOUSANDTHS));
+    if (filter.setData(index, wanted)) lastStep.Note(index, wanted);
 }
 
 void ParticleTableView::Toggle(const QModelIndex &index)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Desktop/LastStep.h"
+
 #include <QTableView>
 #include <functional>
 #include <vector>
@@ -79,6 +81,7 @@ private:
     Handler currentChangedHandler;
     Handler selectionChangedHandler;
     Handler spacePressed;
+    LastStep lastStep;
     QPersistentModelIndex dragged; ///< the slider that the mouse holds
     bool swallowsRelease = false;  ///< of a press that the grid took for itself
     bool editingEnabled = false;

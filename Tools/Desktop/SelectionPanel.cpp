@@ -142,9 +142,14 @@ void SelectionPanel::Add_Scaled_Field(const QString &text, const char *property)
     grid->addWidget(field.slider, row, SLIDER);
     grid->addWidget(field.line, row, VALUE);
     fields.push_back(field);
-    connect(field.slider, &QSlider::valueChanged, this,
-            [this, field](int value) { Write(field.sliderColumn, value, Qt::EditRole); });
+    connect(field.slider, &QSlider::valueChanged, this, [this, field](int value) { Slider_Moved(field, value); });
     connect(field.line, &QLineEdit::editingFinished, this, [this, field] { Line_Edited(field); });
+}
+
+void SelectionPanel::Slider_Moved(const ScaledField &field, int value)
+{
+    Write(field.sliderColumn, value, Qt::EditRole);
+    lastStep.Note(model.index(summaries[static_cast<size_t>(field.sliderColumn)].Row, field.sliderColumn), value);
 }
 
 void SelectionPanel::Line_Edited(const ScaledField &field)
@@ -216,7 +221,7 @@ void SelectionPanel::Show_Field(ScaledField &field)
     field.line->setPlaceholderText(
         value.IsMixed ? Get_Short_Number(value.Least) + QChar(0x2013) + Get_Short_Number(value.Greatest) : QString());
     const ColumnSummary &slider = summaries[static_cast<size_t>(field.sliderColumn)];
-    const int thousandths = QString::fromStdString(slider.Text).toInt();
+    const int thousandths = slider.Row < 0 ? 0 : lastStep.Get_Position(model.index(slider.Row, field.sliderColumn));
     if (value.IsMixed)
         field.slider->Show_Band(static_cast<int>(slider.Least), static_cast<int>(slider.Greatest), thousandths);
     else

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Desktop/LastStep.h"
 #include "Desktop/SelectionSummary.h"
 
 #include <QString>
@@ -49,12 +50,14 @@ private:
     void Show_Level();
     void Show_Lighting();
     void Write(int column, const QVariant &value, int role);
+    void Slider_Moved(const ScaledField &field, int value);
     void Line_Edited(const ScaledField &field);
 
     ParticleTableModel &model;
     std::vector<int> rows; ///< in the order of the grid
     int current = -1;
     std::vector<ColumnSummary> summaries; ///< of these rows, by column
+    LastStep lastStep;
     bool editingEnabled = false;
     QGridLayout *grid;
     QLabel *title;

@@ -13,6 +13,7 @@ namespace
 constexpr int TITLE_HEIGHT = 24;
 constexpr int TITLE_WIDTH = 80;
 constexpr int SMALLEST = 200;
+constexpr int FARTHEST = 1 << 20;
 
 bool Is_Within_Reach(const QRect &title)
 {
@@ -34,7 +35,8 @@ Point WindowPlacement::Get_Location() const
 void WindowPlacement::Set_Location(Point location)
 {
     isRestored = false;
-    window.move(location.X, location.Y);
+    // Farther out no desktop has a screen, and sums of coordinates don't overflow.
+    window.move(std::clamp(location.X, -FARTHEST, FARTHEST), std::clamp(location.Y, -FARTHEST, FARTHEST));
     Keep_On_Screen();
     givenLocation = {window.pos().x(), window.pos().y()};
 }

@@ -7,6 +7,7 @@
 #include "FlareTrim/ScreenshotSession.h"
 #include "Headless/HeadlessApplication.h"
 #include "Headless/HeadlessForms.h"
+#include "vrOpenGL/vrEGLSurface.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -68,6 +69,7 @@ int main(int argc, char **argv)
         std::fputs("There is no screen here. Run the tool under xvfb-run, or with --headless.\n", stderr);
         return 2;
     }
+    vrEGLSurface::Prefer_Exact_Filtering();
     if (wantsPictures) return Run_Screenshots(argc, argv, argv[2]);
     DesktopApplication application(argc, argv);
     return Run_Tool(application, Make_Preview(application));

@@ -13,8 +13,6 @@
 
 #include <glm/geometric.hpp>
 
-#include <cstdlib>
-
 namespace vro
 {
 
@@ -83,8 +81,7 @@ bool OffscreenView::Start(const std::string &workingDirectory, std::string &erro
 {
     Set_Search_Paths(workingDirectory);
     Init_Floating_Point_Mode();
-    // Mesa's rasteriser on the processor would filter textures in bytes, whose steps show where light is faint.
-    ::setenv("GALLIVM_PERF", "no_aos_sampling", 0);
+    vrEGLSurface::Prefer_Exact_Filtering();
     Holder->Surface = vrEGLSurface::Create(Options.Width, Options.Height, error);
     if (!Holder->Surface) {
         error = "no OpenGL device: " + error;

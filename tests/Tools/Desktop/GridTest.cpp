@@ -115,6 +115,19 @@ TEST_F(Grid, TypedNumbersGoToTheSelection)
     EXPECT_EQ(tool.Selected_Names().size(), 2u);
 }
 
+/// 0.251 of single precision is a little less, and reads as 250.
+TEST_F(Grid, StepsGoOnFromWhatTheyWroteWhereReadingTruncates)
+{
+    tool.Click(0, "MinimumDynamicLODPerThousandth");
+    tool.Row(0).Set_MinimumDynamicLOD(0.25f);
+    tool.Press_Key(Qt::Key_Plus);
+    tool.Press_Key(Qt::Key_Plus);
+    EXPECT_EQ(tool.Row(0).Get_MinimumDynamicLOD(), 0.252f);
+    tool.Press_Key(Qt::Key_Minus);
+    tool.Press_Key(Qt::Key_Minus);
+    EXPECT_EQ(tool.Row(0).Get_MinimumDynamicLOD(), 0.25f);
+}
+
 TEST_F(Grid, AnEditorThatWasOnlyOpenedWritesNothing)
 {
     tool.Click(0, "DynamicLODFarDistance");

@@ -2,6 +2,7 @@
 #include "Code/RunTool.h"
 #include "MKLib/ChunkFile/ChunkFileWriter.h"
 #include "MKLib/File/File.h"
+#include "Desktop/DesktopProgressDialog.h"
 #include "Tools/Code/FakeP4.h"
 #include "Tools/Desktop/DesktopFixture.h"
 #include "vrGraphics/effect/vrMKParticleEmitter.h"
@@ -19,6 +20,9 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <climits>
+#include <stdexcept>
 
 using namespace ToolTest;
 using testing::ElementsAre;
@@ -193,6 +197,62 @@ TEST_F(Form, WithoutADeviceTheToolSaysThatThereIsNoPreview)
     EXPECT_EQ(tool.Label_Text("previewState"), "No preview: there is no graphics device");
 }
 
+TEST(Progress, CountsFromTheFirstFileAndSaysThatThereIsNone)
+{
+    const struct
+    {
+        int count, done;
+        const char *text;
+    } cases[] = {{0, 0, "0 of 0"}, {3, 0, "1 of 3"}, {3, 2, "3 of 3"}};
+    for (const auto &[count, done, text] : cases) {
+        DesktopProgressDialog dialog(Get_Desktop(), nullptr);
+        dialog.Set_Step_Count(count);
+        dialog.Set_Steps(done);
+        EXPECT_EQ(dialog.findChild<QLabel *>("progressCount")->text(), text);
+    }
+}
+
+TEST(Progress, ALongNameKeepsTheDialogsWidth)
+{
+    DesktopProgressDialog dialog(Get_Desktop(), nullptr);
+    dialog.show();
+    Let_Events_Run();
+    const int width = dialog.width();
+    dialog.Set_Step_Name(std::string(250, 'w') + ".vro");
+    Let_Events_Run();
+    EXPECT_EQ(dialog.width(), width);
+}
+
+/// Desktops put the program's display name behind every title when it has one.
+TEST(Boxes, HaveTheirCaptionsAsTheyStand)
+{
+    EXPECT_EQ(QGuiApplication::applicationDisplayName(), QCoreApplication::applicationName());
+}
+
+TEST(Boxes, ThatAnErrorEndsAnswerWhatChangesNothing)
+{
+    DesktopApplication &application = Get_Desktop();
+    const struct
+    {
+        MessageBoxButtons buttons;
+        DialogResult result;
+    } cases[] = {{MessageBoxButtons::YesNo, DialogResult::No}, {MessageBoxButtons::RetryCancel, DialogResult::Cancel}};
+    for (const auto &[buttons, result] : cases) {
+        QTimer::singleShot(20, [&] { application.Guard([] { throw std::runtime_error("lost"); }); });
+        EXPECT_EQ(application.Show_Message_Box("Really?", "", buttons, MessageBoxIcon::Question), result);
+        EXPECT_THROW(application.Rethrow(), std::runtime_error);
+    }
+}
+
+TEST(Placement, OfAFirstStartFitsTheScreen)
+{
+    DesktopTool tool;
+    tool.Open();
+    const QSize screen = tool.form->screen()->availableSize();
+    EXPECT_LE(tool.form->width(), screen.width());
+    EXPECT_LE(tool.form->height(), screen.height());
+}
+
 TEST(Placement, IsRestoredBeforeTheWindowShows)
 {
     DesktopTool tool;
@@ -233,6 +293,7 @@ TEST(Placement, OnAScreenThatIsGoneOrTooSmallComesIntoReach)
     } cases[] = {{"right of all screens", {5000, 100}, {600, 400}},
                  {"above", {100, -3000}, {600, 400}},
                  {"larger than the screen", {0, 0}, {9000, 9000}},
+                 {"where no number goes", {INT_MAX, INT_MIN}, {600, 400}},
                  {"without a size", {-4000, 0}, {0, 0}}};
     for (const auto &[what, location, size] : cases) {
         DesktopTool tool;
@@ -260,6 +321,30 @@ TEST(WholeRun, AMissingWorkingDirectoryEndsInTheExceptionsBox)
     EXPECT_EQ(Run_Tool(application, std::make_unique<NoPreview>()), 0);
     EXPECT_THAT(answers.texts, ElementsAre(HasSubstr("Exception: The emitter files can't be listed.")));
     EXPECT_EQ(application.Get_Main_Form(), nullptr);
+    application.Set_Session(nullptr);
+}
+
+TEST(WholeRun, TwoModifiedEffectsOfOneNameEndInTheExceptionsBox)
+{
+    MKTest::Reports reports;
+    const MKTest::TempDirectory directory;
+    const MKTest::CurrentDirectory current(directory.Make_Directory("run"));
+    directory.Make_Directory("Art/Models");
+    const std::string file = directory / "Art/Models/fire.vro";
+    Write_Emitter(file, {Plain_Layer()});
+    std::filesystem::copy_file(file, directory / "Art/Models/fire.VRO"); // an emitter is named as its file
+    DesktopApplication &application = Get_Desktop();
+    application.Set_Session([&](DesktopMainForm &form) {
+        form.Get_Actions().Scan->trigger();
+        form.Get_Table().Select_Source_Rows({0, 1});
+        const int column = Find_Particle_Column("DynamicLODNearDistance");
+        EXPECT_EQ(form.Get_Model().Get_Count(), 2);
+        form.Get_Model().setData(form.Get_Model().index(0, column), "7");
+        application.Leave();
+    });
+    BoxAnswers answers("OK");
+    EXPECT_EQ(Run_Tool(application, std::make_unique<NoPreview>()), 0);
+    EXPECT_THAT(answers.texts, ElementsAre(HasSubstr("Exception: Two modified emitters are named 'fire'")));
     application.Set_Session(nullptr);
 }
 

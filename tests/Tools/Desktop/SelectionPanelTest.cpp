@@ -82,6 +82,24 @@ TEST_F(Panel, ASliderGoesToAllOfTheSelection)
     EXPECT_EQ(tool.Row(1).Get_MinimumDynamicLOD(), 1.0f);
 }
 
+/// 0.251 of single precision is a little less, and reads as 250.
+TEST_F(Panel, StepsOfASliderGoOnFromWhatTheyWrote)
+{
+    Select({0});
+    tool.Row(0).Set_MinimumDynamicLOD(0.25f);
+    Select({2});
+    Select({0});
+    QSlider &slider = Field<QSlider>("MinimumDynamicLODPerThousandth");
+    slider.setFocus();
+    for (int step = 0; step < 2; ++step) {
+        QTest::keyClick(&slider, Qt::Key_Right);
+        Let_Events_Run();
+    }
+    EXPECT_EQ(tool.Row(0).Get_MinimumDynamicLOD(), 0.252f);
+    Select({2});
+    EXPECT_EQ(slider.value(), 1000);
+}
+
 TEST_F(Panel, HeatIsEditedThroughTheRowThatHasItWhateverRowIsCurrent)
 {
     Select({0, 2});

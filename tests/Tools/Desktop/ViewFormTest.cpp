@@ -92,6 +92,18 @@ TEST_F(View, MinimisingTheMainWindowStopsItAndRestoringGoesOn)
     EXPECT_THAT(Calls_Of_A_While(), Not(Contains(StartsWith("add"))));
 }
 
+TEST_F(View, MinimisedItNeitherSimulatesNorDrawsAndGoesOnWithoutAJump)
+{
+    Form().showMinimized();
+    Let_Events_Run();
+    EXPECT_THAT(Calls_Of_A_While(), IsEmpty());
+    record.steps.clear();
+    Form().showNormal();
+    EXPECT_THAT(Calls_Of_A_While(), Contains("update"));
+    ASSERT_FALSE(record.steps.empty());
+    EXPECT_EQ(record.steps.front(), 0.0f);
+}
+
 TEST_F(View, TogglesFlipTheSettings)
 {
     const ViewFormActions &actions = Form().Get_Actions();
@@ -126,6 +138,25 @@ TEST_F(View, TheViewModeIsAppliedWhenTheUserPicksIt)
     EXPECT_EQ(Settings().ViewMode, 0);
     EXPECT_EQ(vrMKPSpawner::Get_Global_LOD(), 0);
     vrMKPSpawner::Set_Global_LOD_Level(4);
+}
+
+TEST_F(View, AModeThatThereIsNotShowsTheNearest)
+{
+    Form().Set_View_Mode_Index(9);
+    EXPECT_EQ(Form().Get_View_Mode_Index(), 4);
+    Form().Set_View_Mode_Index(-3);
+    EXPECT_EQ(Form().Get_View_Mode_Index(), 0);
+}
+
+TEST_F(View, AnotherButtonHeldBesideTheLeftOneTurnsNothing)
+{
+    const QPoint middle = Form().Get_Panel().rect().center();
+    Mouse(QEvent::MouseButtonPress, middle, Qt::LeftButton);
+    record.Take();
+    Mouse(QEvent::MouseButtonPress, middle, Qt::MiddleButton);
+    EXPECT_THAT(record.Take(), testing::AllOf(Contains("rotate end"), Not(Contains("rotate begin"))));
+    Mouse(QEvent::MouseButtonRelease, middle, Qt::MiddleButton);
+    Mouse(QEvent::MouseButtonRelease, middle, Qt::LeftButton);
 }
 
 TEST_F(View, ADragTurnsTheCameraAndTheWheelMovesItAway)
@@ -199,6 +230,15 @@ TEST_F(View, ItsPlacementIsKeptOnClosing)
     EXPECT_EQ(Settings().ViewFormLocation, (Point{60, 50}));
     EXPECT_EQ(Settings().ViewFormSize, (Size{640, 480}));
     EXPECT_EQ(tool.application.Get_View_Form(), nullptr);
+}
+
+TEST(ViewAlone, ItsCloseBoxHidesItAheadOfTheMainWindow)
+{
+    PreviewRecord record;
+    DesktopTool tool(std::make_unique<RecordingPreview>(record));
+    ASSERT_TRUE(tool.application.Get_View_Form()->isVisible());
+    EXPECT_FALSE(tool.application.Get_View_Form()->close());
+    EXPECT_FALSE(tool.application.Get_View_Form()->isVisible());
 }
 
 } // namespace
