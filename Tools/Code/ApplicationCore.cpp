@@ -120,6 +120,7 @@ void ApplicationCore::Browse_Button_Click(Sender, const EventArgs &)
     if (Application::Get_Instance().Show_Folder_Picker(picker) != DialogResult::OK) return;
     appSettings.WorkingDirectory = MKPlatform::Absolute_Path(picker.SelectedPath);
     mainForm->Set_Current_Path(appSettings.WorkingDirectory);
+    if (viewForm) Set_Preview_Paths();
 }
 
 void ApplicationCore::Auto_Checkout_Check_Box_Click(Sender, const EventArgs &)

@@ -118,6 +118,7 @@ private:
     void Add_Modified_Emitter(EmitterData &emitterData);
 
     void Init_Preview();
+    void Set_Preview_Paths();
     void Show_Preview(bool resetScene);
     void Hide_Preview();
     void Init_Scene();

@@ -85,10 +85,15 @@ void ApplicationCore::Hide_Preview()
     viewForm->Set_Visible(false);
 }
 
+void ApplicationCore::Set_Preview_Paths()
+{
+    vorenData->Set_Search_Paths(Get_Paths_Under(appSettings.WorkingDirectory));
+}
+
 /// What the whole engine needs runs in any case; only the device may be missing.
 void ApplicationCore::Init_Preview()
 {
-    vorenData->Set_Search_Paths(Get_Paths_Under(appSettings.WorkingDirectory));
+    Set_Preview_Paths();
     Init_Floating_Point_Mode();
     if (!TheMegaFileManager) {
         megaFileManager = std::make_unique<MegaFileManagerClass>();

@@ -146,6 +146,8 @@ DialogResult DesktopApplication::Show_Message_Box(const std::string &text, const
                     parent);
     box.setTextFormat(Qt::PlainText);
     box.setObjectName("messageBox");
+    // Enter does nothing that can't be taken back.
+    if (buttons == MessageBoxButtons::YesNo) box.setDefaultButton(QMessageBox::No);
     for (QAbstractButton *button : box.buttons()) button->setIcon(QIcon()); // some styles have icons for some of them
     const DialogResult result = Get_Result(box.exec(), buttons);
     // Not every desktop gives the keyboard back to the window below.

@@ -95,9 +95,10 @@ DesktopSceneViewForm::~DesktopSceneViewForm()
 void DesktopSceneViewForm::Place_At_First()
 {
     const QRect available = screen()->availableGeometry();
-    const QRect place(QPoint(), FIRST_SIZE.boundedTo(available.size()));
+    constexpr QSize FRAME(12, 44); // nobody knows it before the window shows
+    const QRect place(QPoint(), FIRST_SIZE.boundedTo(available.size() - FRAME));
     resize(place.size());
-    move(available.bottomRight() - place.bottomRight());
+    move(available.bottomRight() - place.bottomRight() - QPoint(FRAME.width(), FRAME.height()));
 }
 
 QAction *DesktopSceneViewForm::Add_Action(const QString &text, const QString &icon, const QString &keys,
@@ -309,6 +310,7 @@ void DesktopSceneViewForm::Set_Visible(bool visible)
 
 void DesktopSceneViewForm::Bring_To_Front()
 {
+    if (isMinimized()) setWindowState(windowState() & ~Qt::WindowMinimized);
     raise();
 }
 

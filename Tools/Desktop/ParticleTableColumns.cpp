@@ -1,5 +1,6 @@
 #include "Desktop/ParticleTableView.h"
 
+#include "Desktop/EngineText.h"
 #include "Code/ParticleData.h"
 #include "Desktop/GroupedHeader.h"
 #include "Desktop/ParticleColumns.h"
@@ -38,9 +39,9 @@ int ParticleTableView::Get_Text_Width(int column) const
 {
     QSet<QString> texts; // few names stand in many rows
     for (int row = 0; row < rows.Get_Count(); ++row)
-        texts.insert(QString::fromStdString(column == Find_Particle_Column("EmitterName")
-                                                ? rows.Get_Row(row)->Get_EmitterName()
-                                                : rows.Get_Row(row)->Get_ParticleName()));
+        texts.insert(From_Engine(column == Find_Particle_Column("EmitterName")
+                                     ? rows.Get_Row(row)->Get_EmitterName()
+                                     : rows.Get_Row(row)->Get_ParticleName()));
     int width = 0;
     for (const QString &text : texts) width = std::max(width, fontMetrics().horizontalAdvance(text));
     return std::min(width, WIDEST_TEXT);

@@ -1,5 +1,6 @@
 #include "Desktop/ParticleTableModel.h"
 
+#include "Desktop/EngineText.h"
 #include "Code/EmitterData.h"
 #include "Code/ParticleData.h"
 #include "Code/ParticleProperties.h"
@@ -12,7 +13,7 @@ namespace
 
 QString Get_Text(const ParticleColumn &column, const ParticleData &row)
 {
-    return QString::fromStdString(column.Get_Property().Get(row));
+    return From_Engine(column.Get_Property().Get(row));
 }
 
 bool Is_Number(const ParticleColumn &column)
@@ -24,10 +25,10 @@ QString Get_Tool_Tip(const ParticleColumn &column, const ParticleData &row)
 {
     if (column.Kind != ParticleColumn::Cell::Text) return column.Help;
     QStringList plugins;
-    for (const std::string &name : Get_Plugin_Names(row)) plugins << QString::fromStdString(name);
+    for (const std::string &name : Get_Plugin_Names(row)) plugins << From_Engine(name);
     return QString("%1: %2\n%3\n%4")
-        .arg(QString::fromStdString(row.Get_EmitterName()), QString::fromStdString(row.Get_ParticleName()),
-             plugins.join(", "), QString::fromStdString(row.Get_EmitterData().Get_Path()));
+        .arg(From_Engine(row.Get_EmitterName()), From_Engine(row.Get_ParticleName()), plugins.join(", "),
+             From_Engine(row.Get_EmitterData().Get_Path()));
 }
 
 } // namespace
@@ -73,8 +74,8 @@ const QString &ParticleTableModel::Get_Search_Text(int row) const
     QString &text = searchTexts[static_cast<size_t>(row)];
     if (!text.isEmpty()) return text;
     const ParticleData &data = *Get_Row(row);
-    text = QString::fromStdString(data.Get_EmitterName() + '\n' + data.Get_ParticleName());
-    for (const std::string &name : Get_Plugin_Names(data)) text += '\n' + QString::fromStdString(name);
+    text = From_Engine(data.Get_EmitterName() + '\n' + data.Get_ParticleName());
+    for (const std::string &name : Get_Plugin_Names(data)) text += '\n' + From_Engine(name);
     text = text.toLower();
     return text;
 }
@@ -171,7 +172,7 @@ bool ParticleTableModel::setData(const QModelIndex &index, const QVariant &value
                                                         : value.toString().trimmed().replace(',', '.').toStdString();
     std::string reason;
     if (!Write_Cell(column, *row, text, reason)) {
-        if (refused) refused(QString::fromStdString(reason));
+        if (refused) refused(From_Engine(reason));
         return false;
     }
     if (edited) edited(index.row());

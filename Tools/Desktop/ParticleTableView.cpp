@@ -191,7 +191,8 @@ void ParticleTableView::mousePressEvent(QMouseEvent *event)
 {
     const QModelIndex index = indexAt(event->position().toPoint());
     const bool isPlain = event->button() == Qt::LeftButton && event->modifiers() == Qt::NoModifier;
-    swallowsRelease = isPlain && Is_Writable(index);
+    // In a row that isn't selected a click selects, and changes nothing yet.
+    swallowsRelease = isPlain && Is_Writable(index) && selectionModel()->isSelected(index);
     if (!swallowsRelease) {
         QTableView::mousePressEvent(event);
         return;
@@ -202,7 +203,8 @@ void ParticleTableView::mousePressEvent(QMouseEvent *event)
     setFocus(Qt::MouseFocusReason);
     const Cell kind = Get_Column(index.column()).Kind;
     if (kind == Cell::Check) Toggle(index);
-    if (kind == Cell::Slider && x <= ParticleCellDelegate::Get_Track(cell, fontMetrics()).right() + 6) {
+    const QRect track = ParticleCellDelegate::Get_Track(cell, fontMetrics());
+    if (kind == Cell::Slider && x >= track.left() - 6 && x <= track.right() + 6) {
         dragged = index;
         Drag_Slider(x);
     }

@@ -1,5 +1,6 @@
 #include "Desktop/SelectionPanel.h"
 
+#include "Desktop/EngineText.h"
 #include "Code/ParticleData.h"
 #include "Desktop/LevelNames.h"
 #include "Desktop/ParticleColumns.h"
@@ -10,6 +11,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QEvent>
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -63,7 +65,7 @@ SelectionPanel::SelectionPanel(ParticleTableModel &tableModel, QWidget *parent)
     grid->setColumnStretch(SLIDER, 1);
     Add_Heading("Level of detail");
     Add_Level_Field();
-    Add_Scaled_Field("&Least detail", "MinimumDynamicLOD");
+    Add_Scaled_Field("Le&ast detail", "MinimumDynamicLOD");
     Add_Scaled_Field("&Near distance", "DynamicLODNearDistance");
     Add_Scaled_Field("Fa&r distance", "DynamicLODFarDistance");
     Add_Heading("Heat");
@@ -100,9 +102,11 @@ void SelectionPanel::Add_Heading(const QString &text)
 void SelectionPanel::Add_Level_Field()
 {
     const int row = grid->rowCount();
-    levelLabel = new QLabel("Le&vel", this);
+    levelLabel = new QLabel("&Level", this);
     level = new QComboBox(this);
     level->setObjectName("GlobalLOD");
+    level->setFocusPolicy(Qt::StrongFocus);
+    level->installEventFilter(this);
     level->addItems(Get_Level_Names());
     level->setToolTip(Get_Particle_Columns()[static_cast<size_t>(Find_Particle_Column("GlobalLOD"))].Help);
     levelLabel->setBuddy(level);
@@ -110,6 +114,15 @@ void SelectionPanel::Add_Level_Field()
     grid->addWidget(level, row, SLIDER, 1, 2);
     connect(level, &QComboBox::activated, this,
             [this] { Write(Find_Particle_Column("GlobalLOD"), level->currentText(), Qt::EditRole); });
+}
+
+bool SelectionPanel::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == level && event->type() == QEvent::Wheel && !level->hasFocus()) {
+        event->ignore();
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void SelectionPanel::Add_Lighting_Field()
@@ -194,14 +207,14 @@ void SelectionPanel::Show_Title()
     const ParticleData &first = *model.Get_Row(rows.front());
     QStringList lines;
     if (rows.size() == 1) {
-        title->setText(QString::fromStdString(first.Get_ParticleName()));
-        for (const std::string &name : Get_Plugin_Names(first)) lines << QString::fromStdString(name);
-        names->setText(QString("of %1\n%2").arg(QString::fromStdString(first.Get_EmitterName()), lines.join(", ")));
+        title->setText(From_Engine(first.Get_ParticleName()));
+        for (const std::string &name : Get_Plugin_Names(first)) lines << From_Engine(name);
+        names->setText(QString("of %1\n%2").arg(From_Engine(first.Get_EmitterName()), lines.join(", ")));
         return;
     }
     title->setText(Counted(static_cast<int>(rows.size()), "layer") + " of " + Counted(effects, "effect"));
     for (const int row : rows) {
-        const QString name = QString::fromStdString(model.Get_Row(row)->Get_EmitterName());
+        const QString name = From_Engine(model.Get_Row(row)->Get_EmitterName());
         if (!lines.contains(name)) lines << name;
         if (lines.size() > MAXIMUM_NAMES) break;
     }
@@ -217,7 +230,7 @@ void SelectionPanel::Show_Field(ScaledField &field)
     field.slider->setEnabled(enabled);
     field.line->setEnabled(enabled);
     if (!field.line->isModified())
-        field.line->setText(value.Row < 0 || value.IsMixed ? QString() : QString::fromStdString(value.Text));
+        field.line->setText(value.Row < 0 || value.IsMixed ? QString() : From_Engine(value.Text));
     field.line->setPlaceholderText(
         value.IsMixed ? Get_Short_Number(value.Least) + QChar(0x2013) + Get_Short_Number(value.Greatest) : QString());
     const ColumnSummary &slider = summaries[static_cast<size_t>(field.sliderColumn)];
@@ -234,10 +247,9 @@ void SelectionPanel::Show_Level()
     const bool enabled = editingEnabled && summary.Row >= 0;
     levelLabel->setEnabled(enabled);
     level->setEnabled(enabled);
-    level->setPlaceholderText(summary.IsMixed ? QString("mixed") : QString::fromStdString(summary.Text));
-    level->setCurrentIndex(summary.IsMixed || summary.Row < 0
-                               ? -1
-                               : level->findText(QString::fromStdString(summary.Text), Qt::MatchExactly));
+    level->setPlaceholderText(summary.IsMixed ? QString("mixed") : From_Engine(summary.Text));
+    level->setCurrentIndex(
+        summary.IsMixed || summary.Row < 0 ? -1 : level->findText(From_Engine(summary.Text), Qt::MatchExactly));
 }
 
 void SelectionPanel::Show_Lighting()

@@ -30,6 +30,10 @@ public:
     void Set_Editing_Enabled(bool enabled);
     QPushButton &Get_Convert_Button() { return *convert; }
 
+protected:
+    /// The wheel scrolls the panel, and doesn't change what nobody has chosen.
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     /// A value with its slider.
     struct ScaledField

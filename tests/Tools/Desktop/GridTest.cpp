@@ -90,11 +90,15 @@ TEST_F(Grid, ASliderDraggedInOneSelectedRowMovesAllAndKeepsTheSelection)
     EXPECT_TRUE(tool.form->isWindowModified());
 }
 
-TEST_F(Grid, ASliderInAnUnselectedRowTakesThatRowAlone)
+/// A stray click must not cost a value that nothing brings back.
+TEST_F(Grid, ASliderInAnUnselectedRowSelectsFirst)
 {
     tool.Click(0, "ParticleName");
-    QTest::mouseClick(tool.Table().viewport(), Qt::LeftButton, {}, On_Slider(2, "MinimumDynamicLODPerThousandth", 0));
+    const QPoint start = On_Slider(2, "MinimumDynamicLODPerThousandth", 0);
+    QTest::mouseClick(tool.Table().viewport(), Qt::LeftButton, {}, start);
     EXPECT_THAT(tool.Selected_Names(), ElementsAre("puffs"));
+    EXPECT_EQ(tool.Row(2).Get_MinimumDynamicLOD(), 1.0f);
+    QTest::mouseClick(tool.Table().viewport(), Qt::LeftButton, {}, start);
     EXPECT_EQ(tool.Row(2).Get_MinimumDynamicLOD(), 0.0f);
     EXPECT_EQ(tool.Row(0).Get_MinimumDynamicLOD(), 1.0f);
 }

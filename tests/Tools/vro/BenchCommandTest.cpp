@@ -61,6 +61,7 @@ TEST(Bench, MeasuresFilesAndNamesThoseWithoutParticles)
     EXPECT_EQ(outcome.Code, vro::EXIT_BAD_DATA);
     EXPECT_THAT(outcome.Err, HasSubstr("vro: bare.vro: no particle is born in the first"));
     EXPECT_THAT(outcome.Err, HasSubstr("vro: gone.vro: No such file"));
+    ASSERT_THAT(outcome.Out, HasSubstr("\"vertices\"")) << outcome.Err;
     const Json results = vro::Parse_Json(outcome.Out)["results"];
     ASSERT_EQ(results.size(), 1u);
     EXPECT_EQ(results[0]["name"], "dots.vro");
