@@ -7,6 +7,7 @@
 
 #include "vrGraphics/effect/vrMKParticleEmitter.h"
 
+#include <cerrno>
 #include <filesystem>
 #include <poll.h>
 #include <spawn.h>
@@ -54,7 +55,10 @@ void Drain(Pipe &out, std::string &outText, Pipe &err, std::string &errText)
     std::string *texts[] = {&outText, &errText};
     char buffer[4096];
     while (waiting[0].fd >= 0 || waiting[1].fd >= 0) {
-        if (::poll(waiting, 2, -1) < 0) throw std::runtime_error("poll failed");
+        if (::poll(waiting, 2, -1) < 0) {
+            if (errno == EINTR) continue; // of a test that was stopped and goes on
+            throw std::runtime_error("poll failed");
+        }
         for (int index = 0; index < 2; ++index) {
             if (waiting[index].fd < 0 || waiting[index].revents == 0) continue;
             const ssize_t count = ::read(waiting[index].fd, buffer, sizeof buffer);
