@@ -89,12 +89,18 @@ void Append_Kind(const Json &kind, std::string &page)
                 In_Cell(parameter["description"]) + " |\n";
 }
 
-std::string Folded(const Json &kind)
+std::string Folded(std::string text)
 {
-    std::string name = kind["name"].get<std::string>();
-    std::transform(name.begin(), name.end(), name.begin(),
+    std::transform(text.begin(), text.end(), text.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return name;
+    return text;
+}
+
+/// Of a heading, as Markdown's readers make it.
+std::string Anchor_Of(std::string heading)
+{
+    std::replace(heading.begin(), heading.end(), ' ', '-');
+    return Folded(std::move(heading));
 }
 
 } // namespace
@@ -103,6 +109,10 @@ std::string Make_Reference_Page()
 {
     const Json reference = vro::Get_Plugin_Reference();
     std::string page = INTRODUCTION;
+    for (const Family &family : FAMILIES)
+        page += (&family == FAMILIES ? "\n" : " ·\n") + ("[" + std::string(family.Title) + "](#") +
+                Anchor_Of(family.Title) + ")";
+    page += "\n";
     for (const Family &family : FAMILIES) {
         std::vector<const Json *> kinds;
         for (const Json &kind : reference)
@@ -110,7 +120,7 @@ std::string Make_Reference_Page()
         std::stable_sort(kinds.begin(), kinds.end(), [](const Json *left, const Json *right) {
             const bool isOld = (*left)["obsolete"].get<bool>();
             if (isOld != (*right)["obsolete"].get<bool>()) return !isOld;
-            return Folded(*left) < Folded(*right);
+            return Folded((*left)["name"]) < Folded((*right)["name"]);
         });
         page += std::string("\n## ") + family.Title + "\n\n" + family.Text + "\n";
         for (const Json *kind : kinds) Append_Kind(*kind, page);
