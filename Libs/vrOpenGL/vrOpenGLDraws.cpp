@@ -120,61 +120,14 @@ void vrOpenGLDriver::Send_Primitive_Values()
     }
 }
 
-template <typename Vertex>
-bool vrOpenGLDriver::Hand_Out(vrPrimVertexType type, vrPrimitiveKind kind, int vcount, Vertex **ppv)
+void *vrOpenGLDriver::Begin_Draw(vrPrimVertexType type, vrPrimitiveKind kind, int vcount, int icount,
+                                 uint16_t **indices)
 {
-    MK_ASSERT(vcount < MAX_PRIM_VERTICES, "vcount < MAX_PRIM_VERTICES");
-    if (!MK_VERIFY(ppv, "ppv != NULL")) return false;
-    *ppv = IsReady ? static_cast<Vertex *>(Stream.Begin(type, kind, vcount)) : nullptr;
-    return *ppv != nullptr;
+    if (!IsReady) return nullptr;
+    return indices ? Stream.Begin_Indexed(type, kind, vcount, icount, indices) : Stream.Begin(type, kind, vcount);
 }
 
-template <typename Vertex>
-bool vrOpenGLDriver::Hand_Out_Indexed(vrPrimVertexType type, vrPrimitiveKind kind, int vcount, Vertex **ppv, int icount,
-                                      uint16_t **ppi)
-{
-    MK_ASSERT(vcount < MAX_PRIM_VERTICES, "vcount < MAX_PRIM_VERTICES");
-    MK_ASSERT(icount < MAX_PRIM_INDICES, "icount < MAX_PRIM_INDICES");
-    if (!MK_VERIFY(ppv, "ppv != NULL") || !MK_VERIFY(ppi, "ppi != NULL")) return false;
-    *ppi = nullptr;
-    *ppv = IsReady ? static_cast<Vertex *>(Stream.Begin_Indexed(type, kind, vcount, icount, ppi)) : nullptr;
-    return *ppv != nullptr;
-}
-
-bool vrOpenGLDriver::Begin_Prim_Vertices(vrPrimitiveKind kind, int vcount, vrPrimVertex **ppv)
-{
-    return Hand_Out(VR_PRIM_VERTEX, kind, vcount, ppv);
-}
-
-bool vrOpenGLDriver::Begin_Lit_Vertices(vrPrimitiveKind kind, int vcount, vrLitVertex **ppv)
-{
-    return Hand_Out(VR_LIT_VERTEX, kind, vcount, ppv);
-}
-
-bool vrOpenGLDriver::Begin_Lit_Bump_Vertices(vrPrimitiveKind kind, int vcount, vrLitBumpVertex **ppv)
-{
-    return Hand_Out(VR_LIT_BUMP_VERTEX, kind, vcount, ppv);
-}
-
-bool vrOpenGLDriver::Begin_Indexed_Prim_Vertices(vrPrimitiveKind kind, int vcount, vrPrimVertex **ppv, int icount,
-                                                 uint16_t **ppi)
-{
-    return Hand_Out_Indexed(VR_PRIM_VERTEX, kind, vcount, ppv, icount, ppi);
-}
-
-bool vrOpenGLDriver::Begin_Indexed_Lit_Vertices(vrPrimitiveKind kind, int vcount, vrLitVertex **ppv, int icount,
-                                                uint16_t **ppi)
-{
-    return Hand_Out_Indexed(VR_LIT_VERTEX, kind, vcount, ppv, icount, ppi);
-}
-
-bool vrOpenGLDriver::Begin_Indexed_Lit_Bump_Vertices(vrPrimitiveKind kind, int vcount, vrLitBumpVertex **ppv,
-                                                     int icount, uint16_t **ppi)
-{
-    return Hand_Out_Indexed(VR_LIT_BUMP_VERTEX, kind, vcount, ppv, icount, ppi);
-}
-
-void vrOpenGLDriver::End_Draw()
+void vrOpenGLDriver::End_Draw(vrPrimVertexType)
 {
     if (!Stream.Is_Open()) return;
     if (!IsReady || !Program || !Apply_Targets()) {

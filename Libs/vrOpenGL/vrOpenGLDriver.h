@@ -103,21 +103,6 @@ public:
 
     void Begin_Primitive_State(int cull, int blend, int depth) override;
     void End_Primitive_State() override;
-    bool Begin_Prim_Vertices(vrPrimitiveKind kind, int vcount, vrPrimVertex **ppv) override;
-    void End_Prim_Vertices() override { End_Draw(); }
-    bool Begin_Lit_Vertices(vrPrimitiveKind kind, int vcount, vrLitVertex **ppv) override;
-    void End_Lit_Vertices() override { End_Draw(); }
-    bool Begin_Lit_Bump_Vertices(vrPrimitiveKind kind, int vcount, vrLitBumpVertex **ppv) override;
-    void End_Lit_Bump_Vertices() override { End_Draw(); }
-    bool Begin_Indexed_Prim_Vertices(vrPrimitiveKind kind, int vcount, vrPrimVertex **ppv, int icount,
-                                     uint16_t **ppi) override;
-    void End_Indexed_Prim_Vertices() override { End_Draw(); }
-    bool Begin_Indexed_Lit_Vertices(vrPrimitiveKind kind, int vcount, vrLitVertex **ppv, int icount,
-                                    uint16_t **ppi) override;
-    void End_Indexed_Lit_Vertices() override { End_Draw(); }
-    bool Begin_Indexed_Lit_Bump_Vertices(vrPrimitiveKind kind, int vcount, vrLitBumpVertex **ppv, int icount,
-                                         uint16_t **ppi) override;
-    void End_Indexed_Lit_Bump_Vertices() override { End_Draw(); }
 
     /// Any thread may ask: away from the main one, compiling waits until the first use.
     SmartPtr<vrShaderInstance> Create_Shader_Instance(std::string_view name) override;
@@ -129,6 +114,8 @@ protected:
     SmartPtr<vrTexture> Make_Texture(std::string_view name, const vrPicture2D &picture, std::string &error) override;
     SmartPtr<vrTexture> Make_Cube_Texture(std::string_view name, const std::array<vrPicture2D, 6> &faces,
                                           std::string &error) override;
+    void *Begin_Draw(vrPrimVertexType type, vrPrimitiveKind kind, int vcount, int icount, uint16_t **indices) override;
+    void End_Draw(vrPrimVertexType type) override;
     void Apply_Render_State_Block(const vrRenderStateBlock &block) override;
     bool Begin_Device_Frame() override;
     void End_Device_Frame() override;
@@ -177,12 +164,6 @@ private:
     // Draws.
     bool Build_Primitive_Program();
     void Send_Primitive_Values();
-    void End_Draw();
-    template <typename Vertex>
-    bool Hand_Out(vrPrimVertexType type, vrPrimitiveKind kind, int vcount, Vertex **ppv);
-    template <typename Vertex>
-    bool Hand_Out_Indexed(vrPrimVertexType type, vrPrimitiveKind kind, int vcount, Vertex **ppv, int icount,
-                          uint16_t **ppi);
 
     // The forward renderer.
     bool Draws_Heat(const vrRenderContext &context) const;

@@ -242,3 +242,72 @@ void vrGraphicsDriver::Render_Phases(vrRenderContext &context)
     }
     for (vrRenderTask *task : context.Get_Extra_Passes()) task->Render(context);
 }
+
+namespace
+{
+
+/// Checks a request, whose places are null from then on.
+template <typename Vertex>
+bool May_Draw(int vcount, Vertex **ppv)
+{
+    MK_ASSERT(vcount < MAX_PRIM_VERTICES, "vcount < MAX_PRIM_VERTICES");
+    if (!MK_VERIFY(ppv != nullptr, "ppv != NULL")) return false;
+    *ppv = nullptr;
+    return true;
+}
+
+template <typename Vertex>
+bool May_Draw(int vcount, Vertex **ppv, int icount, uint16_t **ppi)
+{
+    MK_ASSERT(icount < MAX_PRIM_INDICES, "icount < MAX_PRIM_INDICES");
+    if (!May_Draw(vcount, ppv) || !MK_VERIFY(ppi != nullptr, "ppi != NULL")) return false;
+    *ppi = nullptr;
+    return true;
+}
+
+} // namespace
+
+bool vrGraphicsDriver::Begin_Prim_Vertices(vrPrimitiveKind kind, int vcount, vrPrimVertex **ppv)
+{
+    if (!May_Draw(vcount, ppv)) return false;
+    *ppv = static_cast<vrPrimVertex *>(Begin_Draw(VR_PRIM_VERTEX, kind, vcount, 0, nullptr));
+    return *ppv != nullptr;
+}
+
+bool vrGraphicsDriver::Begin_Lit_Vertices(vrPrimitiveKind kind, int vcount, vrLitVertex **ppv)
+{
+    if (!May_Draw(vcount, ppv)) return false;
+    *ppv = static_cast<vrLitVertex *>(Begin_Draw(VR_LIT_VERTEX, kind, vcount, 0, nullptr));
+    return *ppv != nullptr;
+}
+
+bool vrGraphicsDriver::Begin_Lit_Bump_Vertices(vrPrimitiveKind kind, int vcount, vrLitBumpVertex **ppv)
+{
+    if (!May_Draw(vcount, ppv)) return false;
+    *ppv = static_cast<vrLitBumpVertex *>(Begin_Draw(VR_LIT_BUMP_VERTEX, kind, vcount, 0, nullptr));
+    return *ppv != nullptr;
+}
+
+bool vrGraphicsDriver::Begin_Indexed_Prim_Vertices(vrPrimitiveKind kind, int vcount, vrPrimVertex **ppv, int icount,
+                                                   uint16_t **ppi)
+{
+    if (!May_Draw(vcount, ppv, icount, ppi)) return false;
+    *ppv = static_cast<vrPrimVertex *>(Begin_Draw(VR_PRIM_VERTEX, kind, vcount, icount, ppi));
+    return *ppv != nullptr;
+}
+
+bool vrGraphicsDriver::Begin_Indexed_Lit_Vertices(vrPrimitiveKind kind, int vcount, vrLitVertex **ppv, int icount,
+                                                  uint16_t **ppi)
+{
+    if (!May_Draw(vcount, ppv, icount, ppi)) return false;
+    *ppv = static_cast<vrLitVertex *>(Begin_Draw(VR_LIT_VERTEX, kind, vcount, icount, ppi));
+    return *ppv != nullptr;
+}
+
+bool vrGraphicsDriver::Begin_Indexed_Lit_Bump_Vertices(vrPrimitiveKind kind, int vcount, vrLitBumpVertex **ppv,
+                                                       int icount, uint16_t **ppi)
+{
+    if (!May_Draw(vcount, ppv, icount, ppi)) return false;
+    *ppv = static_cast<vrLitBumpVertex *>(Begin_Draw(VR_LIT_BUMP_VERTEX, kind, vcount, icount, ppi));
+    return *ppv != nullptr;
+}

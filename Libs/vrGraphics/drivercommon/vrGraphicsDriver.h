@@ -266,21 +266,19 @@ public:
     /// `depth` 0 neither tests nor writes and 1 does both.
     virtual void Begin_Primitive_State(int cull, int blend, int depth) = 0;
     virtual void End_Primitive_State() = 0;
-    virtual bool Begin_Prim_Vertices(vrPrimitiveKind kind, int vcount, vrPrimVertex **ppv) = 0;
-    virtual void End_Prim_Vertices() = 0;
-    virtual bool Begin_Lit_Vertices(vrPrimitiveKind kind, int vcount, vrLitVertex **ppv) = 0;
-    virtual void End_Lit_Vertices() = 0;
-    virtual bool Begin_Lit_Bump_Vertices(vrPrimitiveKind kind, int vcount, vrLitBumpVertex **ppv) = 0;
-    virtual void End_Lit_Bump_Vertices() = 0;
-    virtual bool Begin_Indexed_Prim_Vertices(vrPrimitiveKind kind, int vcount, vrPrimVertex **ppv, int icount,
-                                             uint16_t **ppi) = 0;
-    virtual void End_Indexed_Prim_Vertices() = 0;
-    virtual bool Begin_Indexed_Lit_Vertices(vrPrimitiveKind kind, int vcount, vrLitVertex **ppv, int icount,
-                                            uint16_t **ppi) = 0;
-    virtual void End_Indexed_Lit_Vertices() = 0;
-    virtual bool Begin_Indexed_Lit_Bump_Vertices(vrPrimitiveKind kind, int vcount, vrLitBumpVertex **ppv, int icount,
-                                                 uint16_t **ppi) = 0;
-    virtual void End_Indexed_Lit_Bump_Vertices() = 0;
+    bool Begin_Prim_Vertices(vrPrimitiveKind kind, int vcount, vrPrimVertex **ppv);
+    void End_Prim_Vertices() { End_Draw(VR_PRIM_VERTEX); }
+    bool Begin_Lit_Vertices(vrPrimitiveKind kind, int vcount, vrLitVertex **ppv);
+    void End_Lit_Vertices() { End_Draw(VR_LIT_VERTEX); }
+    bool Begin_Lit_Bump_Vertices(vrPrimitiveKind kind, int vcount, vrLitBumpVertex **ppv);
+    void End_Lit_Bump_Vertices() { End_Draw(VR_LIT_BUMP_VERTEX); }
+    bool Begin_Indexed_Prim_Vertices(vrPrimitiveKind kind, int vcount, vrPrimVertex **ppv, int icount, uint16_t **ppi);
+    void End_Indexed_Prim_Vertices() { End_Draw(VR_PRIM_VERTEX); }
+    bool Begin_Indexed_Lit_Vertices(vrPrimitiveKind kind, int vcount, vrLitVertex **ppv, int icount, uint16_t **ppi);
+    void End_Indexed_Lit_Vertices() { End_Draw(VR_LIT_VERTEX); }
+    bool Begin_Indexed_Lit_Bump_Vertices(vrPrimitiveKind kind, int vcount, vrLitBumpVertex **ppv, int icount,
+                                         uint16_t **ppi);
+    void End_Indexed_Lit_Bump_Vertices() { End_Draw(VR_LIT_BUMP_VERTEX); }
 
     // Assets.
     /// By file name, from the texture paths. Null, with a line in "VorenMissingTexturesLog", when there is none. The
@@ -307,6 +305,10 @@ protected:
     /// Faces in the order +x, -x, +y, -y, +z, -z, all of one form and size.
     virtual SmartPtr<vrTexture> Make_Cube_Texture(std::string_view name, const std::array<vrPicture2D, 6> &faces,
                                                   std::string &error);
+    /// Room for the vertices of a draw, and for its indices where `indices` isn't null; null when there is none.
+    virtual void *Begin_Draw(vrPrimVertexType type, vrPrimitiveKind kind, int vcount, int icount,
+                             uint16_t **indices) = 0;
+    virtual void End_Draw(vrPrimVertexType type) = 0;
     virtual void Apply_Render_State_Block(const vrRenderStateBlock &block) = 0;
     /// Whether the device has begun a frame.
     virtual bool Begin_Device_Frame() { return true; }

@@ -170,73 +170,20 @@ void vrNullDriverMethods::Set_World_Transform(const Mat3DClass *transform)
     World = transform ? *transform : Mat3DClass{};
 }
 
-template <typename Vertex>
-bool vrNullDriverMethods::Hand_Out(vrPrimVertexType type, vrPrimitiveKind kind, int vcount, Vertex **ppv)
+void *vrNullDriverMethods::Begin_Draw(vrPrimVertexType type, vrPrimitiveKind kind, int vcount, int icount,
+                                      uint16_t **indices)
 {
-    MK_ASSERT(vcount < MAX_PRIM_VERTICES, "vcount < MAX_PRIM_VERTICES");
-    IsDrawOpen = false;
-    if (!MK_VERIFY(ppv != nullptr, "ppv != NULL")) return false;
-    *ppv = nullptr;
-    const size_t count = static_cast<size_t>(std::max(vcount, 0));
-    if (!Make_Room(VertexBlock, count * sizeof(Vertex))) return false;
-    *ppv = reinterpret_cast<Vertex *>(VertexBlock.data());
-    IsDrawOpen = true;
+    const size_t vertexCount = static_cast<size_t>(std::max(vcount, 0));
+    const size_t indexCount = static_cast<size_t>(std::max(icount, 0));
+    IsDrawOpen = Make_Room(VertexBlock, vertexCount * static_cast<size_t>(Get_Vertex_Size(type))) &&
+                 Make_Room(IndexBlock, indexCount);
+    if (!IsDrawOpen) return nullptr;
     DrawType = type;
     DrawKind = kind;
-    DrawVertices = static_cast<int>(count);
-    DrawIndices = 0;
-    return true;
-}
-
-template <typename Vertex>
-bool vrNullDriverMethods::Hand_Out_Indexed(vrPrimVertexType type, vrPrimitiveKind kind, int vcount, Vertex **ppv,
-                                           int icount, uint16_t **ppi)
-{
-    MK_ASSERT(icount < MAX_PRIM_INDICES, "icount < MAX_PRIM_INDICES");
-    if (ppi) *ppi = nullptr;
-    if (!Hand_Out(type, kind, vcount, ppv)) return false;
-    const size_t count = static_cast<size_t>(std::max(icount, 0));
-    IsDrawOpen = MK_VERIFY(ppi != nullptr, "ppi != NULL") && Make_Room(IndexBlock, count);
-    if (!IsDrawOpen) {
-        *ppv = nullptr;
-        return false;
-    }
-    *ppi = IndexBlock.data();
-    DrawIndices = static_cast<int>(count);
-    return true;
-}
-
-bool vrNullDriverMethods::Begin_Prim_Vertices(vrPrimitiveKind kind, int vcount, vrPrimVertex **ppv)
-{
-    return Hand_Out(VR_PRIM_VERTEX, kind, vcount, ppv);
-}
-
-bool vrNullDriverMethods::Begin_Lit_Vertices(vrPrimitiveKind kind, int vcount, vrLitVertex **ppv)
-{
-    return Hand_Out(VR_LIT_VERTEX, kind, vcount, ppv);
-}
-
-bool vrNullDriverMethods::Begin_Lit_Bump_Vertices(vrPrimitiveKind kind, int vcount, vrLitBumpVertex **ppv)
-{
-    return Hand_Out(VR_LIT_BUMP_VERTEX, kind, vcount, ppv);
-}
-
-bool vrNullDriverMethods::Begin_Indexed_Prim_Vertices(vrPrimitiveKind kind, int vcount, vrPrimVertex **ppv, int icount,
-                                                      uint16_t **ppi)
-{
-    return Hand_Out_Indexed(VR_PRIM_VERTEX, kind, vcount, ppv, icount, ppi);
-}
-
-bool vrNullDriverMethods::Begin_Indexed_Lit_Vertices(vrPrimitiveKind kind, int vcount, vrLitVertex **ppv, int icount,
-                                                     uint16_t **ppi)
-{
-    return Hand_Out_Indexed(VR_LIT_VERTEX, kind, vcount, ppv, icount, ppi);
-}
-
-bool vrNullDriverMethods::Begin_Indexed_Lit_Bump_Vertices(vrPrimitiveKind kind, int vcount, vrLitBumpVertex **ppv,
-                                                          int icount, uint16_t **ppi)
-{
-    return Hand_Out_Indexed(VR_LIT_BUMP_VERTEX, kind, vcount, ppv, icount, ppi);
+    DrawVertices = static_cast<int>(vertexCount);
+    DrawIndices = indices ? static_cast<int>(indexCount) : 0;
+    if (indices) *indices = IndexBlock.data();
+    return VertexBlock.data();
 }
 
 void vrNullDriverMethods::End_Draw(vrPrimVertexType type)

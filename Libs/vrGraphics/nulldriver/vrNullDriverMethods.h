@@ -70,21 +70,6 @@ public:
 
     void Begin_Primitive_State(int, int, int) override {}
     void End_Primitive_State() override {}
-    bool Begin_Prim_Vertices(vrPrimitiveKind kind, int vcount, vrPrimVertex **ppv) override;
-    void End_Prim_Vertices() override { End_Draw(VR_PRIM_VERTEX); }
-    bool Begin_Lit_Vertices(vrPrimitiveKind kind, int vcount, vrLitVertex **ppv) override;
-    void End_Lit_Vertices() override { End_Draw(VR_LIT_VERTEX); }
-    bool Begin_Lit_Bump_Vertices(vrPrimitiveKind kind, int vcount, vrLitBumpVertex **ppv) override;
-    void End_Lit_Bump_Vertices() override { End_Draw(VR_LIT_BUMP_VERTEX); }
-    bool Begin_Indexed_Prim_Vertices(vrPrimitiveKind kind, int vcount, vrPrimVertex **ppv, int icount,
-                                     uint16_t **ppi) override;
-    void End_Indexed_Prim_Vertices() override { End_Draw(VR_PRIM_VERTEX); }
-    bool Begin_Indexed_Lit_Vertices(vrPrimitiveKind kind, int vcount, vrLitVertex **ppv, int icount,
-                                    uint16_t **ppi) override;
-    void End_Indexed_Lit_Vertices() override { End_Draw(VR_LIT_VERTEX); }
-    bool Begin_Indexed_Lit_Bump_Vertices(vrPrimitiveKind kind, int vcount, vrLitBumpVertex **ppv, int icount,
-                                         uint16_t **ppi) override;
-    void End_Indexed_Lit_Bump_Vertices() override { End_Draw(VR_LIT_BUMP_VERTEX); }
 
     SmartPtr<vrShaderInstance> Create_Shader_Instance(std::string_view name) override;
 
@@ -92,6 +77,8 @@ protected:
     SmartPtr<vrTexture> Make_Texture(std::string_view name, const vrPicture2D &picture, std::string &error) override;
     SmartPtr<vrTexture> Make_Cube_Texture(std::string_view name, const std::array<vrPicture2D, 6> &faces,
                                           std::string &error) override;
+    void *Begin_Draw(vrPrimVertexType type, vrPrimitiveKind kind, int vcount, int icount, uint16_t **indices) override;
+    void End_Draw(vrPrimVertexType type) override;
     void Apply_Render_State_Block(const vrRenderStateBlock &) override {}
     void Before_Phase(vrRenderContext &context) override;
 
@@ -100,13 +87,7 @@ private:
     ~vrNullDriverMethods() override;
 
     bool Start();
-    void End_Draw(vrPrimVertexType type);
     void Record_Draw();
-    template <typename Vertex>
-    bool Hand_Out(vrPrimVertexType type, vrPrimitiveKind kind, int vcount, Vertex **ppv);
-    template <typename Vertex>
-    bool Hand_Out_Indexed(vrPrimVertexType type, vrPrimitiveKind kind, int vcount, Vertex **ppv, int icount,
-                          uint16_t **ppi);
 
     static bool Initialized;
     static bool RunsTasks;

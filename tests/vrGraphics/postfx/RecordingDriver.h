@@ -146,25 +146,6 @@ public:
 
     void Begin_Primitive_State(int, int, int) override {}
     void End_Primitive_State() override {}
-    bool Begin_Prim_Vertices(vrPrimitiveKind, int, vrPrimVertex **) override { return false; }
-    void End_Prim_Vertices() override {}
-    bool Begin_Lit_Vertices(vrPrimitiveKind kind, int count, vrLitVertex **vertices) override
-    {
-        if (HasVertices && kind == VR_PRIMITIVE_QUADS && count == 4) *vertices = Vertices;
-        return HasVertices;
-    }
-    void End_Lit_Vertices() override {}
-    bool Begin_Lit_Bump_Vertices(vrPrimitiveKind, int, vrLitBumpVertex **) override { return false; }
-    void End_Lit_Bump_Vertices() override {}
-    bool Begin_Indexed_Prim_Vertices(vrPrimitiveKind, int, vrPrimVertex **, int, uint16_t **) override { return false; }
-    void End_Indexed_Prim_Vertices() override {}
-    bool Begin_Indexed_Lit_Vertices(vrPrimitiveKind, int, vrLitVertex **, int, uint16_t **) override { return false; }
-    void End_Indexed_Lit_Vertices() override {}
-    bool Begin_Indexed_Lit_Bump_Vertices(vrPrimitiveKind, int, vrLitBumpVertex **, int, uint16_t **) override
-    {
-        return false;
-    }
-    void End_Indexed_Lit_Bump_Vertices() override {}
 
     SmartPtr<vrShaderInstance> Create_Shader_Instance(std::string_view name) override
     {
@@ -174,6 +155,12 @@ public:
 protected:
     SmartPtr<vrTexture> Make_Texture(std::string_view, const vrPicture2D &, std::string &) override { return nullptr; }
     void Apply_Render_State_Block(const vrRenderStateBlock &) override {}
+    void *Begin_Draw(vrPrimVertexType type, vrPrimitiveKind kind, int count, int, uint16_t **) override
+    {
+        const bool isQuad = type == VR_LIT_VERTEX && kind == VR_PRIMITIVE_QUADS && count == 4;
+        return HasVertices && isQuad ? Vertices : nullptr;
+    }
+    void End_Draw(vrPrimVertexType) override {}
 
 private:
     std::vector<SmartPtr<vrRenderTarget>> Targets;
