@@ -1,10 +1,9 @@
 #include "vrGraphics/effect/vrMKParticleEmitter.h"
 
+#include "vrGraphics/drivercommon/vrBoundsUnion.h"
 #include "vrGraphics/effect/vrMKPContext.h"
 #include "vrGraphics/effect/vrMKParticleGroup.h"
 #include "vrGraphics/scene/vrScene.h"
-
-#include <glm/common.hpp>
 
 #include <algorithm>
 
@@ -122,18 +121,14 @@ void vrMKParticleEmitter::Keep_Updating()
 
 bool vrMKParticleEmitter::Get_Cull_Box(vrBounds &box) const
 {
-    bool isFirst = true;
     bool hasBox = true;
-    Vector3 low = Get_Transform().Get_Translation();
-    Vector3 high = low;
+    vrBoundsUnion all{Get_Transform().Get_Translation(), Get_Transform().Get_Translation()};
     For_Groups([&](const vrMKParticleGroup &group) {
         vrBounds part;
         hasBox &= group.Get_Cull_Box(part);
-        low = isFirst ? part.Center - part.Extent : glm::min(low, part.Center - part.Extent);
-        high = isFirst ? part.Center + part.Extent : glm::max(high, part.Center + part.Extent);
-        isFirst = false;
+        all.Add(part);
     });
-    box = {(low + high) * 0.5f, (high - low) * 0.5f};
+    box = all.Get();
     return hasBox;
 }
 

@@ -1,12 +1,11 @@
 #include "vrGraphics/effect/vrMKParticleGroup.h"
 
+#include "vrGraphics/drivercommon/vrBoundsUnion.h"
 #include "vrGraphics/drivercommon/vrGraphicsDriver.h"
 #include "vrGraphics/drivercommon/vrGraphicsStats.h"
 #include "vrGraphics/drivercommon/vrRenderContext.h"
 #include "vrGraphics/effect/vrMKParticleEmitter.h"
 #include "vrGraphics/scene/vrScene.h"
-
-#include <glm/common.hpp>
 
 #include <algorithm>
 #include <strings.h>
@@ -151,18 +150,13 @@ void vrMKParticleGroup::Update_Lights()
 template <typename Get>
 vrBounds vrMKParticleGroup::Merge_Boxes(Get &&get) const
 {
-    Vector3 lowest = Get_State().Get_Position();
-    Vector3 highest = lowest;
-    bool isFirst = true;
+    vrBoundsUnion all{Get_State().Get_Position(), Get_State().Get_Position()};
     for (const auto &particle : Particles) {
         const vrMKPBuffer *buffer = particle->Get_Buffer();
         if (!buffer || !buffer->Active || particle->Is_Suspended()) continue;
-        const vrBounds box = get(*particle);
-        lowest = isFirst ? box.Center - box.Extent : glm::min(lowest, box.Center - box.Extent);
-        highest = isFirst ? box.Center + box.Extent : glm::max(highest, box.Center + box.Extent);
-        isFirst = false;
+        all.Add(get(*particle));
     }
-    return {(lowest + highest) * 0.5f, (highest - lowest) * 0.5f};
+    return all.Get();
 }
 
 vrBounds vrMKParticleGroup::Get_Bounds() const

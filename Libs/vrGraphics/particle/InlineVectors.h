@@ -1,9 +1,14 @@
 #pragma once
 
-/// Arithmetic of vectors for loops that are built for several processors: glm's own isn't inlined into these.
+/// Arithmetic of vectors for loops that are built for several processors: glm's own isn't inlined into these. And
+/// selects, which are on bits: the compiler makes a branch around the store of a value that may be the old one, and then
+/// can't take the loop.
 
 #include "MKLib/MKMath/Mat3D.h"
 #include "MKLib/MKMath/Simd.h"
+
+#include <bit>
+#include <cstdint>
 
 namespace Particle
 {
@@ -40,6 +45,21 @@ MK_INLINE Vector3 Turn(const Mat3DClass &transform, const Vector3 &direction)
     return {x.x * direction.x + x.y * direction.y + x.z * direction.z,
             y.x * direction.x + y.y * direction.y + y.z * direction.z,
             z.x * direction.x + z.y * direction.y + z.z * direction.z};
+}
+
+/// All ones for true, and else 0.
+MK_INLINE uint32_t As_Mask(bool value)
+{
+    return value ? ~0u : 0u;
+}
+/// `a` where the mask is all ones and `b` where it is 0.
+MK_INLINE float Select_Bits(uint32_t mask, float a, float b)
+{
+    return std::bit_cast<float>((std::bit_cast<uint32_t>(a) & mask) | (std::bit_cast<uint32_t>(b) & ~mask));
+}
+MK_INLINE Vector3 Select_Bits(uint32_t mask, const Vector3 &a, const Vector3 &b)
+{
+    return {Select_Bits(mask, a.x, b.x), Select_Bits(mask, a.y, b.y), Select_Bits(mask, a.z, b.z)};
 }
 
 } // namespace Particle

@@ -79,10 +79,10 @@ bool Shuffles_Freely()
     return shuffles;
 }
 
-void Split(Planes &to, const Vector3 *from, int count)
+void Split(float *x, float *y, float *z, const Vector3 *from, int count)
 {
     const float *source = &from->x;
-    if (Shuffles_Freely()) return Split_Freely(to.X, to.Y, to.Z, source, count);
+    if (Shuffles_Freely()) return Split_Freely(x, y, z, source, count);
     int at = 0;
     for (; at + 4 <= count; at += 4) {
         const Floats a = Load(source + at * 3);     // x0 y0 z0 x1
@@ -90,11 +90,15 @@ void Split(Planes &to, const Vector3 *from, int count)
         const Floats c = Load(source + at * 3 + 8); // z2 x3 y3 z3
         const Floats xy = __builtin_shufflevector(b, c, 2, 3, 5, 6);
         const Floats yz = __builtin_shufflevector(a, b, 1, 2, 4, 5);
-        Store(to.X + at, __builtin_shufflevector(a, xy, 0, 3, 4, 6));
-        Store(to.Y + at, __builtin_shufflevector(yz, xy, 0, 2, 5, 7));
-        Store(to.Z + at, __builtin_shufflevector(yz, c, 1, 3, 4, 7));
+        Store(x + at, __builtin_shufflevector(a, xy, 0, 3, 4, 6));
+        Store(y + at, __builtin_shufflevector(yz, xy, 0, 2, 5, 7));
+        Store(z + at, __builtin_shufflevector(yz, c, 1, 3, 4, 7));
     }
-    for (; at < count; ++at) to.Put(at, from[at]);
+    for (; at < count; ++at) {
+        x[at] = from[at].x;
+        y[at] = from[at].y;
+        z[at] = from[at].z;
+    }
 }
 
 bool Join(Vector3 *to, const Planes &from, int count)

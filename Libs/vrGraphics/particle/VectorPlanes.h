@@ -38,8 +38,13 @@ struct Interleaved
 
 /// Whether loops are better off without planes. The same for the whole run of the process.
 bool Shuffles_Freely();
-/// `count` is at most `Planes::BLOCK`.
-void Split(Planes &to, const Vector3 *from, int count);
+/// Takes the components apart, into an array each.
+void Split(float *x, float *y, float *z, const Vector3 *from, int count);
+/// `count` is at most `Planes::BLOCK`, here and in the next.
+inline void Split(Planes &to, const Vector3 *from, int count)
+{
+    Split(to.X, to.Y, to.Z, from, count);
+}
 /// False when a component is infinite or no number.
 bool Join(Vector3 *to, const Planes &from, int count);
 /// to += add. False when a sum is infinite or no number.

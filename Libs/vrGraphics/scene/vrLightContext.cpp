@@ -3,8 +3,7 @@
 #include "MKLib/ChunkFile/ChunkFileReader.h"
 #include "MKLib/ChunkFile/ChunkFileWriter.h"
 #include "MKLib/MKDebug/Assert.h"
-
-#include <glm/common.hpp>
+#include "vrGraphics/drivercommon/vrBoundsUnion.h"
 
 using ChunkFile::ChunkFileReaderClass;
 using ChunkFile::ChunkFileWriterClass;
@@ -99,18 +98,13 @@ void vrLightContext::Clear_All_Lights(bool all, bool own)
 
 bool vrLightContext::Get_Bounds(vrBounds &bounds) const
 {
-    bool hasAny = false;
-    Vector3 low{0.0f};
-    Vector3 high{0.0f};
+    vrBoundsUnion all;
     for (const auto &light : m_lights) {
         vrBounds box;
-        if (!light->Get_Cull_Box(box)) continue;
-        low = hasAny ? glm::min(low, box.Center - box.Extent) : box.Center - box.Extent;
-        high = hasAny ? glm::max(high, box.Center + box.Extent) : box.Center + box.Extent;
-        hasAny = true;
+        if (light->Get_Cull_Box(box)) all.Add(box);
     }
-    if (hasAny) bounds = {(low + high) * 0.5f, (high - low) * 0.5f};
-    return hasAny;
+    if (!all.IsEmpty) bounds = all.Get();
+    return !all.IsEmpty;
 }
 
 void vrLightContext::Get_Light_Field_Lights(std::vector<const vrLightSource *> &lights) const

@@ -25,20 +25,14 @@ namespace
 /// Few enough that neighbours stay with one thread, enough that all threads end at about the same time.
 constexpr int RANGES_A_THREAD = 8;
 
-/// While one lives, work of a frame runs in parallel.
-struct ParallelSection
-{
-    ParallelSection() { RenderThread::InParallelSection = true; }
-    ~ParallelSection() { RenderThread::InParallelSection = false; }
-};
-
 /// Sets a flag for as long as it lives, whatever ends it.
+template <typename Bool>
 struct FlagScope
 {
-    explicit FlagScope(bool &flag) : Flag(flag) { Flag = true; }
+    explicit FlagScope(Bool &flag) : Flag(flag) { Flag = true; }
     ~FlagScope() { Flag = false; }
 
-    bool &Flag;
+    Bool &Flag;
 };
 
 } // namespace
@@ -192,7 +186,7 @@ void vrScene::Group_By_Owner()
 
 void vrScene::Think_Groups(float dt)
 {
-    const ParallelSection section;
+    const FlagScope section(RenderThread::InParallelSection);
     ThreadPool::Parallel_For(0, ThinkGroupCount, 1, [&](int first, int last) {
         for (int index = first; index < last; ++index) {
             const RenderThinkGroup &group = ThinkGroups[static_cast<size_t>(index)];
@@ -213,7 +207,7 @@ void vrScene::Think_Particles_Of_All(float dt)
     };
     const bool isSerial = std::any_of(ParticleList.begin(), ParticleList.end(),
                                       [](const vrRenderable *renderable) { return renderable->Needs_Serial_Frame(); });
-    const ParallelSection section;
+    const FlagScope section(RenderThread::InParallelSection);
     if (isSerial)
         think(0, count);
     else

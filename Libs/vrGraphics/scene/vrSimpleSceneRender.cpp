@@ -1,12 +1,11 @@
 #include "vrGraphics/scene/vrSimpleScene.h"
 
 #include "MKLib/MKDebug/Assert.h"
+#include "vrGraphics/drivercommon/vrBoundsUnion.h"
 #include "vrGraphics/drivercommon/vrGraphicsDriver.h"
-#include "vrGraphics/drivercommon/vrGraphicsStats.h"
 #include "vrGraphics/drivercommon/vrRenderContext.h"
 #include "vrGraphics/particle/vrWorld.h"
 
-#include <glm/common.hpp>
 #include <glm/geometric.hpp>
 
 #include <algorithm>
@@ -168,27 +167,23 @@ void vrSimpleScene::Collect_One(vrRenderContext &context, vrRenderable &renderab
 void vrSimpleScene::Merge_Task_Bounds(vrRenderContext &context) const
 {
     const Vector3 eye = context.Camera->Get_Position();
-    bool hasAny = false;
-    Vector3 low{0.0f};
-    Vector3 high{0.0f};
+    vrBoundsUnion all;
     for (int phase = 0; phase < PHASE_COUNT; ++phase) {
         for (const vrRenderTask *task : context.Get_Tasks(static_cast<vrRenderPhaseEnum>(phase))) {
             const vrBounds box = task->Get_Bounds();
             const Vector3 way = box.Center - eye;
             if (!(glm::dot(way, way) <= GREATEST_TASK_DISTANCE * GREATEST_TASK_DISTANCE)) continue;
-            low = hasAny ? glm::min(low, box.Center - box.Extent) : box.Center - box.Extent;
-            high = hasAny ? glm::max(high, box.Center + box.Extent) : box.Center + box.Extent;
-            hasAny = true;
+            all.Add(box);
         }
     }
-    if (const vrTerrain *terrain = Get_Terrain(); terrain && hasAny) {
+    if (const vrTerrain *terrain = Get_Terrain(); terrain && !all.IsEmpty) {
         const vrHeightRange heights = terrain->Get_Height_Range();
         if (std::isfinite(heights.Least) && std::isfinite(heights.Greatest)) {
-            low.z = heights.Least;
-            high.z = std::max(std::min(high.z, heights.Greatest * TERRAIN_HEADROOM), low.z);
+            all.Low.z = heights.Least;
+            all.High.z = std::max(std::min(all.High.z, heights.Greatest * TERRAIN_HEADROOM), all.Low.z);
         }
     }
-    context.TaskBounds = {(low + high) * 0.5f, (high - low) * 0.5f};
+    context.TaskBounds = all.Get();
 }
 
 /// The debug lines, and the edges of what the first debug camera sees.

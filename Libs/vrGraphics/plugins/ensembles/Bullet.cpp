@@ -3,13 +3,13 @@
 #include "MKLib/Parameters/EnumParameter.h"
 #include "MKLib/Parameters/KeyedParameters.h"
 #include "MKLib/Parameters/SimpleParameters.h"
+#include "vrGraphics/particle/InlineVectors.h"
 #include "vrGraphics/particle/ParticleMath.h"
 #include "vrGraphics/particle/VectorPlanes.h"
 #include "vrGraphics/particle/vrMKPRenderState.h"
 #include "vrGraphics/particle/vrWorld.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 
 namespace
@@ -19,19 +19,12 @@ namespace
 constexpr const char *TRAJECTORY_TYPES[] = {"Linear", "Arc", "Ground"};
 constexpr const char *TRACK_MODES[] = {"Normal", "Homing"};
 
+using Particle::Dot;
+using Particle::Minus;
 using Particle::Planes;
+using Particle::Select_Bits;
 
 constexpr int BLOCK = Planes::BLOCK;
-
-MK_INLINE Vector3 Minus(const Vector3 &a, const Vector3 &b)
-{
-    return {a.x - b.x, a.y - b.y, a.z - b.z};
-}
-
-MK_INLINE float Dot(const Vector3 &a, const Vector3 &b)
-{
-    return a.x * b.x + a.y * b.y + a.z * b.z;
-}
 
 /// a (1 - t) + b t
 MK_INLINE Vector3 Mix(const Vector3 &a, const Vector3 &b, float t)
@@ -91,11 +84,6 @@ MK_SIMD void Place_On_Way(Planes &__restrict places, const Shots &shots, int cou
 MK_INLINE float Signed_Six_Bits(uint32_t id, int low)
 {
     return static_cast<float>(static_cast<int32_t>(id >> low & 63)) * 0.015873017f * 2.0f - 1.0f;
-}
-
-MK_INLINE float Select_Bits(uint32_t mask, float a, float b)
-{
-    return std::bit_cast<float>((std::bit_cast<uint32_t>(a) & mask) | (std::bit_cast<uint32_t>(b) & ~mask));
 }
 
 /// Lets them stray across their way, or level; an arc's is the way that they have come.

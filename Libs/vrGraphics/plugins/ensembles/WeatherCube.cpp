@@ -4,6 +4,7 @@
 #include "MKLib/Parameters/EnumParameter.h"
 #include "MKLib/Parameters/ShapeParameter.h"
 #include "MKLib/Parameters/SimpleParameters.h"
+#include "vrGraphics/particle/InlineVectors.h"
 #include "vrGraphics/particle/ParticleMath.h"
 #include "vrGraphics/drivercommon/vrBounds.h"
 #include "vrGraphics/particle/vrMKPRenderState.h"
@@ -13,7 +14,6 @@
 #include <glm/geometric.hpp>
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 
 namespace
@@ -54,19 +54,13 @@ MK_INLINE float Reduce(float excess, float size)
     return !Near && excess >= size ? excess - Whole_Part(excess / size) : excess;
 }
 
-/// `a` where the mask is all ones, without a jump.
-MK_INLINE float Select_Bits(uint32_t mask, float a, float b)
-{
-    return std::bit_cast<float>((std::bit_cast<uint32_t>(a) & mask) | (std::bit_cast<uint32_t>(b) & ~mask));
-}
-
 template <bool Near>
 MK_INLINE float Wrap(float coordinate, float size, float half)
 {
     const uint32_t isBelow = coordinate < -half ? ~0u : 0u;
-    const float raised = Select_Bits(isBelow, half - Reduce<Near>(-half - coordinate, size), coordinate);
+    const float raised = Particle::Select_Bits(isBelow, half - Reduce<Near>(-half - coordinate, size), coordinate);
     const uint32_t isAbove = raised > half ? ~0u : 0u;
-    return Select_Bits(isAbove, -half + Reduce<Near>(raised - half, size), raised);
+    return Particle::Select_Bits(isAbove, -half + Reduce<Near>(raised - half, size), raised);
 }
 
 /// Whether a coordinate lies beyond `limit`, which isn't negative.

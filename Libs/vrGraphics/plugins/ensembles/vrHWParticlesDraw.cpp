@@ -145,11 +145,7 @@ private:
     {
         const int count = block.Count;
         Quads.Count = count;
-        Particle::Planes positions;
-        Particle::Split(positions, Particles.Position + block.First, count);
-        std::copy_n(positions.X, count, Quads.PositionX);
-        std::copy_n(positions.Y, count, Quads.PositionY);
-        std::copy_n(positions.Z, count, Quads.PositionZ);
+        Particle::Split(Quads.PositionX, Quads.PositionY, Quads.PositionZ, Particles.Position + block.First, count);
         Find_Shares(Shares, Particles.Age + block.First, count, Life);
         Find_Sizes(Sizes, Shares, count, Look.Size);
         Scale(Quads.Height, Sizes, count, SizeMultiplier);

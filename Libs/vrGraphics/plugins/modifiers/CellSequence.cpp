@@ -1,5 +1,7 @@
 #include "vrGraphics/plugins/modifiers/CellSequence.h"
 
+#include "vrGraphics/particle/InlineVectors.h"
+
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -19,8 +21,7 @@ MK_INLINE uint32_t As_Bit(bool value)
 /// `a` where the bit is 1, without a jump.
 MK_INLINE float Select(uint32_t bit, float a, float b)
 {
-    const uint32_t mask = 0u - bit;
-    return std::bit_cast<float>((std::bit_cast<uint32_t>(a) & mask) | (std::bit_cast<uint32_t>(b) & ~mask));
+    return Particle::Select_Bits(0u - bit, a, b);
 }
 
 /// A divisor with its reciprocal.

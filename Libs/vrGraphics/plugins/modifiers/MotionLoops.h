@@ -53,11 +53,13 @@ struct Run
     bool MayHaveStopped;
 };
 
+using Particle::As_Mask;
 using Particle::Cross;
 using Particle::Dot;
 using Particle::Map;
 using Particle::Minus;
 using Particle::Plus;
+using Particle::Select_Bits;
 using Particle::Times;
 using Particle::Turn;
 /// 0, or not where a component is infinite or no number: of those alone x - x isn't 0.
@@ -69,26 +71,11 @@ MK_INLINE bool Is_Invalid(const Vector3 &vector)
 {
     return Invalid_Bits(vector) != 0;
 }
-/// `a` where the mask is all ones and `b` where it is 0. On bits, since the compiler makes a branch around the store of
-/// a value that may be the old one, and then can't take the loop.
-MK_INLINE float Select_Bits(uint32_t mask, float a, float b)
-{
-    return std::bit_cast<float>((std::bit_cast<uint32_t>(a) & mask) | (std::bit_cast<uint32_t>(b) & ~mask));
-}
-MK_INLINE Vector3 Select_Bits(uint32_t mask, const Vector3 &a, const Vector3 &b)
-{
-    return {Select_Bits(mask, a.x, b.x), Select_Bits(mask, a.y, b.y), Select_Bits(mask, a.z, b.z)};
-}
 
 /// What a kernel answers: all ones where it touched the particle, or else 0. Truth values are for single comparisons
 /// alone, since they have the width of a byte, by which the compiler would choose how many particles a loop takes at
 /// once.
 constexpr uint32_t TOUCHED = ~0u;
-
-MK_INLINE uint32_t As_Mask(bool value)
-{
-    return value ? ~0u : 0u;
-}
 
 /// Without those at rest.
 template <bool MayRest>

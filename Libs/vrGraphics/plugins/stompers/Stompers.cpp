@@ -5,8 +5,8 @@
 #include "MKLib/Parameters/StringParameters.h"
 #include "vrGraphics/particle/TargetPoint.h"
 #include "vrGraphics/particle/vrMKPRenderState.h"
-#include "vrGraphics/particle/vrWorld.h"
 #include "vrGraphics/plugins/stompers/StompLoops.h"
+#include "vrGraphics/scene/vrGroundPlane.h"
 
 #include <atomic>
 
@@ -21,19 +21,6 @@ constexpr const char *COMPARISONS[] = {"Greater Than", "Less Than"};
 constexpr const char *DYNAMIC_RADIUS_TEXT = "Use the dynamic target radius value passed in from XML.";
 
 std::atomic<float> defaultHeight{-60.0f};
-
-/// The ground of a world without terrain.
-class LevelGround final : public vrTerrain
-{
-public:
-    explicit LevelGround(float height) : Height(height) {}
-    float Get_Height(float /*x*/, float /*y*/) const override { return Height; }
-    vrHeightRange Get_Height_Range() const override { return {Height, Height}; }
-    bool Intersect_Segment(const Vector3 &, const Vector3 &, Vector3 &, Vector3 &) const override { return false; }
-
-private:
-    float Height;
-};
 
 /// The bone that the target rides on.
 class vrMKPTargetStomperPluginData final : public vrMKPBufferPluginData
@@ -105,7 +92,7 @@ void vrMKPTerrainStomper::Set_Default_Height(float height)
 
 void vrMKPTerrainStomper::Stomp(vrMKPBuffer &buffer, bool spawnOnDeath) const
 {
-    const LevelGround substitute(Get_Default_Height());
+    const vrGroundPlane substitute(Get_Default_Height());
     const vrTerrain &terrain = buffer.State->Terrain ? *buffer.State->Terrain : substitute;
     const Vector3 offset = IntersectionOffset->Get_Value();
     StompLoops::Remove_Marked(buffer, 0.0f, spawnOnDeath, [&](vrMKPSpan span, uint8_t *dead) {

@@ -1,6 +1,7 @@
 #include "vrGraphics/plugins/visualizers/QuadBlock.h"
 
 #include "MKLib/MKMath/Simd.h"
+#include "vrGraphics/particle/VectorPlanes.h"
 #include "vrGraphics/plugins/visualizers/WordRows.h"
 
 #include <algorithm>
@@ -56,16 +57,6 @@ MK_SIMD void Scale_And_Add(float *__restrict values, int count, float scale, flo
     for (int at = 0; at < count; ++at) values[at] = values[at] * scale + add;
 }
 
-MK_SIMD void Take_Apart(const float *__restrict from, int count, float *__restrict x, float *__restrict y,
-                        float *__restrict z)
-{
-    for (int at = 0; at < count; ++at) {
-        x[at] = from[3 * at];
-        y[at] = from[3 * at + 1];
-        z[at] = from[3 * at + 2];
-    }
-}
-
 MK_SIMD void Take_Apart(const float *__restrict from, int count, float *__restrict x, float *__restrict y)
 {
     for (int at = 0; at < count; ++at) {
@@ -87,7 +78,7 @@ vrMKPParticleRun::vrMKPParticleRun(const vrMKPSortEntry *entries, int count, boo
 void vrMKPParticleRun::Fetch(const Vector3 *channel, float *x, float *y, float *z) const
 {
     if (First >= 0) {
-        Take_Apart(&channel[First].x, Count, x, y, z);
+        Particle::Split(x, y, z, channel + First, Count);
         return;
     }
     for (int at = 0; at < Count; ++at) {

@@ -4,6 +4,7 @@
 #include "MKLib/MKDebug/Logger.h"
 #include "vrGraphics/drivercommon/vrParticleScratch.h"
 #include "vrGraphics/drivercommon/vrRenderContext.h"
+#include "vrGraphics/particle/InlineVectors.h"
 #include "vrGraphics/particle/ParticleMath.h"
 #include "vrGraphics/particle/vrMKPRenderState.h"
 #include "vrGraphics/plugins/visualizers/ParticleSort.h"
@@ -18,10 +19,17 @@ namespace
 
 constexpr float ASPECT_TOLERANCE = 0.0001f;
 
+/// Whether it changes anything.
+bool Is_On(const vrMKPAspect &aspect)
+{
+    return !(std::fabs(aspect.Minimum - 1.0f) <= ASPECT_TOLERANCE &&
+             std::fabs(aspect.Maximum - 1.0f) <= ASPECT_TOLERANCE);
+}
+
 float Distance_Squared(const Vector3 &a, const Vector3 &b)
 {
-    const Vector3 way = a - b;
-    return way.x * way.x + way.y * way.y + way.z * way.z;
+    const Vector3 way = Particle::Minus(a, b);
+    return Particle::Dot(way, way);
 }
 
 /// Back to front: the farthest has the least key.
@@ -67,11 +75,6 @@ MK_SIMD void Vary(float *__restrict widths, const uint32_t *__restrict ids, int 
 }
 
 } // namespace
-
-bool vrMKPAspect::Is_On() const
-{
-    return !(std::fabs(Minimum - 1.0f) <= ASPECT_TOLERANCE && std::fabs(Maximum - 1.0f) <= ASPECT_TOLERANCE);
-}
 
 float vrMKPQuadDraw::Get_Size_Multiplier(const vrMKPBuffer &buffer)
 {
@@ -163,7 +166,7 @@ void vrMKPQuadDraw::Fetch(const vrMKPParticleRun &run, const vrMKPAspect &aspect
     run.Fetch(Buffer->Size, quads.Width, quads.Height);
     Multiply(quads.Width, count, SizeMultiplier);
     Multiply(quads.Height, count, SizeMultiplier);
-    if (aspect.Is_On()) {
+    if (Is_On(aspect)) {
         uint32_t room[vrMKPParticleRun::SIZE];
         const uint32_t *ids = run.Fetch(Buffer->ID, room);
         Vary(quads.Width, ids, count, aspect.Minimum, aspect.Maximum - aspect.Minimum);

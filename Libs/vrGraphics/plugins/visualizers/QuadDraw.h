@@ -4,6 +4,7 @@
 
 #include "vrGraphics/plugins/visualizers/ParticleColors.h"
 #include "vrGraphics/plugins/visualizers/QuadBlock.h"
+#include "vrGraphics/plugins/visualizers/vrMKPAspect.h"
 #include "vrGraphics/particle/vrMKPBuffer.h"
 
 #include "MKLib/MKMath/Mat3D.h"
@@ -17,16 +18,6 @@ struct vrMKPSorting
     bool IsOn = false;
     /// Particles from that age on keep the place that they had; negative for all to be sorted at every age.
     float MaxAge = -1.0f;
-};
-
-/// Factors for the widths of quads, from which the ID of each particle picks its own.
-struct vrMKPAspect
-{
-    float Minimum = 1.0f;
-    float Maximum = 1.0f;
-
-    /// Whether it changes anything.
-    bool Is_On() const;
 };
 
 /// One draw of one buffer, for one view: all that stays the same for its particles. Lives while the vertices are built.

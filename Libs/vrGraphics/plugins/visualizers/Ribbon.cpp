@@ -5,7 +5,6 @@
 #include "vrGraphics/plugins/visualizers/QuadDraw.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <cstring>
 #include <optional>

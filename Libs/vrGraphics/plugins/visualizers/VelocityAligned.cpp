@@ -96,9 +96,8 @@ void vrMKPVelocityAlignedVisualizer::Compute_Bounds(vrMKPBuffer &buffer, vrBound
         const float frameTime = buffer.State->FrameTime;
         const float rate = 1.0f / (frameTime > 0.0f ? frameTime : LEAST_FRAME_TIME);
         const Mat3DClass turn = Find_Turn(buffer);
-        const vrMKPAspect aspect = Get_Aspect();
         VelocityQuads::Measures measures;
-        measures.Aspect = {aspect.Minimum, aspect.Maximum};
+        measures.Aspect = Get_Aspect();
         measures.SizeMultiplier = vrMKPQuadDraw::Get_Size_Multiplier(buffer);
         measures.Lift = LIFTS[AnchorPoint->Get_Value()];
         for (const vrMKPSpan span : buffer.Live_Spans())

@@ -3,7 +3,6 @@
 #include "vrGraphics/particle/InlineVectors.h"
 #include "vrGraphics/particle/ParticleMath.h"
 
-#include <bit>
 #include <cmath>
 
 using Particle::Cross;
@@ -86,8 +85,7 @@ MK_INLINE void Find_Axes(Axes &axes, const Vector3 &position, const Vector3 &mot
 
 MK_INLINE float Select(bool condition, float a, float b)
 {
-    const uint32_t mask = condition ? ~0u : 0u;
-    return std::bit_cast<float>((std::bit_cast<uint32_t>(a) & mask) | (std::bit_cast<uint32_t>(b) & ~mask));
+    return Particle::Select_Bits(Particle::As_Mask(condition), a, b);
 }
 
 template <bool IS_STEP>

@@ -5,8 +5,9 @@
 
 #include "MKLib/MKMath/Mat3D.h"
 #include "vrGraphics/particle/VectorPlanes.h"
+#include "vrGraphics/particle/vrMKPBuffer.h"
 #include "vrGraphics/plugins/visualizers/QuadBlock.h"
-#include "vrGraphics/plugins/visualizers/vrMKPBoundsSum.h"
+#include "vrGraphics/plugins/visualizers/vrMKPAspect.h"
 
 /// How a kind chooses the axes of its quads from the place, the velocity and the view.
 enum class vrMKPAlignment
@@ -67,7 +68,7 @@ struct Measures
     void Measure(vrMKPAlignment alignment, const vrMKPBuffer &buffer, vrMKPSpan span, float rate,
                  const Mat3DClass &transform, const vrMKPVelocityView &view);
 
-    vrMKPBoundsSum::AspectRange Aspect;
+    vrMKPAspect Aspect;
     float SizeMultiplier;
     float Lift; ///< radii from a particle to the middle of its quad, up the long axis
 

@@ -109,8 +109,7 @@ Vector3 Reduce(const Axes &lanes, Join &&join)
 
 } // namespace
 
-vrMKPBoundsSum::vrMKPBoundsSum(float sizeScale, const AspectRange *aspect)
-    : SizeScale(sizeScale), HasAspect(aspect != nullptr), Aspect(aspect ? *aspect : AspectRange{1.0f, 1.0f})
+vrMKPBoundsSum::vrMKPBoundsSum(float sizeScale, const vrMKPAspect &aspect) : SizeScale(sizeScale), Aspect(aspect)
 {
     Start_At(Vector3(0.0f));
 }
@@ -138,7 +137,7 @@ void vrMKPBoundsSum::Add_Span(const vrMKPBuffer &buffer, vrMKPSpan span, const f
                         lifts};
     if (radii)
         Add<Radii::GIVEN>(source, Count, span.Count, Least.Values, Greatest.Values, Sum.Values);
-    else if (HasAspect)
+    else if (Aspect != vrMKPAspect())
         Add<Radii::OF_SIZES_AND_ASPECT>(source, Count, span.Count, Least.Values, Greatest.Values, Sum.Values);
     else
         Add<Radii::OF_SIZES>(source, Count, span.Count, Least.Values, Greatest.Values, Sum.Values);

@@ -3,6 +3,7 @@
 /// The sums behind the bounds of a layer: the box around its particles and their mean position.
 
 #include "vrGraphics/particle/vrMKPBuffer.h"
+#include "vrGraphics/plugins/visualizers/vrMKPAspect.h"
 
 /// Takes live particles in ring order, in runs of any lengths, which leave no trace in the result: a frame may add each
 /// block while it is in the cache. A running sum of floats would go at the speed of one addition after the other, and
@@ -13,16 +14,8 @@ class vrMKPBoundsSum
 public:
     static constexpr int LANES = 16;
 
-    /// A range of factors for the radius, from which the ID of a particle picks its own.
-    struct AspectRange
-    {
-        float Minimum;
-        float Maximum;
-    };
-
-    /// A particle's radius is the sum of its width and height times `sizeScale`, and times its aspect where `aspect`
-    /// isn't null.
-    explicit vrMKPBoundsSum(float sizeScale, const AspectRange *aspect = nullptr);
+    /// A particle's radius is the sum of its width and height, times `sizeScale` and its aspect.
+    explicit vrMKPBoundsSum(float sizeScale, const vrMKPAspect &aspect = {});
 
     void Add_Span(const vrMKPBuffer &buffer, vrMKPSpan span) { Add_Span(buffer, span, nullptr, nullptr); }
     /// With radii of their own, and middles that stand so much above the particles, both by particle of the span. The
@@ -49,6 +42,5 @@ private:
     Lanes Sum;
     int Count = 0;
     float SizeScale;
-    bool HasAspect;
-    AspectRange Aspect;
+    vrMKPAspect Aspect;
 };

@@ -59,13 +59,6 @@ vrBounds vrMKPSimpleVisualizer::Get_Cull_Box(const vrMKPBuffer & /*buffer*/, con
     return {bounds.Center, bounds.Extent + Vector3(Is_Valid(offset) ? offset : 0.0f)};
 }
 
-bool vrMKPSimpleVisualizer::Get_Aspect_Range(vrMKPBoundsSum::AspectRange &range) const
-{
-    if (!MinAspectRatio) return false;
-    range = {MinAspectRatio->Get_Value(), MaxAspectRatio->Get_Value()};
-    return true;
-}
-
 vrMKPAspect vrMKPSimpleVisualizer::Get_Aspect() const
 {
     if (!MinAspectRatio) return {};
@@ -156,10 +149,9 @@ void vrMKPSimpleVisualizer::Set_Shader_Vector(int parameter, const Vector4 &valu
         Shader->Set_Vector4(parameter, &value.x);
 }
 
-TextureNameParameterClass *vrMKPSimpleVisualizer::Add_Texture_Name(int32_t id, std::string_view value)
+void vrMKPSimpleVisualizer::Add_Texture_Name(int32_t id, std::string_view value)
 {
     TextureName = Parameters.Add_Texture(id, "Texture Name", value, "Name of texture");
-    return TextureName;
 }
 
 void vrMKPSimpleVisualizer::Add_Shader_Name(int32_t id, std::string_view value)

@@ -105,8 +105,7 @@ void vrMKPVisualizer::Select_Visible_Particles(vrMKPBuffer &buffer, const vrPreR
 
 vrMKPBoundsSum vrMKPVisualizer::Begin_Bounds(const vrMKPBuffer &buffer) const
 {
-    vrMKPBoundsSum::AspectRange range;
-    return vrMKPBoundsSum(vrMKPQuadDraw::Get_Size_Multiplier(buffer), Get_Aspect_Range(range) ? &range : nullptr);
+    return vrMKPBoundsSum(vrMKPQuadDraw::Get_Size_Multiplier(buffer), Get_Aspect());
 }
 
 void vrMKPVisualizer::End_Bounds(vrMKPBuffer &buffer, const vrMKPBoundsSum &sum, vrBounds *bounds) const

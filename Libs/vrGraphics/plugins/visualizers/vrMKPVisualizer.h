@@ -18,10 +18,8 @@
 #include "vrGraphics/plugins/visualizers/vrMKPBoundsSum.h"
 
 class vrMKPEmitterFace;
-class vrMKPSimpleVisualizerData;
 class vrRenderContext;
 struct vrBounds;
-struct vrMKPAspect;
 struct vrPreRenderContext;
 
 class vrMKPVisualizer : public vrMKPPlugin
@@ -71,8 +69,8 @@ protected:
     /// The box from `minimum` to `maximum` as it is drawn: mapped where the layer scales at its draw. Asserts that it's
     /// made of numbers.
     static void Set_Bounds(vrBounds &bounds, const vrMKPBuffer &buffer, const Vector3 &minimum, const Vector3 &maximum);
-    /// The range of "Aspect Ratio" for a kind that has one.
-    virtual bool Get_Aspect_Range(vrMKPBoundsSum::AspectRange & /*range*/) const { return false; }
+    /// What varies the widths of particles; nothing for a kind without the two parameters.
+    virtual vrMKPAspect Get_Aspect() const { return {}; }
 
 private:
     void Smooth_Centroid(vrMKPBuffer &buffer) const;
@@ -108,9 +106,7 @@ public:
 protected:
     /// `usesAspectRatio` adds the two parameters that stretch each particle at random.
     explicit vrMKPSimpleVisualizer(bool usesAspectRatio);
-    bool Get_Aspect_Range(vrMKPBoundsSum::AspectRange &range) const override;
-    /// What varies the widths of quads; nothing for a kind without the two parameters.
-    vrMKPAspect Get_Aspect() const;
+    vrMKPAspect Get_Aspect() const override;
 
     /// Draws what is pending in the buffer's data, and leaves nothing pending. A draw that is too large for the driver
     /// goes in several.
@@ -135,7 +131,7 @@ protected:
 
     // The forms in which the derived kinds have these. Until a kind adds its shader's name it is "Unknown", and is
     // neither saved nor shown.
-    TextureNameParameterClass *Add_Texture_Name(int32_t id, std::string_view value);
+    void Add_Texture_Name(int32_t id, std::string_view value);
     void Set_Texture_Name(std::string_view value) { TextureName->Set_Value(value); }
     void Add_Shader_Name(int32_t id, std::string_view value);
     void Set_Shader_Name(std::string_view value) { ShaderName->Set_Value(value); }
