@@ -5,8 +5,8 @@
 #include "WorkingDirectory.h"
 
 #include "Code/ApplicationCore.h"
+#include "Code/NoPreview.h"
 #include "Code/ParticleData.h"
-#include "Code/PreviewDriver.h"
 #include "Desktop/DesktopApplication.h"
 #include "Desktop/DesktopMainForm.h"
 #include "Desktop/ParticleColumns.h"
@@ -61,21 +61,12 @@ private:
 };
 
 /// A preview that has a device and no work, so that a tick costs what the tool itself adds.
-class IdlePreview final : public PreviewDriver
+class IdlePreview final : public NoPreview
 {
 public:
     explicit IdlePreview(int &frameCount) : Frames(frameCount) {}
 
-    void Set_Search_Paths(const PreviewPaths &) override {}
     bool Init_Device(ViewPanel &) override { return true; }
-    void Init_Scene() override {}
-    void Free_Scene() override {}
-    void Shutdown_Device() override {}
-    void Add_Emitter(vrMKParticleEmitter &) override {}
-    void Remove_Emitter(vrMKParticleEmitter &) override {}
-    bool Is_Alive(vrMKParticleEmitter &) override { return true; }
-    void Update_Camera(float) override {}
-    void Update_Scene(float) override {}
     PreviewStatistics Get_Statistics() override
     {
         PreviewStatistics statistics;
@@ -83,16 +74,6 @@ public:
         return statistics;
     }
     void Render(bool, bool) override { ++Frames; }
-    void Reset_Camera() override {}
-    float Get_Camera_Distance() const override { return 550.0f; }
-    void Set_Camera_Distance(float) override {}
-    void On_Rotate_Begin() override {}
-    void On_Rotate_End() override {}
-    void On_Mouse_Move(float, float) override {}
-    void Resize(int, int) override {}
-    void Set_Background_Image(const std::string &) override {}
-    void Enable_Heat(bool) override {}
-    void Enable_Bloom(bool) override {}
 
 private:
     int &Frames;

@@ -17,9 +17,8 @@
 namespace
 {
 
-constexpr std::string_view EFFECT =
-    "parameter float A parameter float2 B parameter float3 C parameter texture2d D\n"
-    "technique GLOBAL_LOD_0 { pass { vertex { } fragment { } } }";
+constexpr std::string_view EFFECT = "parameter float A parameter float2 B parameter float3 C parameter texture2d D\n"
+                                    "technique GLOBAL_LOD_0 { pass { vertex { } fragment { } } }";
 
 // Served from the file cache, so that a run costs no trip to a disk.
 void Cache(const char *name, std::string_view text)

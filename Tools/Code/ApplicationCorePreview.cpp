@@ -5,6 +5,7 @@
 #include "Code/MainForm.h"
 #include "Code/ParticleData.h"
 #include "Code/PreviewDriver.h"
+#include "Code/SceneDrawing.h"
 #include "Code/SceneViewForm.h"
 #include "MKLib/MKMath/FloatingPoint.h"
 #include "MKLib/MegaFile/MegaFileManager.h"
@@ -27,17 +28,6 @@ constexpr float CAMERA_STEP_SECONDS = 0.0333333351f;
 constexpr float SINGLE_STEP_SECONDS = 0.0333333351f;
 constexpr float LEAST_SPEED = 0.1f;
 constexpr float GREATEST_SPEED = 4.0f;
-
-PreviewPaths Get_Paths_Under(const std::string &workingDirectory)
-{
-    PreviewPaths paths;
-    for (const char *folder : {"", "Common\\", "Engine\\", "Terrain\\", "Particle\\", "ShadowMap\\"})
-        paths.Effects.push_back(workingDirectory + "\\Run\\DATA\\Art\\Shaders\\DX9\\" + folder);
-    for (const char *folder : {"Game\\", "Bump\\", "NoCompression\\", "DDS\\", "Interface\\", "Heat\\"})
-        paths.Textures.push_back(workingDirectory + "\\Art\\Textures\\" + folder);
-    paths.PostFxs = workingDirectory + "\\Art\\PostFxs\\";
-    return paths;
-}
 
 /// Set for as long as it lives.
 class ScopedLatch
@@ -87,7 +77,7 @@ void ApplicationCore::Hide_Preview()
 
 void ApplicationCore::Set_Preview_Paths()
 {
-    vorenData->Set_Search_Paths(Get_Paths_Under(appSettings.WorkingDirectory));
+    vorenData->Set_Search_Paths(Get_Preview_Paths(appSettings.WorkingDirectory));
 }
 
 /// What the whole engine needs runs in any case; only the device may be missing.

@@ -4,7 +4,7 @@
 
 /// The preview of a run without a device: there is no scene, an emitter that is handed to it goes on as it is, and the
 /// view window stays hidden.
-class NoPreview final : public PreviewDriver
+class NoPreview : public PreviewDriver
 {
 public:
     void Set_Search_Paths(const PreviewPaths &) override {}

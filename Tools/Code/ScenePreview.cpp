@@ -1,5 +1,6 @@
 #include "Code/ScenePreview.h"
 
+#include "Code/SceneDrawing.h"
 #include "Code/SceneViewForm.h"
 #include "MKLib/MKDebug/Logger.h"
 #include "vrGraphics/assets/vrAssetManager.h"
@@ -64,11 +65,7 @@ ScenePreview::~ScenePreview()
 
 void ScenePreview::Set_Search_Paths(const PreviewPaths &paths)
 {
-    vrGraphicsDriver::Clear_Texture_Path();
-    vrGraphicsDriver::Clear_Effects_Path();
-    for (const std::string &path : paths.Effects) vrGraphicsDriver::Add_Effects_Path(path);
-    for (const std::string &path : paths.Textures) vrGraphicsDriver::Add_Texture_Path(path);
-    vrGraphicsDriver::Set_PostFxs_Path(paths.PostFxs);
+    Apply_Preview_Paths(paths);
 }
 
 bool ScenePreview::Init_Device(ViewPanel &panel)
@@ -84,11 +81,7 @@ void ScenePreview::Init_Scene()
 {
     if (!Device) return;
     vrGraphicsDriver &driver = *TheGraphicsDriver;
-    driver.Prepare_For_Scene();
-    vrGraphicsDriver::Enable(0x200000, false);
-    vrGraphicsDriver::Enable(0x40000, false);
-    vrGraphicsDriver::Enable(0x80000, true);
-    vrGraphicsDriver::Enable(vrGraphicsDriver::STATE_HEAT_TARGET, true);
+    Prepare_Scene_Driver();
     driver.Set_Renderer_Type(driver.Get_Renderer_Type(), true);
     vrGraphicsDriver::Load_PostFxs_Chain("ParticleEditorChain.xml");
     ShadowTarget = driver.Create_Render_Target("APP_CORE_SHADOWMAP_RT", SHADOW_MAP_SIZE, SHADOW_MAP_SIZE, 0, 0, 1);
@@ -107,9 +100,7 @@ void ScenePreview::Init_Scene()
     lights->Set_Sun_Light(Lights[0].Get());
     lights->Add_Light(Lights[1].Get());
     lights->Add_Light(Lights[2].Get());
-    driver.Set_Renderer_Type(driver.Is_Renderer_Supported(VR_RENDERER_LIGHT_PRE_PASS) ? VR_RENDERER_LIGHT_PRE_PASS
-                                                                                      : VR_RENDERER_FORWARD,
-                             false);
+    Choose_Scene_Renderer();
 }
 
 void ScenePreview::Free_Scene()
@@ -125,9 +116,7 @@ void ScenePreview::Free_Scene()
 void ScenePreview::Shutdown_Device()
 {
     if (!Device) return;
-    vrGraphicsDriver::Set_Shadow_Depth_Texture(nullptr);
-    vrGraphicsDriver::Set_Cloud_Shadow_Texture(nullptr);
-    vrGraphicsDriver::Set_Fog_Of_War_Texture(nullptr);
+    Release_Scene_Textures();
     Device->Shutdown();
     Device.reset();
 }
@@ -171,20 +160,7 @@ void ScenePreview::Update_Scene(float seconds)
 bool ScenePreview::Begin_Frame()
 {
     if (!Device || !Scene || !Device->Is_Device_Operational() || vrGraphicsDriver::Is_Inside_Frame()) return false;
-    const SmartPtr<vrTexture> white = vrRenderUtils::Get_Generic_White_Texture();
-    vrGraphicsDriver::Set_Shadow_Depth_Texture(white.Get());
-    vrGraphicsDriver::Set_Cloud_Shadow_Texture(white.Get());
-    vrGraphicsDriver::Set_Fog_Of_War_Texture(white.Get());
-    vrGraphicsDriver &driver = *TheGraphicsDriver;
-    const Mat3DClass identity;
-    driver.Set_Camera(Camera.Get());
-    driver.Set_World_Transform(&identity);
-    driver.Begin_Frame();
-    driver.Reset_Render_Target();
-    driver.Reset_Depth_Buffer();
-    driver.Flush_State();
-    const RGBAClass black{0.0f, 0.0f, 0.0f, 0.0f};
-    driver.Clear(true, true, true, &black, nullptr, 1.0f, 0);
+    Begin_Scene_Frame(*Camera, RGBAClass{0.0f, 0.0f, 0.0f, 0.0f});
     return true;
 }
 
@@ -192,7 +168,7 @@ void ScenePreview::Render(bool axes, bool background)
 {
     if (!Begin_Frame()) return;
     const auto start = std::chrono::steady_clock::now();
-    if (background) Draw_Background();
+    if (background && Background) Draw_Scene_Background(*Background);
     Guarded("frame", [&] { Scene->Render(Camera.Get(), VR_RENDER_MODE_NORMAL, false); });
     if (axes) Draw_Axes();
     TheGraphicsDriver->End_Frame();
@@ -215,14 +191,6 @@ PreviewStatistics ScenePreview::Get_Statistics()
     statistics.DrawMilliseconds = std::max(FrameMilliseconds - statistics.PrepareMilliseconds, 0.0f);
     statistics.PresentMilliseconds = FlipMilliseconds;
     return statistics;
-}
-
-void ScenePreview::Draw_Background()
-{
-    if (!Background) return;
-    vrRenderUtils::Begin_Render_2D_Quad(Background.Get());
-    vrRenderUtils::Render_2D_Quad(-1.0f, 1.0f, 1.0f, -1.0f, 0.0f, Vector2(0.0f), Vector2(1.0f), VR_WHITE);
-    vrRenderUtils::End_Render_2D_Quad();
 }
 
 void ScenePreview::Draw_Axes()
@@ -248,9 +216,7 @@ void ScenePreview::Draw_Axes()
 
 void ScenePreview::Reset_Camera()
 {
-    Camera->Set_Perspective(0.6108652353f, 1.3333333731f);
-    Camera->Set_Depth_Range(5.0f, 10000.0f);
-    Camera->Set_Object_Fade_Depth(1000.0f);
+    Set_Scene_Lens(*Camera, 1.3333333731f);
     Controller->Set_Camera_Location(Vector3(0.0f));
     Controller->Set_Pitch(35.0f);
     Controller->Set_Yaw(45.0f);

@@ -65,7 +65,6 @@ public:
 
 private:
     bool Begin_Frame();
-    void Draw_Background();
     void Draw_Axes();
     void Enable_PostFx(uint32_t mask, bool enabled);
     void Tell_Game_State();

@@ -3,6 +3,7 @@
 #include "Code/EmitterData.h"
 #include "Code/IFlareTrimUIManager.h"
 #include "Code/ParticleData.h"
+#include "Desktop/CountedText.h"
 #include "Desktop/DesktopApplication.h"
 #include "Desktop/DesktopSceneViewForm.h"
 #include "Desktop/ParticleRowFilter.h"
@@ -28,11 +29,6 @@ namespace
 
 constexpr int MESSAGE_MILLISECONDS = 8000;
 constexpr QSize FIRST_SIZE(1440, 860);
-
-QString Counted(int count, const QString &one)
-{
-    return QString("%1 %2%3").arg(count).arg(one, count == 1 ? "" : "s");
-}
 
 } // namespace
 

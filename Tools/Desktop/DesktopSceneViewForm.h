@@ -71,7 +71,7 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
-    using Operation = void (IFlareTrimUIManager::*)(const void *sender, const EventArgs &args);
+    using Operation = void (IFlareTrimUIManager::*)(Sender sender, const EventArgs &args);
 
     QAction *Add_Action(const QString &text, const QString &icon, const QString &keys, Operation operation);
     QAction *Add_Toggle(const QString &text, const QString &icon, const QString &keys, Operation operation);

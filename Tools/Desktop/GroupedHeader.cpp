@@ -12,14 +12,9 @@ namespace
 
 constexpr int MARGIN = 6;
 
-const ParticleColumn &Get_Column(int column)
-{
-    return Get_Particle_Columns()[static_cast<size_t>(column)];
-}
-
 bool Are_In_One_Group(int first, int second)
 {
-    return std::strcmp(Get_Column(first).Group, Get_Column(second).Group) == 0;
+    return std::strcmp(Get_Particle_Column(first).Group, Get_Particle_Column(second).Group) == 0;
 }
 
 } // namespace
@@ -59,7 +54,7 @@ void GroupedHeader::paintSection(QPainter *painter, const QRect &rect, int colum
     painter->drawLine(rect.bottomLeft(), rect.bottomRight());
     painter->drawLine(place.topRight(), place.bottomRight());
     painter->setPen(Theme::Get_Quiet_Color(palette()));
-    QString title = Get_Column(column).Title;
+    QString title = Get_Particle_Column(column).Title;
     if (column == orderColumn) title += order == Qt::AscendingOrder ? QString(" \u25b4") : QString(" \u25be");
     painter->drawText(place.adjusted(MARGIN, 0, -MARGIN, 0), Qt::AlignLeft | Qt::AlignVCenter, title);
 }
@@ -92,7 +87,7 @@ void GroupedHeader::Paint_Groups()
             painter.setPen(palette().color(QPalette::ButtonText));
             painter.drawText(
                 place.adjusted(MARGIN, 2, -MARGIN, 0), Qt::AlignLeft | Qt::AlignVCenter,
-                painter.fontMetrics().elidedText(Get_Column(first).Group, Qt::ElideRight, width - 2 * MARGIN));
+                painter.fontMetrics().elidedText(Get_Particle_Column(first).Group, Qt::ElideRight, width - 2 * MARGIN));
         }
         first = last + 1;
     }

@@ -8,6 +8,7 @@
 #include "Desktop/SelectionPanel.h"
 #include "Desktop/Theme.h"
 #include "Desktop/ThemedIcon.h"
+#include "Desktop/UserSettings.h"
 
 #include <QActionGroup>
 #include <QCoreApplication>
@@ -16,7 +17,6 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QScrollArea>
-#include <QSettings>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QToolBar>
@@ -30,11 +30,6 @@ constexpr const char *COLUMNS_KEY = "columns";
 constexpr const char *PANEL_KEY = "selectionPanel";
 constexpr const char *SPLITTER_KEY = "splitter";
 constexpr int PANEL_WIDTH = 330;
-
-QSettings Open_Settings()
-{
-    return QSettings(QSettings::IniFormat, QSettings::UserScope, "FlareTrim", "FlareTrim");
-}
 
 } // namespace
 
@@ -237,7 +232,7 @@ void DesktopMainForm::Make_Status_Bar()
 
 void DesktopMainForm::Keep_Layout() const
 {
-    QSettings settings = Open_Settings();
+    QSettings settings = Open_User_Settings();
     settings.setValue(COLUMNS_KEY, table->Save_Columns());
     settings.setValue(PANEL_KEY, panelFrame->isVisibleTo(this));
     settings.setValue(SPLITTER_KEY, static_cast<QSplitter *>(centralWidget())->saveState());
@@ -245,7 +240,7 @@ void DesktopMainForm::Keep_Layout() const
 
 void DesktopMainForm::Restore_Layout()
 {
-    QSettings settings = Open_Settings();
+    QSettings settings = Open_User_Settings();
     table->Restore_Columns(settings.value(COLUMNS_KEY).toByteArray());
     static_cast<QSplitter *>(centralWidget())->restoreState(settings.value(SPLITTER_KEY).toByteArray());
     if (!settings.value(PANEL_KEY, true).toBool()) menuBar()->findChild<QAction *>("showPanel")->setChecked(false);

@@ -29,7 +29,7 @@ constexpr const char *TOUCHED = "touched";
 
 const ParticleColumn &Get_Column(const QModelIndex &index)
 {
-    return Get_Particle_Columns()[static_cast<size_t>(index.column())];
+    return Get_Particle_Column(index.column());
 }
 
 /// The row of an index of the filter.

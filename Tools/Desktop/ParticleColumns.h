@@ -47,6 +47,10 @@ struct ParticleColumn
 
 /// All, in the order of the row's properties.
 std::span<const ParticleColumn> Get_Particle_Columns();
+inline const ParticleColumn &Get_Particle_Column(int column)
+{
+    return Get_Particle_Columns()[static_cast<size_t>(column)];
+}
 /// Expects a name that there is.
 int Find_Particle_Column(const char *propertyName);
 

@@ -74,7 +74,7 @@ void ParticleRowFilter::Fill()
 
 void ParticleRowFilter::Order()
 {
-    const ParticleColumn &column = Get_Particle_Columns()[static_cast<size_t>(sortColumn)];
+    const ParticleColumn &column = Get_Particle_Column(sortColumn);
     std::vector<Key> keys;
     keys.reserve(sourceRows.size());
     for (const int row : sourceRows) keys.push_back(Get_Key(column, *rows.Get_Row(row), row));

@@ -23,11 +23,6 @@ constexpr int ARROW_WIDTH = 18;
 constexpr int WIDEST_TEXT = 320;
 constexpr quint32 STATE_VERSION = 1;
 
-const ParticleColumn &Get_Column(int column)
-{
-    return Get_Particle_Columns()[static_cast<size_t>(column)];
-}
-
 int Get_Column_Count()
 {
     return static_cast<int>(Get_Particle_Columns().size());
@@ -50,9 +45,9 @@ int ParticleTableView::Get_Text_Width(int column) const
 /// Of the group's heading, where the column stands alone under it; 0 where it shares it.
 int ParticleTableView::Get_Group_Width(int column) const
 {
-    const QString group = Get_Column(column).Group;
+    const QString group = Get_Particle_Column(column).Group;
     for (int other = 0; other < Get_Column_Count(); ++other)
-        if (other != column && !isColumnHidden(other) && group == Get_Column(other).Group) return 0;
+        if (other != column && !isColumnHidden(other) && group == Get_Particle_Column(other).Group) return 0;
     QFont bold = font();
     bold.setWeight(QFont::DemiBold);
     return QFontMetrics(bold).horizontalAdvance(group);
@@ -64,7 +59,7 @@ void ParticleTableView::Fit_Columns()
     for (int column = 0; column < Get_Column_Count(); ++column) {
         if (widthIsTheUsers[static_cast<size_t>(column)]) continue;
         int width = 0;
-        switch (Get_Column(column).Kind) {
+        switch (Get_Particle_Column(column).Kind) {
         case Cell::Mark: width = fontMetrics().horizontalAdvance(QChar(0x25cf)); break;
         case Cell::Text: width = Get_Text_Width(column); break;
         case Cell::Level: width = fontMetrics().horizontalAdvance("Medium") + ARROW_WIDTH; break;
@@ -73,7 +68,8 @@ void ParticleTableView::Fit_Columns()
         case Cell::Check:
         case Cell::Flag: width = fontMetrics().horizontalAdvance("yes"); break;
         }
-        const int title = std::max(fontMetrics().horizontalAdvance(Get_Column(column).Title), Get_Group_Width(column));
+        const int title =
+            std::max(fontMetrics().horizontalAdvance(Get_Particle_Column(column).Title), Get_Group_Width(column));
         if (!isColumnHidden(column)) setColumnWidth(column, std::max(width, title) + CELL_PADDING);
     }
     isFitting = false;
@@ -89,7 +85,7 @@ void ParticleTableView::Hide_Column(int column, bool isHidden)
 
 void ParticleTableView::Show_Default_Columns()
 {
-    for (int column = 0; column < Get_Column_Count(); ++column) Hide_Column(column, !Get_Column(column).Shown);
+    for (int column = 0; column < Get_Column_Count(); ++column) Hide_Column(column, !Get_Particle_Column(column).Shown);
     std::fill(widthIsTheUsers.begin(), widthIsTheUsers.end(), false);
     Fit_Columns();
 }
@@ -136,7 +132,7 @@ void ParticleTableView::Fill_Column_Menu(QMenu &menu)
 {
     menu.clear();
     for (int column = 0; column < Get_Column_Count(); ++column) {
-        const ParticleColumn &description = Get_Column(column);
+        const ParticleColumn &description = Get_Particle_Column(column);
         const QString title = description.Kind == Cell::Mark ? QString("Modified") : QString(description.Title);
         const bool isPlain = QString(description.Group) == title || description.Kind == Cell::Mark;
         QAction *action = menu.addAction(isPlain ? title : QString("%1: %2").arg(description.Group, title));

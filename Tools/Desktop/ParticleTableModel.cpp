@@ -121,7 +121,7 @@ QVariant ParticleTableModel::data(const QModelIndex &index, int role) const
 {
     const ParticleData *row = Get_Row(index.row());
     if (!row) return {};
-    const ParticleColumn &column = Get_Particle_Columns()[static_cast<size_t>(index.column())];
+    const ParticleColumn &column = Get_Particle_Column(index.column());
     using Cell = ParticleColumn::Cell;
     switch (role) {
     case Qt::DisplayRole:
@@ -147,7 +147,7 @@ QVariant ParticleTableModel::headerData(int section, Qt::Orientation orientation
     if (orientation == Qt::Vertical)
         return role == Qt::DisplayRole ? QVariant(section + 1)
                                        : QAbstractTableModel::headerData(section, orientation, role);
-    const ParticleColumn &column = Get_Particle_Columns()[static_cast<size_t>(section)];
+    const ParticleColumn &column = Get_Particle_Column(section);
     if (role == Qt::DisplayRole) return QString(column.Title);
     if (role == Qt::ToolTipRole) return QString("%1\n%2").arg(column.Help, column.PropertyName);
     return {};
@@ -157,7 +157,7 @@ Qt::ItemFlags ParticleTableModel::flags(const QModelIndex &index) const
 {
     const ParticleData *row = Get_Row(index.row());
     if (!row) return Qt::NoItemFlags;
-    const ParticleColumn &column = Get_Particle_Columns()[static_cast<size_t>(index.column())];
+    const ParticleColumn &column = Get_Particle_Column(index.column());
     Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemNeverHasChildren;
     if (!Can_Write(column, *row)) return flags;
     return flags | (column.Kind == ParticleColumn::Cell::Check ? Qt::ItemIsUserCheckable : Qt::ItemIsEditable);
@@ -167,7 +167,7 @@ bool ParticleTableModel::setData(const QModelIndex &index, const QVariant &value
 {
     ParticleData *row = Get_Row(index.row());
     if (!row || (role != Qt::EditRole && role != Qt::CheckStateRole)) return false;
-    const ParticleColumn &column = Get_Particle_Columns()[static_cast<size_t>(index.column())];
+    const ParticleColumn &column = Get_Particle_Column(index.column());
     const std::string text = role == Qt::CheckStateRole ? (value.toInt() == Qt::Checked ? "true" : "false")
                                                         : value.toString().trimmed().replace(',', '.').toStdString();
     std::string reason;

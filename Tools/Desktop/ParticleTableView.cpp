@@ -23,19 +23,13 @@ namespace
 using Cell = ParticleColumn::Cell;
 
 constexpr int ROW_PADDING = 9;
-constexpr int COLUMN_COUNT = 20;
 constexpr int COARSE_STEP = 25;
-
-const ParticleColumn &Get_Column(int column)
-{
-    return Get_Particle_Columns()[static_cast<size_t>(column)];
-}
 
 } // namespace
 
 ParticleTableView::ParticleTableView(ParticleTableModel &model, ParticleRowFilter &rowFilter, QWidget *parent)
     : QTableView(parent), rows(model), filter(rowFilter), delegate(new ParticleCellDelegate(this)),
-      widthIsTheUsers(COLUMN_COUNT, false)
+      widthIsTheUsers(Get_Particle_Columns().size(), false)
 {
     setObjectName("particleGrid");
     auto *header = new GroupedHeader(this);
@@ -201,7 +195,7 @@ void ParticleTableView::mousePressEvent(QMouseEvent *event)
     const QRect cell = visualRect(index);
     Take_Current(index);
     setFocus(Qt::MouseFocusReason);
-    const Cell kind = Get_Column(index.column()).Kind;
+    const Cell kind = Get_Particle_Column(index.column()).Kind;
     if (kind == Cell::Check) Toggle(index);
     const QRect track = ParticleCellDelegate::Get_Track(cell, fontMetrics());
     if (kind == Cell::Slider && x >= track.left() - 6 && x <= track.right() + 6) {
@@ -237,7 +231,7 @@ void ParticleTableView::mouseDoubleClickEvent(QMouseEvent *event)
         return;
     }
     Take_Current(index);
-    if (Get_Column(index.column()).Kind == Cell::Check)
+    if (Get_Particle_Column(index.column()).Kind == Cell::Check)
         Toggle(index);
     else
         edit(index);
@@ -267,7 +261,7 @@ void ParticleTableView::keyPressEvent(QKeyEvent *event)
 {
     const QModelIndex index = currentIndex();
     const bool isWritable = Is_Writable(index);
-    const Cell kind = index.isValid() ? Get_Column(index.column()).Kind : Cell::Text;
+    const Cell kind = index.isValid() ? Get_Particle_Column(index.column()).Kind : Cell::Text;
     const int step = event->modifiers() & Qt::ControlModifier ? COARSE_STEP : 1;
     switch (event->key()) {
     case Qt::Key_Space:

@@ -1,7 +1,8 @@
 #include "Desktop/SelectionPanel.h"
 
-#include "Desktop/EngineText.h"
 #include "Code/ParticleData.h"
+#include "Desktop/CountedText.h"
+#include "Desktop/EngineText.h"
 #include "Desktop/LevelNames.h"
 #include "Desktop/ParticleColumns.h"
 #include "Desktop/ParticleTableModel.h"
@@ -35,11 +36,6 @@ enum FieldColumn
 QString Get_Short_Number(double value)
 {
     return QString::number(value, 'g', 5);
-}
-
-QString Counted(int count, const QString &one)
-{
-    return QString("%1 %2%3").arg(count).arg(one, count == 1 ? "" : "s");
 }
 
 } // namespace
@@ -108,7 +104,7 @@ void SelectionPanel::Add_Level_Field()
     level->setFocusPolicy(Qt::StrongFocus);
     level->installEventFilter(this);
     level->addItems(Get_Level_Names());
-    level->setToolTip(Get_Particle_Columns()[static_cast<size_t>(Find_Particle_Column("GlobalLOD"))].Help);
+    level->setToolTip(Get_Particle_Column(Find_Particle_Column("GlobalLOD")).Help);
     levelLabel->setBuddy(level);
     grid->addWidget(levelLabel, row, LABEL);
     grid->addWidget(level, row, SLIDER, 1, 2);
@@ -141,7 +137,7 @@ void SelectionPanel::Add_Scaled_Field(const QString &text, const char *property)
 {
     const int row = grid->rowCount();
     const int valueColumn = Find_Particle_Column(property);
-    const ParticleColumn &column = Get_Particle_Columns()[static_cast<size_t>(valueColumn)];
+    const ParticleColumn &column = Get_Particle_Column(valueColumn);
     ScaledField field{valueColumn, valueColumn + 1, new QLabel(text, this), new ThousandthsSlider(this),
                       new QLineEdit(this)};
     field.slider->setObjectName(QString(property) + "PerThousandth");

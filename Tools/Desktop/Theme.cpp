@@ -1,10 +1,10 @@
 #include "Desktop/Theme.h"
 
 #include "Desktop/DesktopColorScheme.h"
+#include "Desktop/UserSettings.h"
 
 #include <QApplication>
 #include <QPalette>
-#include <QSettings>
 #include <QStyleFactory>
 
 namespace
@@ -55,8 +55,7 @@ QPalette Make_Palette(const Shades &shades)
 
 Theme::Mode Get_Kept_Mode()
 {
-    const QString name =
-        QSettings(QSettings::IniFormat, QSettings::UserScope, "FlareTrim", "FlareTrim").value(MODE_KEY).toString();
+    const QString name = Open_User_Settings().value(MODE_KEY).toString();
     for (int index = 0; index < 3; ++index)
         if (name == MODE_NAMES[index]) return static_cast<Theme::Mode>(index);
     return Theme::Mode::Desktop;
@@ -79,8 +78,7 @@ Theme::Theme() : mode(Get_Kept_Mode()), desktopIsDark(Is_Dark(QApplication::pale
 void Theme::Set_Mode(Mode value)
 {
     mode = value;
-    QSettings(QSettings::IniFormat, QSettings::UserScope, "FlareTrim", "FlareTrim")
-        .setValue(MODE_KEY, MODE_NAMES[static_cast<int>(mode)]);
+    Open_User_Settings().setValue(MODE_KEY, MODE_NAMES[static_cast<int>(mode)]);
     Apply();
 }
 

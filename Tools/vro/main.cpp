@@ -19,7 +19,8 @@ using namespace vro;
 /// One line a subcommand: the parser fills the options that it captures, and the result is run afterwards.
 struct CommandLine
 {
-    CLI::App App{"Works on particle effects without a screen: looks at emitter files, builds, checks, edits, plays and draws them."};
+    CLI::App App{"Works on particle effects without a screen: looks at emitter files, builds, checks, edits, plays and "
+                 "draws them."};
     std::vector<std::string> Paths;
     std::string Input;
     std::string Output = "-";
@@ -83,12 +84,14 @@ struct CommandLine
         dump->add_option("FILE", Input, "An emitter file")->required();
         dump->add_option("-o", Output, "Where to write instead of standard output");
 
-        auto *build = Add("build", "Make an emitter file from JSON", [this] { return Run_Build(Input, Output, Encoding); });
+        auto *build =
+            Add("build", "Make an emitter file from JSON", [this] { return Run_Build(Input, Output, Encoding); });
         build->add_option("IN", Input, "The effect's JSON")->required();
         build->add_option("-o", Output, "The emitter file to write")->required();
         build->add_option("--encoding", Encoding, ENCODINGS)->check(is_encoding);
 
-        auto *rewrite = Add("rewrite", "Load an emitter file and save it", [this] { return Run_Rewrite(Input, Output, Encoding); });
+        auto *rewrite =
+            Add("rewrite", "Load an emitter file and save it", [this] { return Run_Rewrite(Input, Output, Encoding); });
         rewrite->add_option("FILE", Input, "An emitter file")->required();
         rewrite->add_option("-o", Output, "The emitter file to write")->required();
         rewrite->add_option("--encoding", Encoding, ENCODINGS)->check(is_encoding);
@@ -104,10 +107,14 @@ struct CommandLine
             return Run_Edit(Edit);
         });
         edit->add_option("DIR", Edit.Directory, "The working directory that holds Art/Models")->required();
-        edit->add_option("--select", Edit.Selections, "EMITTER or EMITTER:LAYER; all rows unless given")->allow_extra_args(false);
-        edit->add_option("--set", Sets, "PROPERTY=VALUE, applied in the order given")->allow_extra_args(false)->check([](const std::string &text) {
-            return text.find('=') == std::string::npos ? "expected PROPERTY=VALUE, found \"" + text + "\"" : std::string();
-        });
+        edit->add_option("--select", Edit.Selections, "EMITTER or EMITTER:LAYER; all rows unless given")
+            ->allow_extra_args(false);
+        edit->add_option("--set", Sets, "PROPERTY=VALUE, applied in the order given")
+            ->allow_extra_args(false)
+            ->check([](const std::string &text) {
+                return text.find('=') == std::string::npos ? "expected PROPERTY=VALUE, found \"" + text + "\""
+                                                           : std::string();
+            });
         edit->add_flag("--convert-to-heat", Edit.ConvertToHeat, "Convert the first selected row's billboard to heat");
         auto *save = edit->add_flag("--save", Edit.Save, "Save the selected rows' emitters");
         edit->add_flag("--save-all", Edit.SaveAll, "Save every changed emitter")->excludes(save);
@@ -122,10 +129,12 @@ struct CommandLine
                              [this] { return Run_Simulate(Simulate); });
         Add_Simulate_Options(*simulate, Simulate);
 
-        auto *render = Add("render", "Draw frames of an effect off-screen to PNG pictures", [this] { return Run_Render(Render); });
+        auto *render =
+            Add("render", "Draw frames of an effect off-screen to PNG pictures", [this] { return Run_Render(Render); });
         Add_Render_Options(*render, Render);
 
-        auto *bench = Add("bench", "Measure how fast effects are simulated", [this] { return Run_Bench(Paths, Json); });
+        auto *bench = Add("bench", "Measure how fast effects are simulated and their vertices built",
+                          [this] { return Run_Bench(Paths, Json); });
         bench->add_option("FILE", Paths, "Emitter files; the built-in workloads unless given");
         bench->add_flag("--json", Json, "Print JSON");
     }
