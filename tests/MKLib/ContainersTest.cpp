@@ -39,17 +39,16 @@ TYPED_TEST(VectorTest, ResizesAsToldAndCarriesTheFlag)
     EXPECT_EQ(vector.Get_Count(), 0);
     EXPECT_EQ(vector.Get_Capacity(), 8);
     for (int i = 0; i < 5; ++i) vector.Add(i * 10);
+    vector.Remove(1);
+    EXPECT_EQ(vector.Find(40), 3);
+    EXPECT_EQ(vector.Find(10), -1);
     vector.Resize(3);
-    EXPECT_THAT(this->Active(), ElementsAre(0, 10, 20));
-    EXPECT_EQ(vector.Get_Capacity(), 3);
+    EXPECT_THAT(this->Active(), ElementsAre(0, 20, 30));
     vector.Resize(6, true);
     EXPECT_EQ(vector.Get_Count(), 6);
-    EXPECT_EQ(vector[2], 20);
-    EXPECT_TRUE(vector.Get_Flag());
+    EXPECT_EQ(vector[2], 30);
     vector.Resize(0, true);
-    EXPECT_EQ(vector.Get_Count(), 0);
     EXPECT_EQ(vector.Get_Capacity(), 0);
-    EXPECT_TRUE(vector.Get_Flag());
     vector.Add(7);
     EXPECT_THAT(this->Active(), ElementsAre(7));
     EXPECT_TRUE(vector.Get_Flag());
@@ -60,20 +59,7 @@ TYPED_TEST(VectorTest, GrowsByAddingEvenAnElementOfItsOwn)
     auto &vector = this->Vector;
     vector.Add(42);
     for (int i = 0; i < 1000; ++i) vector.Add(vector[0]);
-    EXPECT_EQ(vector.Get_Count(), 1001);
     EXPECT_EQ(vector[1000], 42);
-}
-
-TYPED_TEST(VectorTest, RemovesAndFinds)
-{
-    auto &vector = this->Vector;
-    for (const int value : {3, 1, 4, 1, 5}) vector.Add(value);
-    EXPECT_EQ(vector.Find(1), 1);
-    EXPECT_EQ(vector.Find(9), -1);
-    vector.Remove(1);
-    EXPECT_THAT(this->Active(), ElementsAre(3, 4, 1, 5));
-    vector.Remove(3);
-    EXPECT_THAT(this->Active(), ElementsAre(3, 4, 1));
 }
 
 TYPED_TEST(VectorTest, ReportsAnIndexOutOfTheActiveOnes)
@@ -130,18 +116,13 @@ TEST(FastPtrHashMap, StaysInTheObjectUpToThreePairs)
     ThingMap map;
     EXPECT_EQ(map.Get_Capacity(), 0u);
     EXPECT_EQ(map.Find(Key(0x10)), nullptr);
-    for (uintptr_t i = 1; i <= 3; ++i) EXPECT_TRUE(map.Insert({Key(i * 16), static_cast<int>(i)}));
-    EXPECT_EQ(map.Get_Capacity(), 4u);
-    EXPECT_FALSE(map.Is_On_Heap());
-    EXPECT_TRUE(map.Insert({Key(0x40), 4}));
-    EXPECT_EQ(map.Get_Capacity(), 8u);
-    EXPECT_TRUE(map.Is_On_Heap());
     // 8 - 8 / 3 = 6 pairs fit before the next doubling.
-    EXPECT_TRUE(map.Insert({Key(0x50), 5}) && map.Insert({Key(0x60), 6}));
-    EXPECT_EQ(map.Get_Capacity(), 8u);
-    EXPECT_TRUE(map.Insert({Key(0x70), 7}));
-    EXPECT_EQ(map.Get_Capacity(), 16u);
-    for (uintptr_t i = 1; i <= 7; ++i) EXPECT_EQ(*map.Find(Key(i * 16)), static_cast<int>(i));
+    const uint32_t capacities[] = {4, 4, 4, 8, 8, 8, 16};
+    for (uintptr_t i = 1; i <= 7; ++i) {
+        EXPECT_TRUE(map.Insert({Key(i * 16), static_cast<int>(i)}));
+        EXPECT_EQ(map.Get_Capacity(), capacities[i - 1]) << i;
+        EXPECT_EQ(map.Is_On_Heap(), i > 3) << i;
+    }
 }
 
 TEST(FastPtrHashMap, ProbesUpwardsFromBitFourAndWraps)
@@ -154,22 +135,8 @@ TEST(FastPtrHashMap, ProbesUpwardsFromBitFourAndWraps)
     EXPECT_THAT(Values_In_Slot_Order(map), ElementsAre(2, 3, 1));
     EXPECT_TRUE(map.Remove(Key(0x70)));
     EXPECT_THAT(Values_In_Slot_Order(map), ElementsAre(3, 1)) << "the pair behind the gap moves up to slot 0";
-    EXPECT_EQ(*map.Find(Key(0x33)), 3);
-    EXPECT_EQ(map.Find(Key(0x70)), nullptr);
-    EXPECT_FALSE(map.Remove(Key(0x70)));
-}
-
-TEST(FastPtrHashMap, RefusesAnEqualKeyAndANullOne)
-{
-    MKTest::Reports reports;
-    ThingMap map;
-    EXPECT_TRUE(map.Insert({Key(0x10), 1}));
-    EXPECT_FALSE(map.Insert({Key(0x10), 2}));
-    EXPECT_EQ(*map.Find(Key(0x10)), 1);
-    EXPECT_EQ(map.Get_Count(), 1u);
-    EXPECT_EQ(reports.Get_Text(), "");
+    const MKTest::Reports reports;
     EXPECT_FALSE(map.Insert({nullptr, 3}));
-    EXPECT_THAT(reports.Get_Asserts(), ElementsAre("!item.first"));
     EXPECT_EQ(map.Find(nullptr), nullptr);
 }
 
@@ -214,7 +181,6 @@ TEST(MultiLinkedList, AddsAtBothEndsAndBesideAMember)
 {
     MemberList list;
     Member a('a'), b('b'), c('c'), d('d');
-    EXPECT_TRUE(list.Is_Empty());
     EXPECT_TRUE(list.Add_Tail(&b));
     EXPECT_TRUE(list.Add_Head(&a));
     EXPECT_TRUE(list.Add_Tail(&d));
@@ -223,35 +189,36 @@ TEST(MultiLinkedList, AddsAtBothEndsAndBesideAMember)
     EXPECT_TRUE(list.Remove(&b));
     EXPECT_TRUE(list.Add_After(&b, &d));
     EXPECT_EQ(Names(list), "acdb");
-    EXPECT_FALSE(list.Is_Empty());
     while (!list.Is_Empty()) list.Remove(list[0]);
 }
 
-TEST(MultiLinkedList, AMemberSitsInManyLists)
+TEST(MultiLinkedList, AMemberSitsInManyListsAndLeavesThemAtItsEnd)
 {
-    std::vector<std::unique_ptr<MemberList>> lists;
-    Member a('a'), b('b');
-    for (int i = 0; i < 9; ++i) {
-        lists.push_back(std::make_unique<MemberList>());
-        EXPECT_TRUE(lists.back()->Add_Tail(&a));
-        EXPECT_TRUE(lists.back()->Add_Head(&b));
+    MemberList lists[9];
+    Member a('a');
+    {
+        Member b('b');
+        for (MemberList &list : lists) {
+            EXPECT_TRUE(list.Add_Tail(&a));
+            EXPECT_TRUE(list.Add_Head(&b));
+        }
+        EXPECT_TRUE(lists[4].Remove(&a));
+        EXPECT_FALSE(lists[4].Remove(&a));
+        for (size_t i = 0; i < 9; ++i) EXPECT_EQ(Names(lists[i]), i == 4 ? "b" : "ba");
     }
-    EXPECT_TRUE(lists[4]->Remove(&a));
-    EXPECT_FALSE(lists[4]->Remove(&a));
-    for (size_t i = 0; i < lists.size(); ++i) {
-        EXPECT_EQ(Names(*lists[i]), i == 4 ? "b" : "ba");
-        EXPECT_EQ(lists[i]->Contains(a), i != 4);
-        lists[i]->Remove(&a);
-        lists[i]->Remove(&b);
+    for (size_t i = 0; i < 9; ++i) {
+        EXPECT_EQ(Names(lists[i]), i == 4 ? "" : "a");
+        lists[i].Remove(&a);
     }
 }
 
-TEST(MultiLinkedList, RefusesASecondPlaceInOneList)
+TEST(MultiLinkedList, RefusesASecondPlaceAndOneBesideAStranger)
 {
     MKTest::Reports reports;
     MemberList list;
-    Member a('a'), b('b');
-    list.Add_Tail(&a);
+    Member a('a'), b('b'), stranger('s');
+    EXPECT_FALSE(list.Add_After(&a, &stranger));
+    EXPECT_TRUE(list.Add_Tail(&a)) << "it can be tried again";
     list.Add_Tail(&b);
     EXPECT_FALSE(list.Add_Tail(&a, true));
     EXPECT_FALSE(list.Add_Before(&b, &a, true));
@@ -261,42 +228,6 @@ TEST(MultiLinkedList, RefusesASecondPlaceInOneList)
     EXPECT_EQ(Names(list), "ab");
     list.Remove(&a);
     list.Remove(&b);
-}
-
-TEST(MultiLinkedList, APlaceBesideAStrangerIsRefusedAndCanBeTriedAgain)
-{
-    MKTest::Reports reports;
-    MemberList list;
-    Member a('a'), stranger('s');
-    {
-        MemberList gone;
-        EXPECT_FALSE(gone.Add_After(&a, &stranger));
-        EXPECT_FALSE(a.Is_In_List(gone));
-        EXPECT_FALSE(gone.Remove(&a));
-    }
-    EXPECT_FALSE(list.Add_Before(&a, &stranger));
-    EXPECT_TRUE(list.Is_Empty());
-    EXPECT_TRUE(list.Add_Tail(&a));
-    EXPECT_EQ(Names(list), "a");
-    list.Remove(&a);
-    EXPECT_EQ(reports.Get_Text(), "");
-}
-
-TEST(MultiLinkedList, AMemberThatEndsLeavesItsLists)
-{
-    MKTest::Reports reports;
-    MemberList first, second;
-    Member a('a');
-    first.Add_Tail(&a);
-    {
-        Member b('b');
-        first.Add_Tail(&b);
-        second.Add_Tail(&b);
-    }
-    EXPECT_EQ(Names(first), "a");
-    EXPECT_TRUE(second.Is_Empty());
-    first.Remove(&a);
-    EXPECT_EQ(reports.Get_Text(), "");
 }
 
 TEST(MultiLinkedList, AListThatEndsWithMembersAssertsAndLetsThemGo)
@@ -328,9 +259,6 @@ TEST(MultiLinkedList, AWalkMayTakeMembersOut)
             i.Next();
     }
     EXPECT_EQ(Names(list), "ac");
-    const MemberList &view = list;
-    MultiLinkedListConstIterator<Member> i(view);
-    EXPECT_EQ(i.Get_Current()->Name, 'a');
     list.Remove(&members[0]);
     list.Remove(&members[2]);
 }
@@ -344,11 +272,9 @@ TEST(MemoryPool, GivesOutAlignedMemoryAndTakesItBack)
         EXPECT_EQ(reinterpret_cast<uintptr_t>(taken.back()) % 8, 0u);
     }
     EXPECT_EQ(static_cast<char *>(taken[1]) - static_cast<char *>(taken[0]), 16);
-    EXPECT_EQ(pool.Get_Block_Count(), 2u);
     EXPECT_EQ(pool.Get_Used_Count(), 4u);
     pool.Free(taken[1]);
     pool.Free(nullptr);
-    EXPECT_EQ(pool.Get_Used_Count(), 3u);
     EXPECT_EQ(pool.Allocate(), taken[1]);
     EXPECT_EQ(pool.Get_Block_Count(), 2u);
 }
@@ -365,29 +291,25 @@ TEST(MemoryPool, ReportsAPoolOfNothingAndMemoryThatIsNotThere)
     EXPECT_THAT(reports.Get_Asserts(), ElementsAre("FreeObjectHead != NULL"));
 }
 
+struct CountingLock
+{
+    explicit CountingLock(bool inForce) : InForce(inForce) {}
+    void lock() { Taken += InForce; }
+    void unlock() {}
+    bool InForce;
+    static inline int Taken = 0;
+};
+
 TEST(MemoryPool, TakesItsLockOnlyWhenInForce)
 {
-    struct CountingLock
-    {
-        explicit CountingLock(bool inForce) : InForce(inForce) {}
-        void lock() { Taken() += InForce; }
-        void unlock() {}
-        static int &Taken()
-        {
-            static int taken = 0;
-            return taken;
-        }
-        bool InForce;
-    };
     MemoryPoolClass<MK::String, 2, CountingLock> locked(true);
     MK::String *text = locked.New("a text that is too long to stand in the string itself");
     EXPECT_EQ(text->substr(0, 6), "a text");
     locked.Delete(text);
-    EXPECT_EQ(CountingLock::Taken(), 2);
+    EXPECT_EQ(CountingLock::Taken, 2);
     MemoryPoolClass<MK::String, 2, CountingLock> open(false);
     open.Delete(open.New("x"));
-    EXPECT_EQ(CountingLock::Taken(), 2);
-    EXPECT_EQ(locked.Get_Used_Count(), 0u);
+    EXPECT_EQ(CountingLock::Taken, 2);
 }
 
 } // namespace

@@ -22,19 +22,6 @@ struct Counted : RefCountClass
     int *CountAtEnd;
 };
 
-TEST(RefCount, TellsTheNewCountAndEndsTheObjectAtZero)
-{
-    int countAtEnd = 99;
-    auto *object = new Counted(&countAtEnd);
-    EXPECT_EQ(object->Get_Ref_Count(), 0);
-    EXPECT_EQ(object->Add_Ref(), 1);
-    EXPECT_EQ(object->Add_Ref(), 2);
-    EXPECT_EQ(object->Release_Ref(), 1);
-    EXPECT_EQ(countAtEnd, 99);
-    EXPECT_EQ(object->Release_Ref(), 0);
-    EXPECT_EQ(countAtEnd, -1);
-}
-
 TEST(RefCount, AnOwnerMadeWhileTheObjectDiesAsserts)
 {
     struct SelfOwning : RefCountClass
@@ -199,35 +186,28 @@ TEST(RunTimeType, CastsAlongTheChainOnly)
     Other other;
     Root *root = &leaf;
     EXPECT_EQ(MK_Dynamic_Cast<Leaf>(root), &leaf);
-    EXPECT_EQ(MK_Dynamic_Cast<Middle>(root), &leaf);
     EXPECT_EQ(MK_Dynamic_Cast<Root>(root), &leaf);
     EXPECT_EQ(MK_Dynamic_Cast<Other>(root), nullptr);
     EXPECT_EQ(MK_Dynamic_Cast<Leaf>(static_cast<Root *>(&other)), nullptr);
     EXPECT_EQ(MK_Dynamic_Cast<Leaf>(static_cast<Root *>(nullptr)), nullptr);
     EXPECT_EQ(MK_Dynamic_Cast<const Middle>(static_cast<const Root *>(root)), &leaf);
-}
-
-TEST(RunTimeType, AnEqualNameIsNoMatch)
-{
-    Elsewhere::Leaf leaf;
-    ASSERT_STREQ(Elsewhere::Leaf::RunTimeType.Name, Leaf::RunTimeType.Name);
-    EXPECT_EQ(MK_Dynamic_Cast<Leaf>(static_cast<Root *>(&leaf)), nullptr);
+    Elsewhere::Leaf namesake;
+    EXPECT_EQ(MK_Dynamic_Cast<Leaf>(static_cast<Root *>(&namesake)), nullptr) << "an equal name is no match";
 }
 
 TEST(NameTable, EqualTextsShareOneEntry)
 {
-    const NameTableRef first("Smoke");
-    const std::string text = "Smoke";
-    const NameTableRef second(text);
-    EXPECT_EQ(first, second);
+    const std::string bytes("a\0\xff", 3);
+    const NameTableRef first(bytes);
+    const NameTableRef second(bytes);
     EXPECT_EQ(&first.Get_String(), &second.Get_String());
-    EXPECT_FALSE(first == NameTableRef("smoke"));
+    EXPECT_EQ(std::string_view(first.Get_String()), bytes);
+    EXPECT_FALSE(first == NameTableRef("a"));
 }
 
 TEST(NameTable, TheEmptyTextIsTheEmptyHandle)
 {
     EXPECT_EQ(NameTableRef(""), NameTableRef());
-    EXPECT_TRUE(NameTableRef().Is_Empty());
     EXPECT_EQ(NameTableRef().Get_String(), "");
     NameTableRef name("Fire");
     NameTableRef taken(std::move(name));
@@ -235,16 +215,6 @@ TEST(NameTable, TheEmptyTextIsTheEmptyHandle)
     name = taken;
     taken = NameTableRef();
     EXPECT_EQ(name.Get_String(), "Fire");
-}
-
-TEST(NameTable, KeepsBytesThatAreNoText)
-{
-    const std::string bytes("a\0\xff"
-                            "b",
-                            4);
-    const NameTableRef name(bytes);
-    EXPECT_EQ(std::string_view(name.Get_String()), bytes);
-    EXPECT_FALSE(name == NameTableRef("a"));
 }
 
 TEST(NameTable, ThreadsMakeAndDropTheSameNames)

@@ -18,6 +18,7 @@ namespace
 {
 
 using testing::IsEmpty;
+using Arguments = std::vector<std::string>;
 
 /// What a frame asks of OpenGL. Calls go on to the device.
 struct Trace
@@ -25,8 +26,7 @@ struct Trace
     static inline bool IsOn = false;
     static inline std::map<std::string, std::string> States; ///< what was set last
     static inline std::vector<std::string> Repeated;         ///< ahead of a draw
-    static inline std::vector<std::string>
-        Pending; ///< since the last draw; who takes the picture may set what he likes
+    static inline std::vector<std::string> Pending; ///< since the last draw; who takes the picture may set anything
     static inline std::vector<std::string> Queries;
     static inline std::map<std::string, int> Counts; ///< of other calls
     static inline std::string Unit, Array, Program;  ///< that the next call is about
@@ -70,20 +70,20 @@ struct Hook
 {
     using Function = std::remove_reference_t<decltype(POINTER)>;
     static inline Function Original = nullptr;
-    static inline void (*Note)(const std::vector<std::string> &arguments) = nullptr;
+    static inline void (*Note)(const Arguments &arguments) = nullptr;
 
-    template <typename Result, typename... Arguments>
-    static Result Call(Arguments... arguments)
+    template <typename Result, typename... Types>
+    static Result Call(Types... arguments)
     {
         if (Trace::IsOn) Note({Text_Of(arguments)...});
         return Original(arguments...);
     }
-    template <typename Result, typename... Arguments>
-    static auto Stand_In(Result (*)(Arguments...))
+    template <typename Result, typename... Types>
+    static auto Stand_In(Result (*)(Types...))
     {
-        return &Call<Result, Arguments...>;
+        return &Call<Result, Types...>;
     }
-    static void Install(void (*note)(const std::vector<std::string> &))
+    static void Install(void (*note)(const Arguments &))
     {
         Note = note;
         Original = POINTER;
@@ -92,112 +92,83 @@ struct Hook
     static void Remove() { POINTER = Original; }
 };
 
-std::string Join(const std::vector<std::string> &arguments, size_t first)
+std::string Join(const Arguments &arguments, size_t first)
 {
     std::string text;
     for (size_t i = first; i < arguments.size(); ++i) text += arguments[i];
     return text;
 }
 
-// What each call does: its first arguments say which state it is about.
-#define NOTE [](const std::vector<std::string> &a)
-#define STATE(name, keys)                                                                                              \
-    Hook<name>::Install(NOTE { Trace::Set(#name + Join({a.begin(), a.begin() + keys}, 0), Join(a, keys)); })
-#define QUERY(name) Hook<name>::Install(NOTE { Trace::Queries.push_back(#name + Join(a, 0)); })
-#define COUNT(name) Hook<name>::Install([](const std::vector<std::string> &) { Trace::Count(#name); })
+/// The name of a call's pointer, out of this function's own.
+template <auto &POINTER>
+std::string Name_Of()
+{
+    const std::string name = __PRETTY_FUNCTION__;
+    const size_t first = name.find("epoxy_");
+    return name.substr(first, name.find_first_of(";]", first) - first);
+}
 
-#define ALL_STATES(X)                                                                                                  \
-    X(glBindFramebuffer, 1)                                                                                            \
-    X(glBindSampler, 1)                                                                                                \
-    X(glViewport, 0)                                                                                                   \
-    X(glPolygonMode, 1)                                                                                                \
-    X(glCullFace, 0)                                                                                                   \
-    X(glFrontFace, 0)                                                                                                  \
-    X(glColorMask, 0)                                                                                                  \
-    X(glBlendEquationSeparate, 0)                                                                                      \
-    X(glBlendFuncSeparate, 0)                                                                                          \
-    X(glDepthFunc, 0)                                                                                                  \
-    X(glDepthMask, 0)                                                                                                  \
-    X(glClearColor, 0)                                                                                                 \
-    X(glClearDepth, 0)                                                                                                 \
-    X(glClearStencil, 0)                                                                                               \
-    X(glDrawBuffers, 0)                                                                                                \
-    X(glReadBuffer, 0)
-#define ALL_QUERIES(X)                                                                                                 \
-    X(glGetIntegerv)                                                                                                   \
-    X(glGetFloatv)                                                                                                     \
-    X(glGetBooleanv)                                                                                                   \
-    X(glIsEnabled)                                                                                                     \
-    X(glGetError)                                                                                                      \
-    X(glGetString)                                                                                                     \
-    X(glGetStringi)                                                                                                    \
-    X(glCheckFramebufferStatus)                                                                                        \
-    X(glGetUniformLocation)                                                                                            \
-    X(glGetActiveUniform)                                                                                              \
-    X(glGetProgramiv)                                                                                                  \
-    X(glGetShaderiv)                                                                                                   \
-    X(glGetTexLevelParameteriv)                                                                                        \
-    X(glGetFramebufferAttachmentParameteriv)                                                                           \
-    X(glGetVertexAttribiv)                                                                                             \
-    X(glGetBufferParameteriv)                                                                                          \
-    X(glFinish)
-#define ALL_COUNTS(X)                                                                                                  \
-    X(glMapBufferRange)                                                                                                \
-    X(glBufferData)                                                                                                    \
-    X(glBufferSubData)                                                                                                 \
-    X(glTexImage2D)                                                                                                    \
-    X(glDrawElementsBaseVertex)                                                                                        \
-    X(glDrawArrays)                                                                                                    \
-    X(glClear)                                                                                                         \
-    X(glBlitFramebuffer)
+/// Calls of one kind. `NOTE` gets the name of each.
+template <auto &...POINTERS>
+struct Hooks
+{
+    template <auto NOTE>
+    static void Install()
+    {
+        (Hook<POINTERS>::Install([](const Arguments &a) { NOTE(Name_Of<POINTERS>(), a); }), ...);
+    }
+    static void Remove() { (Hook<POINTERS>::Remove(), ...); }
+};
 
-// Those whose state is that of what another call chose.
-#define ALL_SPECIAL(X)                                                                                                 \
-    X(glEnable)                                                                                                        \
-    X(glDisable)                                                                                                       \
-    X(glActiveTexture)                                                                                                 \
-    X(glBindTexture)                                                                                                   \
-    X(glUseProgram)                                                                                                    \
-    X(glBindVertexArray)                                                                                               \
-    X(glBindBuffer)                                                                                                    \
-    X(glUniform1f)                                                                                                     \
-    X(glUniform1i)                                                                                                     \
-    X(glReadPixels)
+using States =
+    Hooks<epoxy_glViewport, epoxy_glCullFace, epoxy_glFrontFace, epoxy_glColorMask, epoxy_glBlendEquationSeparate,
+          epoxy_glBlendFuncSeparate, epoxy_glDepthFunc, epoxy_glDepthMask, epoxy_glClearColor, epoxy_glClearDepth,
+          epoxy_glClearStencil, epoxy_glDrawBuffers, epoxy_glReadBuffer>;
+/// Those whose first argument says which state it is about.
+using KeyedStates = Hooks<epoxy_glBindFramebuffer, epoxy_glBindSampler, epoxy_glPolygonMode>;
+using Queries = Hooks<epoxy_glGetIntegerv, epoxy_glGetFloatv, epoxy_glGetBooleanv, epoxy_glIsEnabled, epoxy_glGetError,
+                      epoxy_glGetString, epoxy_glGetStringi, epoxy_glCheckFramebufferStatus, epoxy_glGetUniformLocation,
+                      epoxy_glGetActiveUniform, epoxy_glGetProgramiv, epoxy_glGetShaderiv,
+                      epoxy_glGetTexLevelParameteriv, epoxy_glGetFramebufferAttachmentParameteriv,
+                      epoxy_glGetVertexAttribiv, epoxy_glGetBufferParameteriv, epoxy_glFinish>;
+using Counts = Hooks<epoxy_glMapBufferRange, epoxy_glBufferData, epoxy_glBufferSubData, epoxy_glTexImage2D,
+                     epoxy_glDrawElementsBaseVertex, epoxy_glDrawArrays, epoxy_glClear, epoxy_glBlitFramebuffer>;
+/// Those whose state is that of what another call chose.
+using Special =
+    Hooks<epoxy_glEnable, epoxy_glDisable, epoxy_glActiveTexture, epoxy_glBindTexture, epoxy_glUseProgram,
+          epoxy_glBindVertexArray, epoxy_glBindBuffer, epoxy_glUniform1f, epoxy_glUniform1i, epoxy_glReadPixels>;
 
 void Install_Hooks()
 {
-#define ADD(name, keys) STATE(name, keys);
-    ALL_STATES(ADD)
-#undef ADD
-#define ADD(name) QUERY(name);
-    ALL_QUERIES(ADD)
-#undef ADD
-#define ADD(name) COUNT(name);
-    ALL_COUNTS(ADD)
-#undef ADD
-    Hook<epoxy_glEnable>::Install(NOTE { Trace::Set("switch" + a[0], "on"); });
-    Hook<epoxy_glDisable>::Install(NOTE { Trace::Set("switch" + a[0], "off"); });
-    Hook<epoxy_glActiveTexture>::Install(NOTE { Trace::Set("unit", Trace::Unit = a[0]); });
-    Hook<epoxy_glBindTexture>::Install(NOTE { Trace::Set("texture" + Trace::Unit + a[0], a[1]); });
-    Hook<epoxy_glUseProgram>::Install(NOTE { Trace::Set("program", Trace::Program = a[0]); });
-    Hook<epoxy_glBindVertexArray>::Install(NOTE { Trace::Set("array", Trace::Array = a[0]); });
-    Hook<epoxy_glBindBuffer>::Install(
-        NOTE { Trace::Set("buffer" + a[0] + (a[0] == Text_Of(GL_ELEMENT_ARRAY_BUFFER) ? Trace::Array : ""), a[1]); });
-    Hook<epoxy_glUniform1f>::Install(NOTE { Trace::Set("uniform" + Trace::Program + a[0], a[1]); });
-    Hook<epoxy_glUniform1i>::Install(NOTE { Trace::Set("uniform" + Trace::Program + a[0], a[1]); });
+    using Name = const std::string &;
+    using A = const Arguments &;
+    States::Install<[](Name name, A a) { Trace::Set(name, Join(a, 0)); }>();
+    KeyedStates::Install<[](Name name, A a) { Trace::Set(name + a[0], Join(a, 1)); }>();
+    Queries::Install<[](Name name, A a) { Trace::Queries.push_back(name + Join(a, 0)); }>();
+    Counts::Install<[](Name name, A) { Trace::Count(name); }>();
+    Hook<epoxy_glEnable>::Install([](A a) { Trace::Set("switch" + a[0], "on"); });
+    Hook<epoxy_glDisable>::Install([](A a) { Trace::Set("switch" + a[0], "off"); });
+    Hook<epoxy_glActiveTexture>::Install([](A a) { Trace::Set("unit", Trace::Unit = a[0]); });
+    Hook<epoxy_glBindTexture>::Install([](A a) { Trace::Set("texture" + Trace::Unit + a[0], a[1]); });
+    Hook<epoxy_glUseProgram>::Install([](A a) { Trace::Set("program", Trace::Program = a[0]); });
+    Hook<epoxy_glBindVertexArray>::Install([](A a) { Trace::Set("array", Trace::Array = a[0]); });
+    Hook<epoxy_glBindBuffer>::Install([](A a) {
+        Trace::Set("buffer" + a[0] + (a[0] == Text_Of(GL_ELEMENT_ARRAY_BUFFER) ? Trace::Array : ""), a[1]);
+    });
+    Hook<epoxy_glUniform1f>::Install([](A a) { Trace::Set("uniform" + Trace::Program + a[0], a[1]); });
+    Hook<epoxy_glUniform1i>::Install([](A a) { Trace::Set("uniform" + Trace::Program + a[0], a[1]); });
     // The frame is over: its picture is taken.
-    Hook<epoxy_glReadPixels>::Install([](const std::vector<std::string> &) { Trace::IsOn = false; });
+    Hook<epoxy_glReadPixels>::Install([](A) { Trace::IsOn = false; });
 }
 
 void Remove_Hooks()
 {
     Trace::IsOn = false;
-#define REMOVE(name, ...) Hook<name>::Remove();
-    ALL_STATES(REMOVE)
-    ALL_QUERIES(REMOVE)
-    ALL_COUNTS(REMOVE)
-    ALL_SPECIAL(REMOVE)
-#undef REMOVE
+    States::Remove();
+    KeyedStates::Remove();
+    Queries::Remove();
+    Counts::Remove();
+    Special::Remove();
 }
 
 /// A sample that is on the screen, with all post-effects.

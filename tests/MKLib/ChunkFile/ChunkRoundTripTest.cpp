@@ -4,8 +4,11 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <bit>
+#include <cstring>
+#include <functional>
 #include <limits>
+#include <type_traits>
 
 using namespace MKTest;
 using namespace ChunkFile;
@@ -26,106 +29,65 @@ Mat3DClass Some_Matrix()
     return matrix;
 }
 
-template <typename T>
-bool Reads(Reader &reader, bool (Reader::*read)(T &), const T &expected)
-{
-    T value{};
-    return (reader.*read)(value) && value == expected;
-}
-
-/// A value of each type: how to write it, and whether it reads back as it was.
+/// A value of a type: how to write it, and whether it reads back as it was.
 struct ValueRow
 {
     const char *what;
-    bool (*write)(Writer &);
-    bool (*reads)(Reader &);
+    std::function<bool(Writer &)> write;
+    std::function<bool(Reader &)> reads;
     bool fromXML = true;      ///< the XML form gives it back
     bool inMicroChunk = true; ///< short enough for one
 };
 
+template <typename Read, typename Given>
+ValueRow Row(const char *what, bool (Writer::*write)(Given), bool (Reader::*read)(Read &),
+             const std::type_identity_t<Read> &value, bool fromXML = true, bool inMicroChunk = true)
+{
+    return {what, [=](Writer &writer) { return (writer.*write)(value); },
+            [=](Reader &reader) {
+                Read back{};
+                if (!(reader.*read)(back)) return false;
+                if constexpr (std::is_same_v<Read, float>)
+                    return std::bit_cast<uint32_t>(back) == std::bit_cast<uint32_t>(value);
+                else
+                    return back == value;
+            },
+            fromXML, inMicroChunk};
+}
+
+constexpr float INF = std::numeric_limits<float>::infinity();
+constexpr bool (Reader::*READ_STRING)(MK::String &) = &Reader::Read_String;
+
 const ValueRow ValueRows[] = {
-    {"Int8", [](Writer &w) { return w.Write_Int8(-128); },
-     [](Reader &r) { return Reads<int8_t>(r, &Reader::Read_Int8, -128); }},
-    {"UInt8", [](Writer &w) { return w.Write_UInt8(255); },
-     [](Reader &r) { return Reads<uint8_t>(r, &Reader::Read_UInt8, 255); }},
-    {"Int16", [](Writer &w) { return w.Write_Int16(-32768); },
-     [](Reader &r) { return Reads<int16_t>(r, &Reader::Read_Int16, -32768); }},
-    {"UInt16", [](Writer &w) { return w.Write_UInt16(0xfedc); },
-     [](Reader &r) { return Reads<uint16_t>(r, &Reader::Read_UInt16, 0xfedc); }},
-    {"Int32", [](Writer &w) { return w.Write_Int32(INT32_MIN); },
-     [](Reader &r) { return Reads<int32_t>(r, &Reader::Read_Int32, INT32_MIN); }},
-    {"UInt32", [](Writer &w) { return w.Write_UInt32(0xfedcba98u); },
-     [](Reader &r) { return Reads<uint32_t>(r, &Reader::Read_UInt32, 0xfedcba98u); }},
-    {"Int64", [](Writer &w) { return w.Write_Int64(INT64_MIN); },
-     [](Reader &r) { return Reads<int64_t>(r, &Reader::Read_Int64, INT64_MIN); }},
-    {"UInt64", [](Writer &w) { return w.Write_UInt64(UINT64_MAX - 1); },
-     [](Reader &r) { return Reads<uint64_t>(r, &Reader::Read_UInt64, UINT64_MAX - 1); }},
-    {"Float", [](Writer &w) { return w.Write_Float(-0.015625f); },
-     [](Reader &r) { return Reads<float>(r, &Reader::Read_Float, -0.015625f); }},
-    {"Float above all", [](Writer &w) { return w.Write_Float(std::numeric_limits<float>::max()); },
-     [](Reader &r) { return Reads<float>(r, &Reader::Read_Float, std::numeric_limits<float>::max()); }},
-    {"Float infinite", [](Writer &w) { return w.Write_Float(-std::numeric_limits<float>::infinity()); },
-     [](Reader &r) { return Reads<float>(r, &Reader::Read_Float, -std::numeric_limits<float>::infinity()); }},
-    {"Float NaN", [](Writer &w) { return w.Write_Float(std::numeric_limits<float>::quiet_NaN()); },
-     [](Reader &r) {
-         float value = 0.0f;
-         return r.Read_Float(value) && std::isnan(value);
-     }},
-    {"String", [](Writer &w) { return w.Write_String(" <a href=\"x\">&amp;\r\n\t\x01\xff\xef\x80\x81 "); },
-     [](Reader &r) {
-         return Reads<MK::String>(r, &Reader::Read_String, " <a href=\"x\">&amp;\r\n\t\x01\xff\xef\x80\x81 ");
-     }},
-    {"String empty", [](Writer &w) { return w.Write_String(""); },
-     [](Reader &r) { return Reads<MK::String>(r, &Reader::Read_String, ""); }},
-    {"String with a NUL", [](Writer &w) { return w.Write_String(std::string_view("a\0b", 3)); },
-     [](Reader &r) { return Reads<MK::String>(r, &Reader::Read_String, MK::String("a\0b", 3)); }},
-    {"String not ASCII", [](Writer &w) { return w.Write_String("F\xc3\xbcnke \xf0\x9f\x94\xa5"); },
-     [](Reader &r) { return Reads<MK::String>(r, &Reader::Read_String, "F\xc3\xbcnke \xf0\x9f\x94\xa5"); }},
-    {"String of 65535 bytes", [](Writer &w) { return w.Write_String(LongText); },
-     [](Reader &r) { return Reads<MK::String>(r, &Reader::Read_String, MK::String(LongText)); }, true, false},
+    Row("Int8", &Writer::Write_Int8, &Reader::Read_Int8, -128),
+    Row("UInt8", &Writer::Write_UInt8, &Reader::Read_UInt8, 255),
+    Row("Int16", &Writer::Write_Int16, &Reader::Read_Int16, -32768),
+    Row("UInt16", &Writer::Write_UInt16, &Reader::Read_UInt16, 0xfedc),
+    Row("Int32", &Writer::Write_Int32, &Reader::Read_Int32, INT32_MIN),
+    Row("UInt32", &Writer::Write_UInt32, &Reader::Read_UInt32, 0xfedcba98u),
+    Row("Int64", &Writer::Write_Int64, &Reader::Read_Int64, INT64_MIN),
+    Row("UInt64", &Writer::Write_UInt64, &Reader::Read_UInt64, UINT64_MAX - 1),
+    Row("Float", &Writer::Write_Float, &Reader::Read_Float, -0.015625f),
+    Row("Float above all", &Writer::Write_Float, &Reader::Read_Float, std::numeric_limits<float>::max()),
+    Row("Float infinite", &Writer::Write_Float, &Reader::Read_Float, -INF),
+    Row("Float NaN", &Writer::Write_Float, &Reader::Read_Float, std::numeric_limits<float>::quiet_NaN()),
+    Row("String", &Writer::Write_String, READ_STRING, " <a href=\"x\">&amp;\r\n\t\x01\xff\xef\x80\x81 "),
+    Row("String empty", &Writer::Write_String, READ_STRING, ""),
+    Row("String with a NUL", &Writer::Write_String, READ_STRING, MK::String("a\0b", 3)),
+    Row("String not ASCII", &Writer::Write_String, READ_STRING, "F\xc3\xbcnke \xf0\x9f\x94\xa5"),
+    Row("String of 65535 bytes", &Writer::Write_String, READ_STRING, MK::String(LongText), true, false),
     {"String as a name", [](Writer &w) { return w.Write_String("smoke.tga"); },
-     [](Reader &r) { return Reads<NameTableRef>(r, &Reader::Read_String, NameTableRef("smoke.tga")); }},
-    {"String into a buffer", [](Writer &w) { return w.Write_String("smoke"); },
      [](Reader &r) {
-         char buffer[6];
-         return r.Read_String(buffer, sizeof(buffer)) && std::string(buffer) == "smoke";
+         NameTableRef name;
+         return r.Read_String(name) && name == NameTableRef("smoke.tga");
      }},
-    {"Wstring", [](Writer &w) { return w.Write_Wstring(u"F\u00fcnke <\U0001f525>"); },
-     [](Reader &r) { return Reads<std::u16string>(r, &Reader::Read_Wstring, u"F\u00fcnke <\U0001f525>"); }},
-    {"Bool true", [](Writer &w) { return w.Write_Bool(true); },
-     [](Reader &r) { return Reads<bool>(r, &Reader::Read_Bool, true); }},
-    {"Bool false", [](Writer &w) { return w.Write_Bool(false); },
-     [](Reader &r) {
-         bool value = true;
-         return r.Read_Bool(value) && !value;
-     }},
-    {"Vector2",
-     [](Writer &w) {
-         return w.Write_Vector2({0.25f, -8.0f});
-     },
-     [](Reader &r) {
-         return Reads<Vector2>(r, &Reader::Read_Vector2, {0.25f, -8.0f});
-     }},
-    {"Vector3", [](Writer &w) { return w.Write_Vector3(Position); },
-     [](Reader &r) { return Reads<Vector3>(r, &Reader::Read_Vector3, Position); }},
-    {"Vector4",
-     [](Writer &w) {
-         return w.Write_Vector4({1, 2, 3, 4});
-     },
-     [](Reader &r) {
-         return Reads<Vector4>(r, &Reader::Read_Vector4, {1, 2, 3, 4});
-     }},
-    {"Quaternion", [](Writer &w) { return w.Write_Quaternion(QuaternionClass(0.5f, 1.0f, 2.0f, 3.0f)); },
-     [](Reader &r) {
-         return Reads<QuaternionClass>(r, &Reader::Read_Quaternion, QuaternionClass(0.5f, 1.0f, 2.0f, 3.0f));
-     }},
-    {"RGBA",
-     [](Writer &w) {
-         return w.Write_RGBA({0.5f, 0.25f, 1.0f, 0.0f});
-     },
-     [](Reader &r) {
-         return Reads<RGBAClass>(r, &Reader::Read_RGBA, {0.5f, 0.25f, 1.0f, 0.0f});
-     }},
+    Row("Wstring", &Writer::Write_Wstring, &Reader::Read_Wstring, u"F\u00fcnke <\U0001f525>"),
+    Row("Bool", &Writer::Write_Bool, &Reader::Read_Bool, true),
+    Row("Vector2", &Writer::Write_Vector2, &Reader::Read_Vector2, {0.25f, -8.0f}),
+    Row("Vector3", &Writer::Write_Vector3, &Reader::Read_Vector3, Position),
+    Row("Vector4", &Writer::Write_Vector4, &Reader::Read_Vector4, {1, 2, 3, 4}),
+    Row("Quaternion", &Writer::Write_Quaternion, &Reader::Read_Quaternion, {0.5f, 1.0f, 2.0f, 3.0f}),
+    Row("RGBA", &Writer::Write_RGBA, &Reader::Read_RGBA, {0.5f, 0.25f, 1.0f, 0.0f}),
     {"BitStream", [](Writer &w) { return w.Write_Bit_Stream(reinterpret_cast<const uint8_t *>("\xa5\x01"), 9, 77); },
      [](Reader &r) {
          std::vector<uint8_t> bits;
@@ -134,37 +96,14 @@ const ValueRow ValueRows[] = {
          return r.Read_Bit_Stream(bits, count, second) && bits == Bytes{0xa5, 0x01} && count == 9 && second == 77;
      },
      false},
-    {"Pointer", [](Writer &w) { return w.Write_Pointer(0x00ab12cd); },
-     [](Reader &r) { return Reads<uint32_t>(r, &Reader::Read_Pointer, 0x00ab12cd); }},
-    {"Matrix3D", [](Writer &w) { return w.Write_Matrix3D(Some_Matrix()); },
-     [](Reader &r) { return Reads<Mat3DClass>(r, &Reader::Read_Matrix3D, Some_Matrix()); }},
-    {"Vector2i",
-     [](Writer &w) {
-         return w.Write_Vector2i({-1, 2});
-     },
-     [](Reader &r) {
-         return Reads<Vector2i>(r, &Reader::Read_Vector2i, {-1, 2});
-     }},
-    {"Vector3i",
-     [](Writer &w) {
-         return w.Write_Vector3i({-1, 2, INT32_MAX});
-     },
-     [](Reader &r) {
-         return Reads<Vector3i>(r, &Reader::Read_Vector3i, {-1, 2, INT32_MAX});
-     }},
-    {"Vector4i",
-     [](Writer &w) {
-         return w.Write_Vector4i({-1, 2, INT32_MAX, 0});
-     },
-     [](Reader &r) {
-         return Reads<Vector4i>(r, &Reader::Read_Vector4i, {-1, 2, INT32_MAX, 0});
-     }},
-    {"Flags", [](Writer &w) { return w.Write_Flags(0x83); },
-     [](Reader &r) { return Reads<uint8_t>(r, &Reader::Read_Flags, 0x83); }},
-    {"Facing", [](Writer &w) { return w.Write_Facing(Position); },
-     [](Reader &r) { return Reads<Vector3>(r, &Reader::Read_Facing, Position); }},
-    {"Time", [](Writer &w) { return w.Write_Time(0x0123456789abcdefull); },
-     [](Reader &r) { return Reads<uint64_t>(r, &Reader::Read_Time, 0x0123456789abcdefull); }, false},
+    Row("Pointer", &Writer::Write_Pointer, &Reader::Read_Pointer, 0x00ab12cd),
+    Row("Matrix3D", &Writer::Write_Matrix3D, &Reader::Read_Matrix3D, Some_Matrix()),
+    Row("Vector2i", &Writer::Write_Vector2i, &Reader::Read_Vector2i, {-1, 2}),
+    Row("Vector3i", &Writer::Write_Vector3i, &Reader::Read_Vector3i, {-1, 2, INT32_MAX}),
+    Row("Vector4i", &Writer::Write_Vector4i, &Reader::Read_Vector4i, {-1, 2, INT32_MAX, 0}),
+    Row("Flags", &Writer::Write_Flags, &Reader::Read_Flags, 0x83),
+    Row("Facing", &Writer::Write_Facing, &Reader::Read_Facing, Position),
+    Row("Time", &Writer::Write_Time, &Reader::Read_Time, 0x0123456789abcdefull, false),
     {"Matrix3",
      [](Writer &w) {
          const float values[9] = {1, 2, 3, 4, 5, 6, 7, 8, 9};
@@ -179,8 +118,7 @@ const ValueRow ValueRows[] = {
      [](Reader &r) {
          char bytes[3];
          int read = 0;
-         return r.Read_Raw_Bytes(bytes, 3, &read) && read == 3 &&
-                std::string(bytes, 3) == std::string("\x00\xff\x10", 3);
+         return r.Read_Raw_Bytes(bytes, 3, &read) && read == 3 && std::memcmp(bytes, "\x00\xff\x10", 3) == 0;
      }},
 };
 
@@ -238,11 +176,6 @@ TEST(ChunkRoundTrip, GivesBackEveryTypeInEveryMode)
     }
 }
 
-TEST(ChunkRoundTrip, GivesTheSameBytesForTheSameCalls)
-{
-    for (const ModeRow &mode : All_Modes()) EXPECT_EQ(File_Of_All_Values(mode), File_Of_All_Values(mode)) << mode.what;
-}
-
 TEST(ChunkRoundTrip, ReadsTheSameTreeFromEveryMode)
 {
     const std::string expected = " (1 (10 m0=1000 m1=1001 m2=1002 m3=campfire) (11) (12 (13 m9=0.500000)))"
@@ -259,9 +192,7 @@ TEST(ChunkRoundTrip, StaysInStepWhenChunksAreLeftEarly)
 {
     for (const ModeRow &mode : All_Modes()) {
         MemoryReader reader(Written(mode.mode, Write_Sample_Tree));
-        ASSERT_TRUE(reader->Open_Chunk());
-        ASSERT_TRUE(reader->Open_Chunk());
-        ASSERT_TRUE(reader->Open_Micro_Chunk());
+        ASSERT_TRUE(reader->Open_Chunk() && reader->Open_Chunk() && reader->Open_Micro_Chunk());
         EXPECT_TRUE(reader->Close_Micro_Chunk()); // its value unread
         EXPECT_TRUE(reader->Close_Chunk());       // three microchunks unread
         ASSERT_TRUE(reader->Open_Chunk()) << mode.what;
@@ -271,10 +202,8 @@ TEST(ChunkRoundTrip, StaysInStepWhenChunksAreLeftEarly)
         ASSERT_TRUE(reader->Open_Chunk()) << mode.what;
         EXPECT_EQ(reader->Cur_Chunk_ID(), 2u) << mode.what;
         EXPECT_EQ(reader->Cur_Chunk_Length(), 3u) << mode.what;
-        EXPECT_TRUE(reader->Contains_Chunks());
         EXPECT_TRUE(reader->Close_Chunk());
-        EXPECT_FALSE(reader->Open_Chunk()) << mode.what;
-        EXPECT_FALSE(reader->Is_Damaged()) << mode.what;
+        EXPECT_FALSE(reader->Open_Chunk() || reader->Is_Damaged()) << mode.what;
     }
 }
 
@@ -319,15 +248,16 @@ TEST(ChunkRoundTrip, KeepsADepthOf255)
 {
     for (const ModeRow &mode : All_Modes()) {
         const Bytes file = Written(mode.mode, [](Writer &writer) {
+            const Reports reports;
             for (uint32_t id = 0; id < 255; ++id) EXPECT_TRUE(writer.Open_Chunk(id));
+            EXPECT_FALSE(writer.Open_Chunk(255));
+            EXPECT_TRUE(reports.Has_Assert("StackIndex < MAX_CHUNK_DEPTH - 1"));
             writer.Write_UInt8(1);
             for (uint32_t id = 0; id < 255; ++id) EXPECT_TRUE(writer.Close_Chunk());
         });
         Reports reports;
         MemoryReader reader(file);
         for (uint32_t id = 0; id < 255; ++id) ASSERT_TRUE(reader->Open_Chunk()) << mode.what << " " << id;
-        EXPECT_EQ(reader->Cur_Chunk_Depth(), 255);
-        EXPECT_FALSE(reader->Open_Chunk()) << "a leaf has none";
         for (uint32_t id = 0; id < 255; ++id) EXPECT_TRUE(reader->Close_Chunk()) << mode.what;
         EXPECT_FALSE(reader->Is_Damaged()) << reports.Get_Text();
     }

@@ -27,6 +27,12 @@ ByteList &ByteList::Word(uint32_t value)
     return *this;
 }
 
+ByteList &ByteList::Words(std::initializer_list<uint32_t> values)
+{
+    for (const uint32_t value : values) Word(value);
+    return *this;
+}
+
 ByteList &ByteList::Half(uint16_t value)
 {
     for (int i = 0; i < 2; ++i) Content.push_back(static_cast<uint8_t>(value >> 8 * (IsSwapped ? 1 - i : i)));
@@ -56,13 +62,7 @@ Bytes Header_Bytes(uint8_t mode, uint32_t dataOffset, uint32_t dataSize, uint32_
 {
     return ByteList((mode & MODE_SWAPPED) != 0)
         .Raw({'C', 'H', 2, minor, mode, 0xff, 0xff, 0xff})
-        .Word(crc)
-        .Word(dataOffset)
-        .Word(dataSize)
-        .Word(chunkOffset)
-        .Word(chunkSize)
-        .Word(0)
-        .Word(0)
+        .Words({crc, dataOffset, dataSize, chunkOffset, chunkSize, 0, 0})
         .Get();
 }
 

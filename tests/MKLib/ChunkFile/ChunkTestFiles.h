@@ -58,6 +58,7 @@ class ByteList
 public:
     explicit ByteList(bool isSwapped = false) : IsSwapped(isSwapped) {}
     ByteList &Word(uint32_t value);
+    ByteList &Words(std::initializer_list<uint32_t> values);
     ByteList &Half(uint16_t value);
     ByteList &Raw(std::initializer_list<int> bytes);
     ByteList &Text(std::string_view text);

@@ -5,8 +5,6 @@
 #include "common/TempFiles.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <thread>
 
 using namespace MKPlatform;
 using namespace MKTest;
@@ -55,12 +53,9 @@ TEST_F(FileOnDisk, KeepsItsNameAndReopens)
         EXPECT_EQ(file.Read(text, 5), 5);
         EXPECT_EQ(file.Tell(), 5);
         EXPECT_EQ(file.Read(text, 8), 1);
-        EXPECT_EQ(file.Read(text, 8), 0);
-        EXPECT_EQ(file.Get_Size(), 6);
         file.Close();
     }
     EXPECT_TRUE(file.Open(Directory / "ART\\FIRE.VRO", FILE_OPEN_GENERIC_READ));
-    EXPECT_EQ(std::string_view(file.Get_Name()), Directory / "ART\\FIRE.VRO");
     EXPECT_TRUE(
         Reported.Has_Log("FileSize: FileClass::Open - Name: " + Directory.Get_Path() + "/ART\\FIRE.VRO Size: 6"));
 }
@@ -75,55 +70,22 @@ TEST_F(FileOnDisk, OpensANameThatIsAPartOfItsOwn)
     EXPECT_EQ(std::string_view(file.Get_Name()), Directory / "fire");
 }
 
-TEST_F(FileOnDisk, WritesAndAppends)
-{
-    const std::string path = Directory.Write("f", "old");
-    FileClass file(path);
-    ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_WRITE));
-    EXPECT_EQ(Read_Text_File(path), "");
-    EXPECT_EQ(file.Write("abc", 3), 3);
-    file.Close();
-    ASSERT_TRUE(file.Open(FILE_OPEN_WRITE_APPEND));
-    EXPECT_EQ(file.Tell(), 3);
-    EXPECT_EQ(file.Write("d", 1), 1);
-    file.Close();
-    EXPECT_EQ(Read_Text_File(path), "abcd");
-}
-
-TEST_F(FileOnDisk, AnOpenObjectStaysAsItWas)
-{
-    FileClass file(Directory.Write("a", "first"));
-    Directory.Write("b", "second");
-    ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_READ));
-    EXPECT_FALSE(file.Open(Directory / "b", FILE_OPEN_GENERIC_READ));
-    EXPECT_TRUE(Reported.Has_Assert(
-        "OpenDiskFileHandle == MKPlatform::INVALID_FILE && OpenInMegaFileHandle == INVALID_SUBFILE_HANDLE"));
-    EXPECT_EQ(std::string_view(file.Get_Name()), Directory / "a");
-    EXPECT_EQ(Read_All(file), "first");
-}
-
-TEST_F(FileOnDisk, ViolatedPreconditionsAreReported)
+TEST_F(FileOnDisk, ViolatedPreconditionsAreReportedAndLeaveItAsItWas)
 {
     char byte = 0;
-    FileClass empty;
-    EXPECT_FALSE(empty.Open(FILE_OPEN_GENERIC_READ));
-    EXPECT_TRUE(Reported.Has_Assert("FileName.empty() == false"));
-    FileClass file(Directory.Write("f", "x"));
-    EXPECT_FALSE(file.Open(FILE_OPEN_INVALID));
-    EXPECT_TRUE(Reported.Has_Assert("open_access > MKPlatform::FILE_OPEN_INVALID"));
-    EXPECT_FALSE(file.Open(FILE_OPEN_TOTAL));
-    EXPECT_TRUE(Reported.Has_Assert("open_access < MKPlatform::FILE_OPEN_TOTAL"));
+    EXPECT_FALSE(FileClass().Open(FILE_OPEN_GENERIC_READ));
+    FileClass file(Directory.Write("a", "first"));
+    EXPECT_FALSE(file.Open(FILE_OPEN_INVALID) || file.Open(FILE_OPEN_TOTAL));
     EXPECT_EQ(file.Read(&byte, 1), 0);
-    EXPECT_TRUE(Reported.Has_Assert("OpenFileAccess == MKPlatform::FILE_OPEN_GENERIC_READ"));
     EXPECT_EQ(file.Write(&byte, 1), -1);
-    EXPECT_TRUE(Reported.Has_Assert("OpenDiskFileHandle != MKPlatform::INVALID_FILE"));
-
     ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_READ));
+    Reported.Clear();
+    EXPECT_FALSE(file.Open(Directory.Write("b", "second"), FILE_OPEN_GENERIC_READ));
     EXPECT_EQ(file.Read(nullptr, 1), 0);
-    EXPECT_TRUE(Reported.Has_Assert("buffer != NULL"));
     EXPECT_EQ(file.Write(&byte, 1), -1);
-    EXPECT_TRUE(Reported.Has_Assert("OpenFileAccess == MKPlatform::FILE_OPEN_GENERIC_WRITE || OpenFileAccess == "
-                                    "MKPlatform::FILE_OPEN_WRITE_APPEND"));
+    EXPECT_EQ(Reported.Get_Asserts().size(), 3u) << Reported.Get_Text();
+    EXPECT_EQ(std::string_view(file.Get_Name()), Directory / "a");
+    EXPECT_EQ(Read_All(file), "first");
 }
 
 TEST_F(FileOnDisk, AFailedWriteOpenLogsTheReasonAndTheDirectory)
@@ -133,13 +95,6 @@ TEST_F(FileOnDisk, AFailedWriteOpenLogsTheReasonAndTheDirectory)
     EXPECT_TRUE(Reported.Has_Log(
         "FileClass::Open -  Failed to open file for write. File: " + (Directory / "none/file") + " , error code 2 - "));
     EXPECT_TRUE(Reported.Has_Log("    Current directory - " + Get_Current_Directory()));
-    Reported.Clear();
-
-    const std::string locked = Directory.Write("locked", "kept");
-    chmod(locked.c_str(), 0444);
-    EXPECT_FALSE(file.Open(locked, FILE_OPEN_WRITE_APPEND));
-    EXPECT_TRUE(Reported.Has_Log("File: " + locked + " , error code 13 - "));
-    EXPECT_EQ(Read_Text_File(locked), "kept");
 }
 
 TEST_F(FileOnDisk, AFullDiskFailsTheWriteAndNamesTheFile)
@@ -148,14 +103,6 @@ TEST_F(FileOnDisk, AFullDiskFailsTheWriteAndNamesTheFile)
     if (!file.Open(FILE_OPEN_GENERIC_WRITE)) GTEST_SKIP() << "no /dev/full here";
     EXPECT_EQ(file.Write("data", 4), -1);
     EXPECT_TRUE(Reported.Has_Log("Only 0 of 4 bytes could be written to /dev/full: No space left on device"));
-}
-
-TEST_F(FileOnDisk, TheLockIsHeldOnlyInsideOfTheOperations)
-{
-    FileClass file(Directory.Write("f", "x"));
-    EXPECT_EQ(FileClass::Get_Lock_Depth(), 0);
-    ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_READ));
-    EXPECT_EQ(FileClass::Get_Lock_Depth(), 0);
 }
 
 TEST_F(FileOnDisk, DiskOnlyDataNamesAreLookedForUnderTheRootsFirst)
@@ -209,7 +156,6 @@ TEST_F(FileOnDisk, TheCacheStandsInFrontOfTheDisk)
     EXPECT_EQ(Read_All(file), "in the cache");
     EXPECT_EQ(file.Seek(-5, FILE_SEEK_END), 7);
     EXPECT_EQ(file.Seek(100, FILE_SEEK_CURRENT), 12);
-    EXPECT_EQ(file.Seek(-100, FILE_SEEK_CURRENT), 0);
     EXPECT_EQ(file.Write("x", 1), -1);
     file.Close();
     ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_READ));
@@ -240,7 +186,6 @@ TEST_F(FileOnDisk, AVerifiedCacheTellsWhereItDiffersFromTheFile)
         FileClass file(path);
         ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_READ));
         EXPECT_EQ(file.Read(text, 2), 2);
-        EXPECT_EQ(Reported.Count_Logs("FileCache->Read"), 0);
         EXPECT_EQ(file.Read(text, 6), 2);
         EXPECT_TRUE(Reported.Has_Log("PARTIAL READ - FileCache->Read Requested 6 bytes, cache read 2, file read 6"));
     }
@@ -260,9 +205,7 @@ TEST_F(FileOnDisk, ChecksumsAreThoseOfZlib)
     // The seed continues a checksum: of "1234", then of "56789".
     const uint32_t head = Get_File_CRC(Directory.Write("head", "1234"), 0);
     EXPECT_EQ(Get_File_CRC(Directory.Write("tail", "56789"), head), 0xCBF43926u);
-    Reported.Clear();
     EXPECT_EQ(Get_File_CRC(Directory.Write("empty", ""), 77), 0u);
-    EXPECT_EQ(Reported.Count_Logs("CRC"), 0);
     EXPECT_EQ(Get_File_CRC(Directory / "none", 0), 0u);
     EXPECT_TRUE(Reported.Has_Assert("file.Open() == false"));
 }
@@ -274,21 +217,4 @@ TEST_F(FileOnDisk, AChecksumGoesOnOverPiecesOfALargeFile)
     const std::string tail = Directory.Write("tail", "t");
     const std::string whole = Directory.Write("whole", std::string(16 << 20, 'h') + "t");
     EXPECT_EQ(Get_File_CRC(whole, 0), Get_File_CRC(tail, Get_File_CRC(head, 0)));
-}
-
-TEST_F(FileOnDisk, ThreadsOpenAndReadSideBySide)
-{
-    const std::string one = Directory.Write("one", std::string(5000, '1'));
-    const std::string two = Directory.Write("two", std::string(5000, '2'));
-    const auto work = [](const std::string &path, char expected, int &faults) {
-        for (int i = 0; i < 200; ++i) {
-            FileClass file(path);
-            if (!file.Open(FILE_OPEN_GENERIC_READ) || Read_All(file) != std::string(5000, expected)) ++faults;
-        }
-    };
-    int faultsOne = 0, faultsTwo = 0;
-    std::thread other([&] { work(one, '1', faultsOne); });
-    work(two, '2', faultsTwo);
-    other.join();
-    EXPECT_EQ(faultsOne + faultsTwo, 0);
 }

@@ -77,7 +77,6 @@ TEST(XMLDatabase, RefusalsNameTheFileTheReasonAndTheByte)
         const char *what;
         std::string text, log;
     } cases[] = {
-        {"nothing", "", "it has no root element (at byte 0)"},
         {"only a comment", "<!-- x -->", "it has no root element (at byte 10)"},
         {"a binary file", "CH\x02", "text stands outside of the root element (at byte 0)"},
         {"text behind", "<a/> x", "text stands outside of the root element (at byte 5)"},
@@ -92,7 +91,6 @@ TEST(XMLDatabase, RefusalsNameTheFileTheReasonAndTheByte)
         {"an open comment", "<a><!-- </a>", "a comment has no end (at byte 3)"},
         {"an open CDATA section", "<a><![CDATA[ </a>", "a CDATA section has no end (at byte 3)"},
         {"an open tag", "<a b='>", "a tag has no end (at byte 0)"},
-        {"an open element", "<a><b></b>", "Start-end tags mismatch"},
         {"crossed elements", "<a><b></a></b>", "Start-end tags mismatch"},
     };
     for (const auto &c : cases) {
@@ -116,12 +114,10 @@ TEST(XMLDatabase, WithoutADocumentThereIsNothing)
     ASSERT_TRUE(xml.Enter_First_Child());
     EXPECT_FALSE(xml.Load_Text("", "x")); // and drops the one before
     MK::String text = "kept";
-    EXPECT_EQ(xml.Get_Key(&text), S_MISSING);
-    EXPECT_EQ(xml.Get_Value(&text), S_MISSING);
-    EXPECT_EQ(xml.Get_Attribute("a", &text), S_MISSING);
+    for (const auto found : {xml.Get_Key(&text), xml.Get_Value(&text), xml.Get_Attribute("a", &text)})
+        EXPECT_EQ(found, S_MISSING);
     EXPECT_EQ(std::string_view(text), "kept");
     EXPECT_FALSE(xml.Enter_First_Child() || xml.Next_Sibling() || xml.Leave());
-    EXPECT_EQ(xml.Get_Depth(), 0);
 }
 
 TEST(XMLDatabase, LoadsFromFilesFromTheirPosition)

@@ -20,22 +20,9 @@ namespace
 
 constexpr const char *SETTINGS = "FlareTrimSettings.xml";
 
-TEST(ApplicationCore, TheMainFormShowsTheSettings)
-{
-    Tool tool;
-    EXPECT_EQ(tool.form->Get_Current_Path(), tool.directory / "game");
-    EXPECT_TRUE(tool.form->Get_Auto_Checkout());
-    tool.form->Check_Auto_Checkout(false);
-    EXPECT_FALSE(tool.core.Get_Settings().AutoCheckout);
-}
-
 TEST(ApplicationCore, BrowsingStoresTheAbsoluteChoiceAndScansNothing)
 {
     Tool tool;
-    const std::string before = tool.core.Get_Settings().WorkingDirectory;
-    tool.form->Click_Browse();
-    EXPECT_EQ(tool.core.Get_Settings().WorkingDirectory, before);
-
     tool.application.Set_Picked_Folder("..\\elsewhere");
     tool.form->Click_Browse();
     EXPECT_EQ(tool.core.Get_Settings().WorkingDirectory, tool.directory / "elsewhere");
@@ -73,21 +60,6 @@ TEST(ApplicationCore, ClosingWithUnsavedChangesAsks)
     tool.application.Set_Message_Box_Policy(HeadlessApplication::Accept());
     EXPECT_TRUE(tool.form->Close());
     EXPECT_TRUE(std::filesystem::exists(SETTINGS));
-    EXPECT_EQ(tool.Row_Count(), 0);
-    EXPECT_EQ(tool.core.Get_Particle_List(), nullptr);
-    EXPECT_EQ(tool.core.Get_Modified_Emitters(), nullptr);
-}
-
-TEST(ApplicationCore, AMaximisedWindowKeepsItsRestoredPlacement)
-{
-    Tool tool;
-    tool.form->Change_Window_State(FormWindowState::Maximized);
-    tool.application.Get_View_Form()->Set_Window_State(FormWindowState::Maximized);
-    EXPECT_TRUE(tool.form->Close());
-    EXPECT_EQ(tool.form->Get_Window_State(), FormWindowState::Normal);
-    const ApplicationSettings saved = ApplicationSettings::Load(SETTINGS);
-    EXPECT_TRUE(saved.MainFormMaximized && saved.ViewFormMaximized);
-    EXPECT_EQ(saved.MainFormSize, (Size{800, 600}));
 }
 
 TEST(ApplicationCore, TheFirstActivationAloneRestoresThePlacement)
@@ -139,19 +111,6 @@ protected:
     HeadlessApplication application;
 };
 
-TEST_F(RunToolTest, AMissingDirectoryEndsInTheExceptionBox)
-{
-    bool cameBack = false;
-    Run([&cameBack](HeadlessMainForm &form) {
-        form.Click_Browse();
-        form.Click_Scan();
-        cameBack = true;
-    });
-    EXPECT_FALSE(cameBack);
-    EXPECT_THAT(Last_Text(), testing::AllOf(testing::StartsWith("Exception: "), HasSubstr("/game/Art/Models"),
-                                            HasSubstr("No such file or directory")));
-}
-
 TEST_F(RunToolTest, TwoModifiedEmittersOfOneNameEndInTheExceptionBox)
 {
     // An emitter's name is its file's without the extension.
@@ -169,19 +128,6 @@ TEST_F(RunToolTest, TwoModifiedEmittersOfOneNameEndInTheExceptionBox)
     });
     EXPECT_THAT(Last_Text(),
                 testing::AllOf(testing::StartsWith("Exception: "), HasSubstr("/fire.VRO"), HasSubstr("/fire.vro")));
-}
-
-TEST_F(RunToolTest, ASessionThatDoesntCloseTheFormSavesNoSettings)
-{
-    directory.Make_Directory("game/Art/Models");
-    Write_Emitter(directory / "game/Art/Models/fire.vro", {Plain_Layer()});
-    Run([](HeadlessMainForm &form) {
-        form.Click_Browse();
-        form.Click_Scan();
-        form.Edit_Current("GlobalLOD", "1");
-    });
-    EXPECT_FALSE(std::filesystem::exists(SETTINGS));
-    EXPECT_EQ(Last_Text(), "");
 }
 
 TEST_F(RunToolTest, TheNextRunReadsWhatTheLastOneSaved)
@@ -218,18 +164,6 @@ TEST(HeadlessGrid, PrintsItselfAsATable)
               "  EmitterName ParticleName DynamicLODNearDistance Modified\n"
               "> größe       a                                 7 true\n"
               "  größe       flames                         12.5 true\n");
-}
-
-TEST(HeadlessApplication, AcceptRetriesOnce)
-{
-    const auto policy = HeadlessApplication::Accept();
-    const ShownMessageBox retry{"", "", MessageBoxButtons::RetryCancel, MessageBoxIcon::None};
-    const ShownMessageBox question{"", "", MessageBoxButtons::YesNo, MessageBoxIcon::None};
-    EXPECT_EQ(policy(retry), DialogResult::Retry);
-    EXPECT_EQ(policy(retry), DialogResult::Cancel);
-    EXPECT_EQ(policy(retry), DialogResult::Retry);
-    EXPECT_EQ(policy(question), DialogResult::Yes);
-    EXPECT_EQ(policy(retry), DialogResult::Retry);
 }
 
 } // namespace

@@ -76,12 +76,6 @@ TEST_F(ChangeTracking, AnEditOfARowThatIsNotSelectedMarksTheSelection)
     EXPECT_EQ(tool.Row(4).Get_GlobalLOD(), GlobalLevelOfDetail::Low);
 }
 
-TEST_F(ChangeTracking, OtherChangesOfTheListMarkNothing)
-{
-    tool.form->Get_Particle_Data_Source().ListChanged.Raise(nullptr, {ListChangedType::ItemAdded, 0});
-    EXPECT_THAT(tool.Modified_Names(), IsEmpty());
-}
-
 TEST_F(ChangeTracking, AnEditReachesARunningLayer)
 {
     vrMKParticle &particle = *tool.Row(4).Get_Particle();

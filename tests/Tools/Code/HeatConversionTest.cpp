@@ -29,18 +29,6 @@ protected:
     Tool tool;
 };
 
-TEST_F(HeatConversion, TheRowShowsTheHeatValuesAndIsModified)
-{
-    EXPECT_TRUE(tool.form->Click_Convert_To_Heat());
-    const ParticleData &row = tool.Row(0);
-    EXPECT_TRUE(row.Get_SupportsHeat() && row.Get_UsesHeatVisualizer() && !row.Get_DoesNotUseHeatVisualizer());
-    EXPECT_EQ(row.Get_HeatDistanceCutoff(), 1000.0f);
-    EXPECT_EQ(row.Get_HeatDistanceCutoffPerThousandth(), 99);
-    EXPECT_EQ(row.Get_HeatDistortionScale(), 1.0f);
-    EXPECT_EQ(row.Get_SaturationScale(), 1.0f);
-    EXPECT_THAT(tool.Modified_Names(), ElementsAre("fire"));
-}
-
 TEST_F(HeatConversion, WhatBothVisualizersHaveGoesAcross)
 {
     // Each Boolean away from the heat visualizer's default, so that a value that is not copied shows.
@@ -71,13 +59,6 @@ TEST_F(HeatConversion, OnlyTheCurrentRowIsConverted)
     EXPECT_FALSE(tool.Row(3).Get_UsesHeatVisualizer());
     // The reset of the row marks every selected row's emitter.
     EXPECT_THAT(tool.Modified_Names(), ElementsAre("fire", "smoke"));
-}
-
-TEST_F(HeatConversion, ARowThatIsNotSelectedIsNotMarked)
-{
-    tool.Select({});
-    ASSERT_TRUE(tool.form->Click_Convert_To_Heat());
-    EXPECT_TRUE(tool.Modified_Names().empty());
 }
 
 TEST_F(HeatConversion, TheButtonIsOnForOldHeatAlone)

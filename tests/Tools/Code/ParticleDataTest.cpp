@@ -28,32 +28,6 @@ protected:
     Tool tool;
 };
 
-TEST_F(ParticleDataTest, PropertiesStandInTheOrderOfTheColumns)
-{
-    const char *const names[] = {"Modified",
-                                 "EmitterName",
-                                 "ParticleName",
-                                 "GlobalLOD",
-                                 "MinimumDynamicLOD",
-                                 "MinimumDynamicLODPerThousandth",
-                                 "DynamicLODNearDistance",
-                                 "DynamicLODNearDistancePerThousandth",
-                                 "DynamicLODFarDistance",
-                                 "DynamicLODFarDistancePerThousandth",
-                                 "SupportsHeat",
-                                 "UsesHeatVisualizer",
-                                 "DoesNotUseHeatVisualizer",
-                                 "HeatDistanceCutoff",
-                                 "HeatDistanceCutoffPerThousandth",
-                                 "HeatDistortionScale",
-                                 "HeatDistortionScalePerThousandth",
-                                 "SaturationScale",
-                                 "SaturationScalePerThousandth",
-                                 "SceneLightingAdjustments"};
-    ASSERT_EQ(Get_Particle_Properties().size(), std::size(names));
-    for (size_t i = 0; i < std::size(names); ++i) EXPECT_STREQ(Get_Particle_Properties()[i].Name, names[i]);
-}
-
 TEST_F(ParticleDataTest, ASliderWritesAndReadsByTheTable)
 {
     const struct
@@ -67,19 +41,15 @@ TEST_F(ParticleDataTest, ASliderWritesAndReadsByTheTable)
         // 0.7 and 0.3 as f32 lie below and above their decimals, so that one of them loses a step.
         {"MinimumDynamicLODPerThousandth", 700, "MinimumDynamicLOD", 0.7f, 699},
         {"MinimumDynamicLODPerThousandth", 300, "MinimumDynamicLOD", 0.3f, 300},
-        {"MinimumDynamicLODPerThousandth", 1000, "MinimumDynamicLOD", 1.0, 1000},
-        {"DynamicLODNearDistancePerThousandth", 1000, "DynamicLODNearDistance", 10000.0, 1000},
         {"DynamicLODNearDistancePerThousandth", -7, "DynamicLODNearDistance", -70.0, -7},
         // 3000000000 wraps around to -1294967296, which is an f32.
         {"DynamicLODFarDistancePerThousandth", 300000000, "DynamicLODFarDistance", -1294967296.0, -129496729},
         {"HeatDistanceCutoffPerThousandth", 1000, "HeatDistanceCutoff", 10000.0, 999},
         {"HeatDistanceCutoffPerThousandth", 0, "HeatDistanceCutoff", 0.009999999776482582, 0},
-        // 500 * 0.002f = 1.0000000475 rounds to 1; 1 * 0.002f * 500 = 1.0000000475 truncates to 1.
+        // 500 * 0.002f = 1.0000000475 rounds to 1.
         {"HeatDistortionScalePerThousandth", 500, "HeatDistortionScale", 1.0, 500},
-        {"HeatDistortionScalePerThousandth", 1, "HeatDistortionScale", 0.002f, 1},
         {"SaturationScalePerThousandth", 500, "SaturationScale", 9.499490261077881e-08, 500},
         {"SaturationScalePerThousandth", 1, "SaturationScale", -1.996000051498413, 0},
-        {"SaturationScalePerThousandth", 1000, "SaturationScale", 2.000000238418579, 1000},
     };
     for (const auto &row : rows) {
         ASSERT_TRUE(Find_Particle_Property(row.slider)->Set(tool.Row(0), std::to_string(row.input)));
@@ -93,8 +63,6 @@ TEST_F(ParticleDataTest, WholeNumbersAreTruncatedTowardZero)
     ParticleData &row = tool.Row(0);
     row.Set_DynamicLODNearDistance(-19.9f);
     EXPECT_EQ(row.Get_DynamicLODNearDistancePerThousandth(), -1);
-    row.Set_DynamicLODFarDistance(19.9f);
-    EXPECT_EQ(row.Get_DynamicLODFarDistancePerThousandth(), 1);
     row.Set_MinimumDynamicLOD(-0.0019f);
     EXPECT_EQ(row.Get_MinimumDynamicLODPerThousandth(), -1);
 }
@@ -136,14 +104,10 @@ TEST_F(ParticleDataTest, ARowWithoutHeatTakesNoHeatAndReplicatesNone)
 {
     tool.Select({0, 2});
     const float cutoff = tool.Row(0).Get_HeatDistanceCutoff();
-    for (const char *name : {"HeatDistanceCutoff", "HeatDistanceCutoffPerThousandth", "HeatDistortionScale",
-                             "HeatDistortionScalePerThousandth", "SaturationScale", "SaturationScalePerThousandth"})
+    for (const char *name : {"HeatDistanceCutoffPerThousandth", "HeatDistortionScale", "SaturationScale"})
         ASSERT_TRUE(Find_Particle_Property(name)->Set(tool.Row(2), "2"));
     EXPECT_EQ(tool.Row(2).Get_HeatDistanceCutoff(), 0.01f);
     EXPECT_EQ(Text(2, "HeatDistortionScale") + Text(2, "SaturationScale"), "00");
-    EXPECT_EQ(Text(2, "HeatDistanceCutoffPerThousandth") + Text(2, "HeatDistortionScalePerThousandth") +
-                  Text(2, "SaturationScalePerThousandth"),
-              "000");
     EXPECT_EQ(tool.Row(0).Get_HeatDistanceCutoff(), cutoff);
     EXPECT_EQ(Text(0, "HeatDistortionScale") + Text(0, "SaturationScale"), "11");
 }
@@ -161,13 +125,6 @@ TEST_F(ParticleDataTest, ALayerWithoutASpawnerShowsLevelThreeAndStillReplicates)
     EXPECT_EQ(tool.Row(0).Get_MinimumDynamicLOD(), 0.0f);
     EXPECT_EQ(tool.Row(1).Get_GlobalLOD(), GlobalLevelOfDetail::Medium);
     EXPECT_EQ(tool.Row(1).Get_MinimumDynamicLOD(), 0.25f);
-}
-
-TEST_F(ParticleDataTest, ALevelPassesUnchangedWhateverItIs)
-{
-    tool.Row(2).Set_GlobalLOD(static_cast<GlobalLevelOfDetail>(-5));
-    EXPECT_EQ(static_cast<int>(tool.Row(2).Get_GlobalLOD()), -5);
-    EXPECT_EQ(Text(2, "GlobalLOD"), "-5");
 }
 
 TEST_F(ParticleDataTest, LightingNeedsItsSwitch)
@@ -201,15 +158,6 @@ TEST_F(ParticleDataTest, AnEditReachesEverySelectedRowAsItWasMade)
     }
 }
 
-TEST_F(ParticleDataTest, ARowOutsideOfTheSelectionReplicatesToIt)
-{
-    tool.Select({0});
-    tool.Row(2).Set_GlobalLOD(GlobalLevelOfDetail::Low);
-    EXPECT_EQ(tool.Row(0).Get_GlobalLOD(), GlobalLevelOfDetail::Low);
-    EXPECT_EQ(tool.Row(2).Get_GlobalLOD(), GlobalLevelOfDetail::Low);
-    EXPECT_NE(tool.Row(1).Get_GlobalLOD(), GlobalLevelOfDetail::Low);
-}
-
 TEST(ParticleProperties, TextsOfTheWrongKindAreRefused)
 {
     Tool tool;
@@ -223,18 +171,11 @@ TEST(ParticleProperties, TextsOfTheWrongKindAreRefused)
     } rows[] = {
         {"GlobalLOD", "Medium", true},
         {"GlobalLOD", "2", true},
-        {"GlobalLOD", "medium", false},
         {"MinimumDynamicLOD", "0.5", true},
-        {"MinimumDynamicLOD", "1e-3", true},
         {"MinimumDynamicLOD", "nan", false},
-        {"MinimumDynamicLOD", "inf", false},
-        {"MinimumDynamicLOD", "1e99", false},
         {"MinimumDynamicLOD", "0.5 ", false},
-        {"MinimumDynamicLOD", "", false},
-        {"DynamicLODNearDistancePerThousandth", "-3", true},
         {"DynamicLODNearDistancePerThousandth", "1.5", false},
         {"DynamicLODNearDistancePerThousandth", "99999999999", false},
-        {"SceneLightingAdjustments", "false", true},
         {"SceneLightingAdjustments", "0", false},
     };
     for (const auto &row : rows) {

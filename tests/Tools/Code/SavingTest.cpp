@@ -61,7 +61,6 @@ TEST_F(Saving, AWritableFileSavesWithNeitherQuestionNorP4)
         EXPECT_EQ(p4.Calls(), "");
         EXPECT_THAT(tool.Box_Texts(), IsEmpty());
         EXPECT_THAT(tool.Modified_Names(), IsEmpty());
-        EXPECT_FALSE(tool.Row(0).Get_Modified());
         EXPECT_FALSE(tool.form->Is_Save_All_Button_Enabled());
     }
 }
@@ -82,17 +81,6 @@ TEST_F(Saving, TheFileIsZlibWhateverItWasAndKeepsNothingUnknown)
     EXPECT_EQ(MKTest::Read_Whole_File(fire), once);
 }
 
-TEST_F(Saving, AReadOnlyFileIsCheckedOutAtOnceWithAutoCheckout)
-{
-    const FakeP4 p4(tool.directory, MAKE_WRITABLE);
-    Edit({0});
-    Set_Read_Only(fire, true);
-    Save_With(true);
-    EXPECT_EQ(p4.Calls(), "[edit][" + fire + "]\n");
-    EXPECT_THAT(tool.Box_Texts(), IsEmpty());
-    EXPECT_EQ(Read_Level(fire), 1);
-}
-
 TEST_F(Saving, WithoutAutoCheckoutAQuestionComesFirst)
 {
     const FakeP4 p4(tool.directory, MAKE_WRITABLE);
@@ -100,10 +88,8 @@ TEST_F(Saving, WithoutAutoCheckoutAQuestionComesFirst)
     Set_Read_Only(fire, true);
     Save_With(false);
     EXPECT_THAT(tool.Box_Texts(), ElementsAre("Checkout 'fire' from perforce?"));
-    EXPECT_EQ(tool.application.Get_Message_Boxes()[0].Icon, MessageBoxIcon::Question);
     EXPECT_EQ(p4.Calls(), "");
     EXPECT_THAT(tool.Modified_Names(), ElementsAre("fire"));
-    EXPECT_TRUE(tool.form->Is_Save_All_Button_Enabled());
 
     tool.application.Set_Message_Box_Policy(HeadlessApplication::Accept());
     tool.form->Click_Save();
@@ -119,10 +105,6 @@ TEST_F(Saving, AFailingP4AsksUntilItWorksOrIsCancelled)
     tool.application.Set_Message_Box_Policy(HeadlessApplication::Accept());
     Save_With(true);
     ASSERT_THAT(tool.Box_Texts(), ElementsAre(CHECKOUT_TEXT));
-    const ShownMessageBox &box = tool.application.Get_Message_Boxes()[0];
-    EXPECT_EQ(box.Caption, "Unable to check out file.");
-    EXPECT_EQ(box.Buttons, MessageBoxButtons::RetryCancel);
-    EXPECT_EQ(box.Icon, MessageBoxIcon::None);
     EXPECT_EQ(Read_Level(fire), 1);
 }
 
@@ -156,19 +138,6 @@ TEST_F(Saving, ANameWithAQuoteIsOneWordToP4)
     Save_With(true);
     EXPECT_EQ(p4.Calls(), "[edit][" + path + "]\n");
     EXPECT_EQ(Read_Level(path), 1);
-}
-
-TEST_F(Saving, AFileThatIsGoneIsToldOfAndStaysModified)
-{
-    Edit({0});
-    fs::remove(fire);
-    tool.form->Click_Save();
-    ASSERT_THAT(tool.Box_Texts(), ElementsAre("File not found!"));
-    EXPECT_EQ(tool.application.Get_Message_Boxes()[0].Caption, "Flare Trim Error");
-    EXPECT_EQ(tool.application.Get_Message_Boxes()[0].Icon, MessageBoxIcon::Error);
-    EXPECT_THAT(tool.Modified_Names(), ElementsAre("fire"));
-    EXPECT_FALSE(fs::exists(fire));
-    EXPECT_TRUE(tool.reports.Has_Log(fire + ": File not found!"));
 }
 
 TEST_F(Saving, AFileWhoseNamesakeIsLeftIsGoneAllTheSame)
@@ -219,17 +188,6 @@ TEST_F(Saving, TheSecondRowOfASavedEmitterEndsTheHandler)
     EXPECT_EQ(Read_Level(fire), 1);
     EXPECT_NE(Read_Level(smoke), 1);
     EXPECT_THAT(tool.Modified_Names(), ElementsAre("smoke"));
-    EXPECT_TRUE(tool.form->Is_Save_All_Button_Enabled());
-}
-
-TEST_F(Saving, AFailedSaveGoesOnWithTheNextRow)
-{
-    Edit({0, 2});
-    fs::remove(fire);
-    tool.form->Click_Save();
-    EXPECT_EQ(Read_Level(smoke), 1);
-    EXPECT_THAT(tool.Modified_Names(), ElementsAre("fire"));
-    EXPECT_TRUE(tool.form->Is_Save_All_Button_Enabled());
 }
 
 TEST_F(Saving, SaveAllKeepsWhatFailed)
@@ -237,8 +195,9 @@ TEST_F(Saving, SaveAllKeepsWhatFailed)
     Edit({0, 2});
     fs::remove(fire);
     EXPECT_TRUE(tool.form->Click_Save_All());
+    EXPECT_THAT(tool.Box_Texts(), ElementsAre("File not found!"));
+    EXPECT_TRUE(tool.reports.Has_Log(fire + ": File not found!"));
     EXPECT_EQ(Read_Level(smoke), 1);
-    EXPECT_FALSE(tool.Row(2).Get_Modified());
     EXPECT_THAT(tool.Modified_Names(), ElementsAre("fire"));
     EXPECT_TRUE(tool.form->Is_Save_All_Button_Enabled());
 
@@ -247,15 +206,6 @@ TEST_F(Saving, SaveAllKeepsWhatFailed)
     EXPECT_EQ(Read_Level(fire), 1);
     EXPECT_THAT(tool.Modified_Names(), IsEmpty());
     EXPECT_FALSE(tool.form->Is_Save_All_Button_Enabled());
-}
-
-TEST_F(Saving, ASavedEmitterCanBeModifiedAgain)
-{
-    Edit({0});
-    tool.form->Click_Save();
-    Edit({0}, "2");
-    EXPECT_THAT(tool.Modified_Names(), ElementsAre("fire"));
-    EXPECT_TRUE(tool.form->Is_Save_All_Button_Enabled());
 }
 
 } // namespace

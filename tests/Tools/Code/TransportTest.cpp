@@ -100,18 +100,4 @@ TEST_F(Transport, GroundAndTargetReachThePreview)
     EXPECT_FALSE(View().Get_State().target);
 }
 
-TEST(ToolReports, TellFailuresWaitsAndTheDevice)
-{
-    Tool tool;
-    EXPECT_FALSE(tool.form->Is_Preview_Available());
-    tool.Add_Emitter("a.vro", {Plain_Layer()});
-    tool.Scan();
-    EXPECT_EQ(tool.form->Get_Scan_Failure(), "");
-    Set_Read_Only(tool.Model_Path("a.vro"), true);
-    tool.Select({0});
-    tool.form->Edit_Current("GlobalLOD", "1");
-    tool.form->Click_Save();
-    EXPECT_THAT(tool.application.Get_Waits(), ElementsAre("Waiting for p4 edit " + tool.Model_Path("a.vro")));
-}
-
 } // namespace

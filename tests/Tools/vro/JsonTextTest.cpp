@@ -32,18 +32,11 @@ TEST(JsonText, WritesFloatsAsTheShortestDecimalThatReadsBack)
     } numbers[] = {
         {0.0f, "0.0"},
         {-0.0f, "-0.0"},
-        {1.0f, "1.0"},
-        {-450.0f, "-450.0"},
-        {0.1f, "0.1"},
         {1.0f / 3.0f, "0.33333334"},
-        {16777216.0f, "16777216.0"},
         {Limits::max(), "3.4028235e+38"},
-        {Limits::lowest(), "-3.4028235e+38"},
-        {Limits::min(), "1.1754944e-38"},
         {Limits::denorm_min(), "1e-45"},
         {Limits::quiet_NaN(), "\"nan\""},
         {-Limits::quiet_NaN(), "\"nan\""},
-        {Limits::infinity(), "\"inf\""},
         {-Limits::infinity(), "\"-inf\""},
     };
     for (const auto &number : numbers) EXPECT_EQ(Text_Of(number.value), number.text);

@@ -61,19 +61,14 @@ TEST(RenderOptions, WrongUsageIsToldInClearWords)
     } rows[] = {
         {{}, "-o is required"},
         {{"-o", "x", "--size", "640"}, "--size: expected WIDTHxHEIGHT, each 1 to 8192, found \"640\""},
-        {{"-o", "x", "--size", "0x9"}, "--size: expected WIDTHxHEIGHT"},
         {{"-o", "x", "--size", "9x8193"}, "--size: expected WIDTHxHEIGHT"},
-        {{"-o", "x", "--frames", "0"}, "--frames: expected a whole number of 1"},
-        {{"-o", "x", "--every", "0"}, "--every: expected a whole number of 1"},
         {{"-o", "x", "--every", "61"}, "--every: expected at most the 60 frames that there are, found 61"},
         {{"-o", "x.png", "--every", "2"}, "--every: x.png is one picture; name a directory, or ask for a --sheet"},
         {{"-o", "x", "--sheet", "101"}, "--sheet: expected a whole number of 1 to 100"},
         {{"-o", "x", "--sheet", "9", "--size", "8000x8000"}, "--sheet: 9 by 3 cells of 8000x8000 make more than"},
         {{"-o", "x", "--background", "1,2,256"}, "--background: expected R,G,B, each 0 to 255, found \"1,2,256\""},
-        {{"-o", "x", "--background", ""}, "--background: expected R,G,B or the name of a picture"},
         {{"-o", "x", "--post-fx", "glow"}, "--post-fx: no post-effect \"glow\"; there are bloom, heat,"},
         {{"-o", "x", "--post-fx", "heat", "--no-post-fx"}, "--post-fx excludes --no-post-fx"},
-        {{"-o", "x", "--target-velocity", "1,0,0"}, "--target-velocity: there is no --target"},
     };
     for (const auto &row : rows) {
         std::vector<std::string> line = {"render", "a.vro"};

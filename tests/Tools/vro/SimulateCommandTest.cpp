@@ -88,32 +88,23 @@ TEST(Simulate, PrintsTheRingOfEachLayer)
 {
     const Theatre theatre(Layer(Point_Spawner()) + ", " + Layer(Plugin("Code Spawner"), "", "caf\xc3\xa9 \\\"x\\\""));
     const Json frames =
-        theatre.Frames(25, {"--report", "25,3", "--channels", "Age,Position,ID,Number,Color,Size,UV,Flags,Render"});
+        theatre.Frames(25, {"--report", "25,3", "--channels", "Age,Position,Number,Color,Flags,Render"});
     ASSERT_EQ(frames.size(), 2u);
     EXPECT_EQ(frames[0]["frame"], 3);
     EXPECT_EQ(frames[1]["frame"], 25);
     EXPECT_FLOAT_EQ(frames[1]["time"].get<float>(), 2.5f);
     ASSERT_EQ(frames[1]["layers"].size(), 2u);
     const Json &layer = frames[1]["layers"][0];
-    std::vector<std::string> keys;
-    for (const auto &item : layer.items()) keys.push_back(item.key());
-    EXPECT_THAT(keys, ElementsAre("renderable", "layer", "name", "capacity", "active", "head", "tail", "state",
-                                  "visible", "bounds", "channels"));
-    EXPECT_EQ(layer["name"], "dots");
-    EXPECT_EQ(layer["state"], 1);
     const int active = layer["active"];
     EXPECT_NEAR(active, 20, 1);
     EXPECT_EQ((layer["head"].get<int>() + active - 1) % layer["capacity"].get<int>(), layer["tail"]);
     EXPECT_EQ(layer["visible"], active);
-    EXPECT_EQ(layer["channels"].size(), 9u);
     for (const auto &channel : layer["channels"].items())
         EXPECT_EQ(channel.value().size(), size_t(active)) << channel.key();
     const auto ages = layer["channels"]["Age"].get<std::vector<float>>();
     EXPECT_TRUE(std::is_sorted(ages.rbegin(), ages.rend())) << "the oldest is the first";
     EXPECT_EQ(layer["channels"]["Number"].back().get<int>() - layer["channels"]["Number"].front().get<int>(),
               active - 1);
-    EXPECT_EQ(layer["channels"]["Color"][0].size(), 4u);
-    EXPECT_THAT(layer["channels"]["Size"][0], ElementsAre(1.0, 1.0));
     EXPECT_EQ(frames[1]["layers"][1]["name"], "caf\xc3\xa9 \"x\"");
     EXPECT_EQ(frames[1]["layers"][1]["active"], 0);
 }
@@ -301,12 +292,4 @@ TEST(Simulate, ALayerThatFindsNoRoomHasNoVerticesInThatFrame)
     EXPECT_EQ(frames[0]["layers"][0]["vertices"].size(), frames[0]["layers"][0]["visible"].get<size_t>() * 4);
     EXPECT_GT(frames[0]["layers"][0]["visible"].get<int>(), 10000);
     EXPECT_THAT(frames[1]["layers"][0]["vertices"], IsEmpty());
-}
-
-TEST(Simulate, AnEffectThatEndsLeavesNothing)
-{
-    const Theatre theatre(Layer(Point_Spawner(R"({"name": "Stop Time", "value": 0.3})")));
-    const Json frames = theatre.Frames(20, {"--report", "2,20"});
-    EXPECT_GT(frames[0]["layers"][0]["active"].get<int>(), 0);
-    EXPECT_EQ(frames[1]["layers"][0]["active"], 0);
 }

@@ -4,7 +4,7 @@
 
 #include "MKLib/File/RAMFile.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <cstdio>
 #include <cstring>
@@ -12,16 +12,20 @@
 namespace MKTest
 {
 
-bool Read_Picture(PictureReader reader, const Bytes &bytes, vrPicture2D &picture, std::string &error)
+bool Read_Picture(const Bytes &bytes, vrPicture2D &picture, std::string &error)
 {
     const Reports reports;
     RAMFileClass file(bytes.data(), static_cast<int64_t>(bytes.size()));
     file.Open("picture", MKPlatform::FILE_OPEN_GENERIC_READ);
-    const bool isRead = reader(file, picture, error);
+    const bool isRead = Load_Picture(file, picture, error);
     EXPECT_TRUE(reports.Get_Asserts().empty()) << reports.Get_Text();
     return isRead;
 }
 
+namespace
+{
+
+/// The texels of the first level in rows from the top, each as eight digits "rrggbbaa", with a space between.
 std::string Texels(const vrPicture2D &picture)
 {
     std::string text;
@@ -33,6 +37,43 @@ std::string Texels(const vrPicture2D &picture)
         text += digits;
     }
     return text;
+}
+
+} // namespace
+
+void Expect_Texels(const std::vector<PictureRow> &rows)
+{
+    for (const PictureRow &row : rows) {
+        vrPicture2D picture;
+        std::string error;
+        EXPECT_TRUE(Read_Picture(row.File, picture, error)) << row.What << ": " << error;
+        EXPECT_THAT(Texels(picture), testing::StartsWith(row.Expected)) << row.What;
+    }
+}
+
+void Expect_Refused(const std::vector<PictureRow> &rows)
+{
+    for (const PictureRow &row : rows) {
+        vrPicture2D picture;
+        std::string error;
+        EXPECT_FALSE(Read_Picture(row.File, picture, error)) << row.What;
+        EXPECT_THAT(error, testing::HasSubstr(row.Expected)) << row.What;
+        EXPECT_TRUE(picture.Levels.empty()) << row.What;
+    }
+}
+
+void Expect_No_Prefixes(const std::vector<Bytes> &files)
+{
+    vrPicture2D picture;
+    std::string error;
+    for (const Bytes &file : files) {
+        ASSERT_TRUE(Read_Picture(file, picture, error)) << error;
+        for (auto end = file.begin(); end != file.end(); ++end) {
+            error.clear();
+            EXPECT_FALSE(Read_Picture({file.begin(), end}, picture, error)) << end - file.begin();
+            EXPECT_FALSE(error.empty()) << end - file.begin();
+        }
+    }
 }
 
 void Set_32(Bytes &bytes, size_t at, uint32_t value)

@@ -4,16 +4,25 @@
 #include "vrGraphics/drivercommon/vrPicture2D.h"
 
 #include <string>
+#include <vector>
 
 namespace MKTest
 {
 
 /// The reader's answer to bytes that stand in memory, which it gives without an assertion.
-using PictureReader = bool (*)(FileClass &file, vrPicture2D &picture, std::string &error);
-bool Read_Picture(PictureReader reader, const Bytes &bytes, vrPicture2D &picture, std::string &error);
+bool Read_Picture(const Bytes &bytes, vrPicture2D &picture, std::string &error);
 
-/// The texels of the first level in rows from the top, each as eight digits "rrggbbaa", with a space between.
-std::string Texels(const vrPicture2D &picture);
+/// A picture and the beginning of its texels, or of the reason why it is refused.
+struct PictureRow
+{
+    const char *What;
+    Bytes File;
+    const char *Expected;
+};
+void Expect_Texels(const std::vector<PictureRow> &rows);
+void Expect_Refused(const std::vector<PictureRow> &rows);
+/// Whole files are pictures, and none of their prefixes is.
+void Expect_No_Prefixes(const std::vector<Bytes> &files);
 
 /// The 18 bytes of a TGA header without palette and name.
 Bytes Tga_Header(int kind, int width, int height, int bits, int descriptor);

@@ -113,13 +113,6 @@ TEST(Emitter, TheNameIsThatOfTheFileAndNotTheOneInIt)
     EXPECT_EQ(text.find("old"), std::string::npos);
 }
 
-TEST(Emitter, RenderablesKnowTheEmittersName)
-{
-    const LoadedEmitter loaded = Load_Emitter(Small_File(), "dir\\smoke.vro");
-    EXPECT_EQ(loaded.Group_At(0).Get_Emitter(), loaded.emitter.Get());
-    EXPECT_EQ(loaded.Group_At(0).Get_Parent_Name(), "smoke");
-}
-
 TEST(Emitter, RemovalWhenDepletedIsComputedWhateverTheFileSays)
 {
     const LoadedEmitter loaded = Load_Emitter(Build(Emitter({Micros(0x1502, {{0, false}, {1, 4.0f}})})));
@@ -171,20 +164,6 @@ TEST(Emitter, IndicesOutOfRangeGiveNull)
         EXPECT_EQ(loaded.Group_At(0).Get_Light(index), nullptr);
         EXPECT_EQ(loaded.Group_At(0).Get_Modifier(index), nullptr);
     }
-}
-
-TEST(Emitter, FlagsTellWhatItsRenderablesHave)
-{
-    const LoadedEmitter plain = Load_Emitter(Build(Emitter({Group({Block("a")}), Model({Block("m")})})));
-    EXPECT_EQ(plain->Get_Emitter_Flags(), 0);
-    const LoadedEmitter simulated =
-        Load_Emitter(Build(Emitter({Group({Block("a", {{2, true}})}), Model({Block("m")})})));
-    EXPECT_EQ(simulated->Get_Emitter_Flags(), vrMKParticleEmitter::EMITTER_ALWAYS_SIMULATES);
-
-    // Adding copies the flag of what was added last.
-    const SmartPtr<vrMKPModel> model(new vrMKPModel);
-    simulated->Add_Renderable(model.Get());
-    EXPECT_EQ(simulated->Get_Emitter_Flags(), 0);
 }
 
 TEST(Emitter, RenderablesAreAddedAndRemovedInPlace)
@@ -280,10 +259,6 @@ TEST(Emitter, AnInstanceCloneTakesTheProjectileAlone)
          {Group({Block("a"), Layer("x", 34, 27, 19, 22), Layer("y", 34, 27, 88, 22, {10, 87})})},
          false,
          true},
-        {"the first of the two",
-         {Group({Layer("y", 34, 27, 88, 22, {87})}), Group({Block("a", {}, {Plugin(0x1681, 86)})})},
-         false,
-         true},
         {"neither", {Group({Block("a", {}, {Plugin(0x1681, 84)}), Layer("x", 34, 27, 19, 22, {10})})}, false, false},
     };
     for (const auto &row : rows) {
@@ -332,34 +307,6 @@ TEST(Emitter, MisuseIsAsserted)
     EXPECT_EQ(reports.Get_Asserts(),
               (std::vector<std::string>{"reader == NULL", "writer == NULL", "pg != NULL", "other != NULL",
                                         "MKPRenderables.size() == 0", "reader == NULL", "writer == NULL"}));
-}
-
-TEST(Emitter, MemoryUsageCountsPluginsOnDemandAndGrowsWithTheEffect)
-{
-    const LoadedEmitter loaded = Load_Emitter(Rich_File());
-    const size_t bare = loaded->Get_Memory_Usage(false);
-    size_t plugins = 0;
-    const auto count = [&](const vrMKPPlugin *plugin) {
-        if (plugin) plugins += plugin->Get_Object_Size() + plugin->Get_Parameter_Memory();
-    };
-    const vrMKParticleGroup &group = loaded.Group_At(0);
-    const vrMKPModel &model = loaded.Get<vrMKPModel>(1);
-    for (const vrMKPPlugin *plugin :
-         {static_cast<vrMKPPlugin *>(group.Get_Physics()), static_cast<vrMKPPlugin *>(group.Get_Modifier(0)),
-          static_cast<vrMKPPlugin *>(group.Get_Light(0)), static_cast<vrMKPPlugin *>(group.Get_Light(1)),
-          static_cast<vrMKPPlugin *>(model.Get_Physics()), static_cast<vrMKPPlugin *>(model.Get_Killer())})
-        count(plugin);
-    for (int index = 0; index < group.Particle_Count(); ++index) {
-        const vrMKParticle &layer = *group.Get_Particle(index);
-        count(layer.Get_Spawner());
-        count(layer.Get_Transformer());
-        count(layer.Get_Stomper());
-        count(layer.Get_Visualizer());
-        for (int modifier = 0; modifier < layer.Get_Modifier_Count(); ++modifier) count(layer.Get_Modifier(modifier));
-    }
-    EXPECT_EQ(loaded->Get_Memory_Usage(true), bare + plugins);
-    EXPECT_GE(bare,
-              sizeof(vrMKParticleEmitter) + sizeof(vrMKParticleGroup) + sizeof(vrMKPModel) + 2 * sizeof(vrMKParticle));
 }
 
 } // namespace

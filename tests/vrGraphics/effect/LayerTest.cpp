@@ -55,13 +55,10 @@ TEST(Layer, ABadSlotGetsItsDefaultKindAndTheRestIsKept)
         const char *place;
     } rows[] = {
         {"spawner of an unknown kind", Plugin(1, 129), "spawner"},
-        {"spawner of a negative kind", Plugin(1, -1), "spawner"},
         {"stomper as spawner", Plugin(1, 19), "spawner"},
         {"transformer chunk with nothing in it", Parent(2, {}), "transformer"},
         {"visualizer as transformer", Plugin(2, 22), "transformer"},
         {"stomper whose chunk ends before the id", Parent(3, {Parent(1, {})}), "stomper"},
-        {"modifier as stomper", Plugin(3, 10), "stomper"},
-        {"spawner as visualizer", Plugin(4, 34), "visualizer"},
         {"visualizer with an unreadable id", Parent(4, {Bytes_Leaf(0, "ab")}), "visualizer"},
     };
     for (const auto &row : rows) {
@@ -137,18 +134,6 @@ TEST(Layer, FourObsoleteVisualizersBecomeTodaysWithTheBumpOn)
     }
 }
 
-TEST(Layer, OtherObsoleteKindsKeepTheirIds)
-{
-    const LoadedEmitter loaded =
-        Load_Layer({Plugin(1, 5), Plugin(3, 72), Plugin(4, 36), Plugin(5, 12), Plugin(5, 48), Plugin(5, 71)});
-    const LoadedEmitter again = Load_Emitter(Save_Emitter(*loaded.emitter));
-    const vrMKParticle &layer = again.Layer_At(0, 0);
-    EXPECT_EQ(Plugin_ID(layer.Get_Spawner()), 5);
-    EXPECT_EQ(Plugin_ID(layer.Get_Stomper()), 72);
-    EXPECT_EQ(Plugin_ID(layer.Get_Visualizer()), 36);
-    EXPECT_THAT(Modifier_IDs(layer), ElementsAre(12, 48, 71));
-}
-
 TEST(Layer, ALoadFinishesThePluginsItRead)
 {
     // 100 particles each 4 seconds, which only old files say, are 25 a second.
@@ -191,28 +176,6 @@ TEST(Layer, TheBulletModifierIsFoundThroughEveryChangeOfTheList)
     EXPECT_FALSE(layer->Remove_Modifier(-1));
 }
 
-TEST(Layer, PushedLevelsOfDetailReachARunningBufferOnly)
-{
-    const LoadedEmitter loaded = Load_Layer({Plugin(1, 34)});
-    vrMKParticle &layer = loaded.Layer_At(0, 0);
-    layer.Push_LOD(); // nothing runs
-    EXPECT_EQ(layer.Get_Buffer(), nullptr);
-
-    const SmartPtr<vrMKPBuffer> buffer(vrMKPBuffer::Create(1, "test"));
-    layer.Set_Buffer(buffer.Get());
-    layer.Get_Spawner()->Set_LOD(3);
-    layer.Get_Spawner()->Set_Min_Dynamic_LOD(0.25f);
-    layer.Get_Spawner()->Set_Dynamic_LOD_Near(100.0f);
-    layer.Get_Spawner()->Set_Dynamic_LOD_Far(900.0f);
-    EXPECT_EQ(buffer->GlobalLOD, 0);
-    EXPECT_EQ(buffer->DynamicLODFar, 10000.0f);
-    layer.Push_LOD();
-    EXPECT_EQ(buffer->GlobalLOD, 3);
-    EXPECT_EQ(buffer->MinDynamicLOD, 0.25f);
-    EXPECT_EQ(buffer->DynamicLODNear, 100.0f);
-    EXPECT_EQ(buffer->DynamicLODFar, 900.0f);
-}
-
 TEST(Layer, AScreenSpaceTransformerTellsTheGroupThatItNeedsTheCamera)
 {
     const LoadedEmitter loaded = Load_Emitter(Build(Emitter(
@@ -251,16 +214,6 @@ TEST(Layer, ACloneSharesPluginsAndInTheEditorOwnsThem)
     }
 }
 
-TEST(Layer, AnEditOfACloneInTheEditorLeavesTheSourceAlone)
-{
-    const EditorMode mode(true);
-    const LoadedEmitter loaded = Load_Emitter(Small_File());
-    const SmartPtr<vrMKParticle> clone(loaded.Layer_At(0, 0).Clone());
-    EXPECT_EQ(Float_Value(*clone->Get_Spawner(), "Particles / Second"), 12.5f);
-    clone->Get_Spawner()->Set_LOD(4);
-    EXPECT_EQ(loaded.Layer_At(0, 0).Get_Spawner()->Get_LOD(), 0);
-}
-
 TEST(Layer, ALoadReplacesAllButTheName)
 {
     const SmartPtr<vrMKParticle> layer(new vrMKParticle);
@@ -290,15 +243,6 @@ TEST(Layer, LayersOutliveTheirGroupWithoutPointingAtIt)
         EXPECT_EQ(layer->Get_Group(), &loaded.Group_At(0));
     }
     EXPECT_EQ(layer->Get_Group(), nullptr);
-}
-
-TEST(Layer, ANullReaderOrWriterAsserts)
-{
-    const Reports reports;
-    const SmartPtr<vrMKParticle> layer(new vrMKParticle);
-    EXPECT_FALSE(layer->Load(nullptr));
-    EXPECT_FALSE(layer->Save(nullptr));
-    EXPECT_EQ(reports.Get_Asserts(), (std::vector<std::string>{"reader == NULL", "writer == NULL"}));
 }
 
 } // namespace

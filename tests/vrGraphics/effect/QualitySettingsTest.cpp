@@ -205,11 +205,9 @@ TEST(LODSettings, FallBackToTheDefaultsForABadFile)
         std::string text;
     } rows[] = {
         {"no XML", "<LODSettings>"},
-        {"another root", "<Settings/>"},
         {"no number", "<LODSettings><FarDistance>far</FarDistance></LODSettings>"},
         {"no distance", "<LODSettings><NearDistance>inf</NearDistance></LODSettings>"},
         {"no name", "<LODSettings><Model/></LODSettings>"},
-        {"no quality", With_Model("<Static/>")},
         {"quality too high", With_Model("<Static Quality=\"5\"/>")},
         {"level too high", With_Model("<Static Quality=\"4\"><Setting Distance=\"1\" LOD=\"5\"/></Static>")},
         {"level without a distance", With_Model("<Static Quality=\"4\"><Setting LOD=\"1\"/></Static>")},

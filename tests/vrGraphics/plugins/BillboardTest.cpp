@@ -53,9 +53,6 @@ TEST(Billboard, TurnsSizesAndPlacesItsCornersByHand)
     };
     const Case cases[] = {
         // (x, y) becomes (-y, x).
-        {"a quarter turn",
-         [](VisualizerStage &s) { s.Get_Buffer().Rotation[0] = QUARTER_TURN; },
-         {{-1, -2, 0}, {1, -2, 0}, {1, 2, 0}, {-1, 2, 0}}},
         {"half a turn, and more than one in the attribute",
          [](VisualizerStage &s) { s.Get_Buffer().Rotation[0] = 4096 + 2048; },
          {{2, -1, 0}, {2, 1, 0}, {-2, 1, 0}, {-2, -1, 0}}},
@@ -188,30 +185,6 @@ TEST(Billboard, DrawsNothingOfWhatIsNotThere)
     EXPECT_TRUE(reports.Has_Assert("data != NULL")) << reports.Get_Text();
 }
 
-TEST(Billboard, OfTheNullAndObsoleteKindsNeverShows)
-{
-    for (const int kind : {kvrMKPKiteVisualizer, kvrMKPLineVisualizer, kvrMKPVolumetricVisualizer,
-                           kvrMKPBumpMapVisualizer, kvrMKPObsoleteSphericalBumpVisualizer,
-                           kvrMKPObsoleteCylindricalBumpVisualizer, kvrMKPObsoleteCenterToVertBumpVisualizer})
-    {
-        VisualizerStage stage(kind);
-        stage.Add(Vector3(0.0f));
-        EXPECT_TRUE(stage.Build<vrLitVertex>().empty()) << Plugin_Label(kind);
-        EXPECT_EQ(stage.Get_Buffer().VisibleCount, 1) << Plugin_Label(kind);
-    }
-    const SmartPtr<vrMKPPlugin> null = Make_Plugin(kvrMKPNULLVisualizer);
-    const auto &visualizer = static_cast<const vrMKPVisualizer &>(*null);
-    BufferBuilder built;
-    built.Add();
-    EXPECT_EQ(SmartPtr<vrMKPBufferPluginData>(visualizer.Create_Buffer_Data(built.State)), nullptr);
-    EXPECT_EQ(visualizer.Get_Render_Phase(), vrRenderPhaseEnum::Opaque);
-    EXPECT_FALSE(visualizer.Is_Render_Mode_Enabled(VR_RENDER_MODE_NORMAL));
-    vrPreRenderContext context;
-    visualizer.Select_Visible_Particles(*built.Buffer, context);
-    EXPECT_EQ(built.Buffer->VisibleCount, 1);
-    visualizer.Pre_Visualize(*built.Buffer, context);
-}
-
 TEST(Scratch, LogsTheKindThatFindsNoRoomAndRecovers)
 {
     const struct
@@ -227,6 +200,11 @@ TEST(Scratch, LogsTheKindThatFindsNoRoomAndRecovers)
         {kvrMKPSphericalBumpVisualizer, "vrMKPSphericalBumpVisualizer", 240},
         {kvrMKPCylindricalBumpVisualizer, "vrMKPCylindricalBumpVisualizer", 240},
         {kvrMKPCenterToVertBumpVisualizer, "vrMKPCenterToVertBumpVisualizer", 240},
+        {kvrMKPVelocityAlignedVisualizer, "vrMKPVelocityAlignedVisualizer", 144},
+        {kvrMKPVelocityAlignedWorldSpaceVisualizer, "vrMKPVelocityAlignedWorldSpaceVisualizer", 144},
+        {kvrMKPVelocityAlignedNormalVisualizer, "vrMKPVelocityAlignedNormalVisualizer", 144},
+        {kvrMKPVelocityAlignedPlanarVisualizer, "vrMKPVelocityAlignedPlanarVisualizer", 144},
+        {kvrMKPAxisAlignedVisualizer, "vrMKPAxisAlignedVisualizer", 144},
     };
     for (const auto &row : kinds) {
         SCOPED_TRACE(row.name);
@@ -301,17 +279,6 @@ TEST(Sorting, StopsAtAnAge)
     }
 }
 
-TEST(Sorting, OneAloneNotesItsPlaceForLater)
-{
-    VisualizerStage stage(kvrMKPBillboardVisualizer);
-    stage.Set("Sort", true);
-    stage.Built.State.Move_To(Mat3DClass::From_Translation({0, 0, 1}));
-    stage.Add({0, 0, 2});
-    stage.Get_Buffer().SortingRelativeToGroup[0] = -1e6f; // of whoever was in the slot before
-    EXPECT_EQ(stage.Build<vrLitVertex>().size(), 4u);
-    EXPECT_EQ(stage.Get_Buffer().SortingRelativeToGroup[0], 17.0f); // 81 - 64
-}
-
 // Around the count up to which entries are shifted about, and far beyond it; with keys of both signs, of all
 // magnitudes, and many that are equal, which keep their order.
 TEST(Sorting, AgreesWithAStableSort)
@@ -351,7 +318,6 @@ TEST(Colors, TakeTheirPathByHand)
         // n / 255 of 1024 steps, rounded, and then 255 of those, truncated: 1 is 4.02 of 1024, 4 of which are 0.996 of
         // 255; 2 is 8.03, 1.99; 3 is 12.05, 2.99; 100 is 401.57, and 402 are 100.1. Alpha stays.
         {"plain", 1, white, 1, one, true, Pack_Color(1, 2, 3, 3), Pack_Color(0, 1, 2, 3)},
-        {"plain too", 1, white, 1, one, true, Pack_Color(0, 100, 255, 255), Pack_Color(0, 100, 255, 255)},
         // 201 times a half is 100.5. Alpha: 255 times a half times a half is 63.75.
         {"multiplied",
          1,
@@ -361,15 +327,6 @@ TEST(Colors, TakeTheirPathByHand)
          true,
          Pack_Color(201, 100, 255, 255),
          Pack_Color(100, 100, 0, 63)},
-        {"in the scene", 1, white, 1, {0.5f, 1, 1}, true, Pack_Color(201, 100, 255, 7), Pack_Color(100, 100, 255, 7)},
-        {"not of the scene",
-         1,
-         white,
-         1,
-         {0.5f, 1, 1},
-         false,
-         Pack_Color(100, 100, 255, 7),
-         Pack_Color(100, 100, 255, 7)},
         {"past white, and past black",
          1,
          {1.5f, -1, 1, 2},

@@ -48,7 +48,6 @@ TEST(Bounds, HoldTheParticlesAsTheyAreDrawn)
         // From 0 - 2 to 10 + 5.
         {"plain", PARTICLE_SCALE_NONE, 1, 1, 1, {6.5f, 0, 0}, {8.5f, 5, 5}, {5, 0, 0}},
         // From 0 - 4 to 10 + 10.
-        {"multiplied", PARTICLE_SCALE_NONE, 2, 1, 1, {8, 0, 0}, {12, 10, 10}, {5, 0, 0}},
         // The size scale of 3 comes to it: from 10 - 30 to 10 + 30.
         {"scaled at spawn", PARTICLE_SCALE_AT_SPAWN, 2, 1, 1, {10, 0, 0}, {30, 30, 30}, {5, 0, 0}},
         // The plain box times 2, and 1 along x.
@@ -90,17 +89,6 @@ TEST(Bounds, EmptyLayerIsAPointAtItsRenderable)
     EXPECT_EQ(bounds.Center, Vector3(1.0f, 2.0f, 3.0f));
     EXPECT_EQ(bounds.Extent, Vector3(0.0f));
     EXPECT_EQ(built.Buffer->Centroid, Vector3(7.0f, 0.0f, 0.0f));
-}
-
-TEST(Bounds, InvalidOnesAreReported)
-{
-    const Reports reports;
-    BufferBuilder built;
-    built.Add({std::numeric_limits<float>::infinity(), 0.0f, 0.0f});
-    vrBounds bounds;
-    Make_Billboard()->Compute_Bounds(*built.Buffer, &bounds);
-    EXPECT_EQ(reports.Count_Asserts("set_bounds->Center.Is_Valid()"), 1);
-    EXPECT_EQ(reports.Count_Asserts("set_bounds->Extent.Is_Valid()"), 1);
 }
 
 // The same particles in rings that wrap elsewhere, added in runs of other lengths, give the same bits.

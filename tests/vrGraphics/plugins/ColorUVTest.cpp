@@ -119,17 +119,13 @@ TEST(ColorModifiers, WriteWhatTheirFormulasSay)
         std::vector<int> expected; ///< at a time of 0.25
     } rows[] = {
         {"a quarter of the way", 8, {{"Start Color", CLEAR}, {"End Color", end}}, {63, 32, 16, 2}},
-        {"the way down", 8, {{"Start Color", RGBAClass()}, {"End Color", CLEAR}}, {191, 191, 191, 191}},
         {"smooth: 2.5 / 16", 8, {{"Start Color", CLEAR}, {"End Color", end}, smooth}, {39, 20, 10, 1}},
-        {"past the end", 8, {{"Start Color", CLEAR}, {"End Color", end}, {"End Time", 0.2f}}, {255, 128, 64, 10}},
         {"truncated", 59, {{"Color", RGBAClass{0.5f, 0.999f, 0.0f, 1.0f}}}, {127, 254, 0, 255}},
         {"257 and -127 wrap", 59, {{"Color", RGBAClass{1.01f, -0.5f, 0.0f, 1.0f}}}, {1, 129, 0, 255}},
         {"keyed", 17, {{"Color", curve}}, {63, 31, 0, 191}},
         {"keyed and smooth", 17, {{"Color", curve}, smooth}, {39, 19, 0, 215}},
         {"keyed by the dynamic parameter", 17, {{"Color", curve}, {"Time Axis", 1.0f}}, {127, 63, 0, 127}},
-        {"an axis that isn't listed", 17, {{"Color", curve}, {"Time Axis", 9.0f}}, {63, 31, 0, 191}},
         {"without keys", 17, {}, {255, 255, 255, 255}},
-        {"without keys by the parameter", 17, {{"Time Axis", 1.0f}}, {255, 255, 255, 255}},
     };
     for (const auto &row : rows) {
         BufferBuilder buffer;
@@ -162,12 +158,10 @@ TEST(PositionalColors, MultiplyByWhatTheirFormulasSay)
         vrColor before = VR_WHITE;
     } rows[] = {
         {"keyed, 2.5 of 10 from the group", 77, {0, 0, 102.5f}, keyed, {63, 63, 63, 255}},
-        {"keyed, smooth", 77, {0, 0, 102.5f}, smooth, {39, 39, 39, 255}},
         {"200 * 63 / 255", 77, {0, 0, 102.5f}, keyed, {49, 24, 0, 7}, Pack_Color(200, 100, 1, 7)},
         {"keyed, ahead of the keys", 77, {0, 0, 50}, keyed, {0, 0, 0, 255}},
         {"without keys", 77, {0, 0, 105}, {}, {1, 2, 3, 4}, Pack_Color(1, 2, 3, 4)},
         {"near side: (5 - 10) / -20", 110, {5, 5, 0}, {}, {191, 191, 191, 191}},
-        {"past the far end", 110, {5, -11, 0}, {}, {0, 0, 0, 0}},
         {"15 from the camera", 117, {5, 10, 84}, {{"Far Depth", 30.0f}}, {191, 191, 191, 191}},
         {"depths without a span", 117, {5, 10, 84}, {{"Far Depth", 10.0f}}, {0, 0, 0, 0}},
         {"radial, 4 on 2 to 6", 81, {1, 2, 7}, radii, {191, 191, 191, 255}},
@@ -180,10 +174,8 @@ TEST(PositionalColors, MultiplyByWhatTheirFormulasSay)
         {"across, without a wrap", 80, {1, 5, 3}, {{"Light Wrap", 1.0f}}, {96, 96, 96, 255}},
         {"0.6 toward the sun", 80, {4, 2, 7}, {}, {223, 223, 223, 255}},
         {"a cylinder has no height", 79, {4, 2, 7}, {}, {255, 255, 255, 255}},
-        {"the axis of the cylinder", 79, {1, 2, 7}, {}, {175, 175, 175, 255}},
         {"a quarter of the shadow", 79, {-2, 2, 3}, {{"Particle Count", 4.0f}}, {215, 215, 215, 255}},
         {"no more than the shadow", 80, {-2, 2, 3}, {{"Particle Count", 1.0f}}, {96, 96, 96, 255}},
-        {"in the light, halved", 80, {4, 2, 3}, {{"Light Color", GRAY}}, {50, 64, 100, 128}, 0xffc88064},
     };
     for (const auto space : {MKP_TRANSFORM_WORLD, MKP_TRANSFORM_LOCAL, MKP_TRANSFORM_SCREEN})
         for (const auto &row : rows) {
@@ -331,22 +323,17 @@ TEST(UVModifiers, KeysHoldUntilTheNextOne)
         uint32_t id;
         Vector4 expected;
     } rows[] = {
-        {"ahead of all keys", {}, 0.1f, 0, first},
         {"between", {}, 0.7f, 0, first},
-        {"on a key", {}, 0.75f, 0, second},
         {"past all keys", {}, 2.0f, 0, second},
         {"no time", {}, NOT_A_NUMBER, 0, second},
         {"a loop ahead of all keys: 0.2", {{"Loop Count", 2.0f}}, 0.1f, 0, second},
         {"in the second loop: 1.5", {{"Loop Count", 2.0f}}, 0.75f, 0, first},
-        {"in the second loop, ahead: 1.1", {{"Loop Count", 2.0f}}, 0.55f, 0, second},
         {"a loop below zero: -0.5", {{"Loop Count", -1.0f}}, 0.5f, 0, first},
-        {"random start, none", {{"Random Start Key", 1.0f}}, 0.1f, 0, second},
         {"random start at 0.5: 0.6", {{"Random Start Key", 1.0f}}, 0.1f, 0x58000, first},
         {"random start, all loops: 1.2", {{"Random Start Key", 1.0f}, {"Loop Count", 2.0f}}, 0.1f, 32768, second},
         {"3 seconds of 8", {{GLOBAL, 1.0f}, {LENGTH, 8.0f}}, 0.1f, 0, first},
         {"3 seconds of 4", {{GLOBAL, 1.0f}, {LENGTH, 4.0f}}, 0.1f, 0, second},
         {"and 0.5 more: 1.25", {{GLOBAL, 1.0f}, {LENGTH, 4.0f}, {"Random Start Key", 1.0f}}, 0, 32768, first},
-        {"seconds of none", {{GLOBAL, 1.0f}, {LENGTH, 0.0f}}, 0.5f, 0, second},
     };
     for (const auto &row : rows) {
         const auto plugin = Make_Modifier(18, row.values);
@@ -376,6 +363,10 @@ TEST(UVModifiers, SlotsGoToNewParticles)
         Modify(*plugin, buffer); // without a list
         for (const int slot : {4, 5, 0, 1, 2}) EXPECT_EQ(buffer.Buffer->UV[slot].x, 9.0f);
         Parameter_Of<UVListParameterClass>(*plugin, "Slot UV Coordinates").Set_Value(list);
+        const auto &modifier = dynamic_cast<const vrMKPModifier &>(*plugin);
+        EXPECT_FALSE(modifier.Needs_Serial_Frame());
+        const SmartPtr<vrMKPPlugin> other = plugin; // turns that are shared go one after the other
+        EXPECT_EQ(modifier.Needs_Serial_Frame(), id == 73);
         Modify(*plugin, buffer);
         int number = 0;
         for (const int slot : {4, 5, 0, 1, 2}) EXPECT_EQ(Rectangle_Of(buffer, slot), list[number++ % 3]) << id;
@@ -385,16 +376,6 @@ TEST(UVModifiers, SlotsGoToNewParticles)
         EXPECT_EQ(Rectangle_Of(buffer, 3), list[id == 73 ? 2 : 0]);
         EXPECT_EQ(Rectangle_Of(buffer, 4), list[0]);
     }
-}
-
-TEST(UVModifiers, TurnsThatAreSharedGoOneAfterTheOther)
-{
-    const auto slotted = Make_Plugin(73);
-    const auto &modifier = dynamic_cast<const vrMKPModifier &>(*slotted);
-    Parameter_Of<UVListParameterClass>(*slotted, "Slot UV Coordinates").Set_Value({Vector4(1), Vector4(2)});
-    EXPECT_FALSE(modifier.Needs_Serial_Frame());
-    const SmartPtr<vrMKPPlugin> other = slotted;
-    EXPECT_TRUE(modifier.Needs_Serial_Frame());
 }
 
 TEST(UVModifiers, RandomOffsetsAddUpAndConstantsStay)
@@ -423,9 +404,7 @@ TEST(SequencedUV, ShowsWhatItsFormulaSays)
         uint32_t id;
         Vector4 expected;
     } rows[] = {
-        {"frame 9 of 8 by 8 cells", sheet, {}, 9.5f, 0, {1, 1, 1, 1}},
         {"all over again", sheet, {}, 13.5f, 0, {3, 0, 1, 1}},
-        {"from cell 34", {2, 4, 1, 1}, {}, 0, 0, {2, 4, 1, 1}},
         {"6 on from cell 34", {2, 4, 1, 1}, {}, 6, 0, {0, 5, 1, 1}},
         {"past the last cell", {6, 7, 1, 1}, {}, 3, 0, {1, 0, 1, 1}},
         {"off the grid by 0.4 cells", {2.4f, 0, 1, 1}, {}, 6, 0, {0.4f, 1, 1, 1}},
@@ -435,8 +414,6 @@ TEST(SequencedUV, ShowsWhatItsFormulaSays)
         {"a mirrored cell names its far edge", {2, 2, -1, -1}, {}, 1, 0, {3, 2, -1, -1}},
         {"flipped by bit 0", sheet, {{"Random Flip", 1.0f}}, 1, 1, {2, 0, -1, 1}},
         {"flipped by bit 4", sheet, {{"Random Flip", 1.0f}}, 1, 0x10, {1, 1, 1, -1}},
-        {"not flipped by others", sheet, {{"Random Flip", 1.0f}}, 1, ~0x11u, {1, 0, 1, 1}},
-        {"mirrored and not flipped", {1, 0, -1, 1}, {{"Random Flip", 1.0f}}, 1, 0, {1, 0, -1, 1}},
         {"mirrored and flipped", {1, 0, -1, 1}, {{"Random Flip", 1.0f}}, 1, 1, {2, 0, 1, 1}},
         {"floor(0.5 * 9) on", sheet, {{"Random Start", 1.0f}}, 1, 32768, {5, 0, 1, 1}},
         {"0.31 of 20 frames", sheet, {{"Normalized Time", 1.0f}, {"Num Loops", 2.0f}}, 0.31f, 0, {6, 0, 1, 1}},
@@ -447,10 +424,7 @@ TEST(SequencedUV, ShowsWhatItsFormulaSays)
         {"cell -1", {-1, 0, 1, 1}, {}, 0, 0, {7, -1, 1, 1}},
         {"frame 7 * 2857143 + 3", sheet, {{"Num Frames", 7.0f}}, 20000004.0f, 0, {3, 0, 1, 1}},
         {"no frames", sheet, {{"Num Frames", 0.0f}}, 1, 0, before},
-        {"negative frames", sheet, {{"Num Frames", -3.0f}}, 1, 0, before},
-        {"no width", {0, 0, 0, 1}, {}, 1, 0, before},
         {"no place", {NOT_A_NUMBER, 0, 1, 1}, {}, 1, 0, before},
-        {"no rate", sheet, {{"Frame Rate", NOT_A_NUMBER}}, 1, 0, before},
         {"no age", sheet, {}, NOT_A_NUMBER, 0, before},
     };
     for (const auto &row : rows) {
@@ -537,45 +511,4 @@ TEST(ColorsAndUVs, OfARingThatWrapsAreThoseOfEachParticleByItself)
             ASSERT_EQ(Rectangle_Of(ring, slot), Rectangle_Of(one, alone)) << id << " particle " << number;
         }
     }
-}
-
-TEST(ColorsAndUVs, BadValuesDoNoHarm)
-{
-    constexpr float BAD[] = {NOT_A_NUMBER,
-                             std::numeric_limits<float>::infinity(),
-                             -std::numeric_limits<float>::infinity(),
-                             3e38f,
-                             -3e38f,
-                             1e-40f,
-                             0.0f,
-                             -0.0f};
-    constexpr int32_t BAD_COUNTS[] = {0, -1, 1, std::numeric_limits<int32_t>::max(),
-                                      std::numeric_limits<int32_t>::min()};
-    for (const int id : COLORS_AND_UVS)
-        for (const float bad : BAD)
-            for (const float value : BAD)
-                for (const int32_t count : BAD_COUNTS) {
-                    SmartPtr<vrMKPPlugin> plugin = Make_Plugin(id);
-                    for (int index = 0; index < plugin->Get_Parameters().Get_Parameter_Count(); ++index) {
-                        ParameterClass *parameter = plugin->Get_Parameters().Get_Parameter(index);
-                        if (auto *whole = dynamic_cast<RangedIntParameter *>(parameter)) whole->Set_Value(count);
-                        if (auto *real = dynamic_cast<RangedFloatParameter *>(parameter)) real->Set_Value(bad);
-                        if (auto *flag = dynamic_cast<BoolParameter *>(parameter)) flag->Set_Value(count > 0);
-                        if (auto *axis = dynamic_cast<Vector3Parameter *>(parameter)) axis->Set_Value(Vector3(bad));
-                        if (auto *color = dynamic_cast<RGBAParameter *>(parameter))
-                            color->Set_Value({bad, value, bad, value});
-                        if (auto *start = dynamic_cast<UVParameter *>(parameter))
-                            start->Set_Value({bad, 0.0f, value, 0.1f});
-                        if (auto *colors = dynamic_cast<KeyedRGBAParameter *>(parameter))
-                            colors->Add_Key(bad, {value, value, value, value});
-                        if (auto *rectangles = dynamic_cast<KeyedUVParameter *>(parameter))
-                            rectangles->Add_Key(bad, Vector4(value));
-                    }
-                    BufferBuilder buffer;
-                    buffer.State.HasSun = true;
-                    buffer.State.RunningTime = value;
-                    for (const float time : BAD) buffer.Add(Vector3(value), {}, time);
-                    Modify(*plugin, buffer);
-                    EXPECT_EQ(buffer.Buffer->ActiveCount, static_cast<int>(std::size(BAD))) << id;
-                }
 }

@@ -3,13 +3,8 @@
 #include "PluginBuilders.h"
 #include "common/Reports.h"
 
-#include "vrGraphics/particle/MKPAttributes.h"
-#include "vrGraphics/plugins/lights/vrMKPLightSourceController.h"
-#include "vrGraphics/plugins/modifiers/vrMKPModifier.h"
-#include "vrGraphics/plugins/renderables/vrMKPRenderablePhysics.h"
 #include "vrGraphics/plugins/spawners/vrMKPSpawner.h"
 #include "vrGraphics/plugins/stompers/vrMKPStomper.h"
-#include "vrGraphics/plugins/transformers/vrMKPTransformer.h"
 #include "vrGraphics/plugins/visualizers/vrMKPVisualizer.h"
 #include "MKLib/ChunkFile/ChunkFileReader.h"
 #include "MKLib/ChunkFile/ChunkFileWriter.h"
@@ -18,7 +13,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <map>
 #include <set>
 
@@ -38,52 +32,6 @@ const ParameterClass &Parameter_At(const vrMKPPlugin &plugin, int index)
     return *plugin.Get_Parameters().Get_Parameter(index);
 }
 
-/// Whether the object is of its family's base class.
-bool Is_Of_Family(const vrMKPPlugin &plugin)
-{
-    switch (plugin.Get_Plugin_Type()) {
-    case vrMKPPlugin::SPAWNER_PLUGIN: return dynamic_cast<const vrMKPSpawner *>(&plugin);
-    case vrMKPPlugin::MODIFIER_PLUGIN: return dynamic_cast<const vrMKPModifier *>(&plugin);
-    case vrMKPPlugin::STOMPER_PLUGIN: return dynamic_cast<const vrMKPStomper *>(&plugin);
-    case vrMKPPlugin::TRANSFORMER_PLUGIN: return dynamic_cast<const vrMKPTransformer *>(&plugin);
-    case vrMKPPlugin::VISUALIZER_PLUGIN: return dynamic_cast<const vrMKPVisualizer *>(&plugin);
-    case vrMKPPlugin::RENDERABLE_PHYSICS_PLUGIN: return dynamic_cast<const vrMKPRenderablePhysics *>(&plugin);
-    case vrMKPPlugin::RENDERABLE_MODIFIER_PLUGIN:
-    case vrMKPPlugin::RENDERABLE_KILLER_PLUGIN: return dynamic_cast<const vrMKPRenderableModifier *>(&plugin);
-    case vrMKPPlugin::LIGHT_CONTROLLER_PLUGIN: return dynamic_cast<const vrMKPLightSourceController *>(&plugin);
-    case vrMKPPlugin::NO_PLUGIN_TYPE: break;
-    }
-    return false;
-}
-
-using Categories = std::set<vrMKPPlugin::Category>;
-
-Categories Categories_Of(vrMKPPlugin::PluginType family)
-{
-    switch (family) {
-    case vrMKPPlugin::SPAWNER_PLUGIN: return {vrMKPPlugin::CATEGORY_CREATOR};
-    case vrMKPPlugin::MODIFIER_PLUGIN:
-        return {vrMKPPlugin::CATEGORY_SIZE,  vrMKPPlugin::CATEGORY_PHYSICS, vrMKPPlugin::CATEGORY_ROTATION,
-                vrMKPPlugin::CATEGORY_COLOR, vrMKPPlugin::CATEGORY_UV,      vrMKPPlugin::CATEGORY_TIME};
-    case vrMKPPlugin::STOMPER_PLUGIN: return {vrMKPPlugin::CATEGORY_KILLER};
-    case vrMKPPlugin::TRANSFORMER_PLUGIN: return {vrMKPPlugin::CATEGORY_TRANSLATER};
-    case vrMKPPlugin::VISUALIZER_PLUGIN: return {vrMKPPlugin::CATEGORY_RENDERER};
-    case vrMKPPlugin::RENDERABLE_PHYSICS_PLUGIN: return {vrMKPPlugin::CATEGORY_RENDERABLE_PHYSICS};
-    case vrMKPPlugin::RENDERABLE_MODIFIER_PLUGIN: return {vrMKPPlugin::CATEGORY_RENDERABLE_MISC};
-    case vrMKPPlugin::RENDERABLE_KILLER_PLUGIN:
-    case vrMKPPlugin::LIGHT_CONTROLLER_PLUGIN: return {vrMKPPlugin::CATEGORY_RENDERABLE_KILLER};
-    case vrMKPPlugin::NO_PLUGIN_TYPE: break;
-    }
-    return {};
-}
-
-/// A plugin that the factory didn't make.
-class LoosePlugin final : public vrMKPPlugin
-{
-public:
-    size_t Get_Object_Size() const override { return sizeof(*this); }
-};
-
 class EveryPlugin : public testing::TestWithParam<int>
 {
 };
@@ -96,19 +44,6 @@ std::string Test_Name(const testing::TestParamInfo<int> &info)
 INSTANTIATE_TEST_SUITE_P(PluginTable, EveryPlugin, testing::ValuesIn(All_Plugin_IDs()), Test_Name);
 
 } // namespace
-
-TEST_P(EveryPlugin, IsMadeUnclaimedWithItsIdAndOfItsFamily)
-{
-    vrMKPPlugin *fresh = vrMKPPlugin::Create_Plugin(static_cast<uint32_t>(GetParam()));
-    ASSERT_NE(fresh, nullptr);
-    EXPECT_EQ(fresh->Get_Ref_Count(), 0);
-    const SmartPtr<vrMKPPlugin> plugin = fresh;
-    EXPECT_EQ(plugin->Get_Plugin_Class(), GetParam());
-    EXPECT_TRUE(Is_Of_Family(*plugin));
-    EXPECT_TRUE(Categories_Of(plugin->Get_Plugin_Type()).contains(plugin->Get_Category()));
-    EXPECT_GE(plugin->Get_Object_Size(), sizeof(vrMKPPlugin));
-    EXPECT_EQ((plugin->Get_Read_Attributes() | plugin->Get_Write_Attributes()) >> MKP_ATTRIBUTE_COUNT, 0u);
-}
 
 TEST_P(EveryPlugin, HasParametersWithIdsAndTextsOfTheirOwn)
 {
@@ -181,20 +116,6 @@ TEST(PluginTable, HasNoKindBeyondTheLast)
     EXPECT_EQ(reports.Get_Text(), "");
 }
 
-TEST(PluginTable, MarksThirteenKindsAsObsoleteWhateverTheNamesSay)
-{
-    std::set<int> obsolete;
-    std::set<int> named;
-    for (const int id : All_Plugin_IDs()) {
-        if (Make_Plugin(id)->Is_Obsolete()) obsolete.insert(id);
-        if (std::strstr(Find_Plugin_Info(id)->Name, "(OBSOLETE)")) named.insert(id);
-    }
-    EXPECT_EQ(obsolete, (std::set{0, 1, 2, 3, 4, 5, 6, 12, 36, 48, 49, 70, 71}));
-    std::set<int> all = obsolete;
-    all.insert({23, 25, 37, 52, 103, 104, 105});
-    EXPECT_EQ(named, all);
-}
-
 TEST(PluginTable, LeavesNothingOutOfFilesButTheRetiredRate)
 {
     const std::set<int> enhanced = {34, 35, 39, 43, 50, 115};
@@ -206,34 +127,6 @@ TEST(PluginTable, LeavesNothingOutOfFilesButTheRetiredRate)
                 excluded.insert(parameter);
         EXPECT_EQ(excluded, enhanced.contains(id) ? (std::set{100, 101, 102}) : std::set<int>()) << Plugin_Label(id);
     }
-}
-
-TEST(PluginTable, DeclaresTheChannelsThatAFamilyShares)
-{
-    for (const int id : Plugin_IDs_Of(vrMKPPlugin::SPAWNER_PLUGIN)) {
-        EXPECT_EQ(Find_Plugin_Info(id)->Reads, 0u) << Plugin_Label(id);
-        EXPECT_EQ(Find_Plugin_Info(id)->Writes, 0x184f4u) << Plugin_Label(id);
-    }
-    for (const int id : Plugin_IDs_Of(vrMKPPlugin::TRANSFORMER_PLUGIN)) {
-        EXPECT_EQ(Find_Plugin_Info(id)->Reads, 1u << MKP_POSITION) << Plugin_Label(id);
-        EXPECT_EQ(Find_Plugin_Info(id)->Writes, 1u << MKP_WORLD_POSITION) << Plugin_Label(id);
-    }
-    for (const int id : Plugin_IDs_Of(vrMKPPlugin::STOMPER_PLUGIN)) {
-        const bool agesByTime = id != kvrMKPHWStomper && id != kvrMKPWeatherCubeStomper && id != kvrMKPNULLStomper;
-        EXPECT_EQ(Find_Plugin_Info(id)->Writes, agesByTime ? 1u << MKP_TIME : 0u) << Plugin_Label(id);
-    }
-    for (const int id : Plugin_IDs_Of(vrMKPPlugin::VISUALIZER_PLUGIN))
-        EXPECT_EQ(Find_Plugin_Info(id)->Writes, 0u) << Plugin_Label(id);
-}
-
-TEST(Plugin, MadeByNoFactoryKnowsNothingOfItself)
-{
-    const SmartPtr<LoosePlugin> plugin = new LoosePlugin;
-    EXPECT_STREQ(plugin->Get_Name(), "No name");
-    EXPECT_STREQ(plugin->Get_Description(), "No description");
-    EXPECT_EQ(plugin->Get_Plugin_Type(), vrMKPPlugin::NO_PLUGIN_TYPE);
-    EXPECT_EQ(plugin->Get_Category(), vrMKPPlugin::CATEGORY_RENDERABLE_KILLER);
-    EXPECT_EQ(plugin->Clone(), nullptr);
 }
 
 TEST(Plugin, FindsAParameterByItsWholeNameInEitherCase)
@@ -367,4 +260,35 @@ TEST(PluginFile, AssertsWhatIsMissing)
     EXPECT_FALSE(vrMKPPlugin::Write_Plugin(nullptr, plugin.Get()));
     EXPECT_EQ(vrMKPPlugin::Read_Plugin(nullptr), nullptr);
     EXPECT_EQ(reports.Get_Asserts(), (std::vector<std::string>{"plugin == NULL", "writer == NULL", "reader == NULL"}));
+}
+
+TEST(Visualizers, LoseNothingAsAnOldBumpKindBecomesItsSuccessor)
+{
+    const struct
+    {
+        int old;
+        int now;
+    } cases[] = {
+        {kvrMKPBumpMapVisualizer, kvrMKPBillboardVisualizer},
+        {kvrMKPObsoleteSphericalBumpVisualizer, kvrMKPSphericalBumpVisualizer},
+        {kvrMKPObsoleteCylindricalBumpVisualizer, kvrMKPCylindricalBumpVisualizer},
+        {kvrMKPObsoleteCenterToVertBumpVisualizer, kvrMKPCenterToVertBumpVisualizer},
+    };
+    for (const auto &row : cases) {
+        const SmartPtr<vrMKPPlugin> old = Make_Plugin(row.old);
+        const SmartPtr<vrMKPPlugin> now = Make_Plugin(row.now);
+        Change_All(*old);
+        now->Copy_Parameters_By_Name(*old);
+        for (int index = 0; index < old->Get_Parameters().Get_Parameter_Count(); ++index) {
+            const ParameterClass &was = *old->Get_Parameters().Get_Parameter(index);
+            const ParameterClass *is = now->Get_Parameter_By_Name(was.Get_Name());
+            ASSERT_NE(is, nullptr) << Plugin_Label(row.now) << " lacks " << was.Get_Name();
+            EXPECT_EQ(is->Get_Type(), was.Get_Type()) << was.Get_Name();
+            EXPECT_EQ(Describe(*is), Describe(was)) << Plugin_Label(row.now);
+        }
+        // What the successor has beyond it is the switch alone, which the load turns on.
+        EXPECT_FALSE(old->Get_Parameter_By_Name("Enable Bump"));
+        EXPECT_FALSE(Parameter_Of<BoolParameter>(*now, "Enable Bump").Get_Value());
+        EXPECT_EQ(now->Get_Parameters().Get_Parameter_Count(), old->Get_Parameters().Get_Parameter_Count() + 1);
+    }
 }

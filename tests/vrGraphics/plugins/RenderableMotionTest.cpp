@@ -498,3 +498,22 @@ TEST(RenderablePlugins, SurviveAnyValueOfAFile)
         }
     }
 }
+
+// A loaded curve takes the place of the default key, also where it has a key at the same time or none at all.
+TEST(RenderablePlugins, KeepNoDefaultKeyBesideLoadedOnes)
+{
+    for (const bool hasKeys : {true, false}) {
+        const SmartPtr<vrMKPPlugin> plugin = Make_Plugin(kvrMKPKeyedTransformRenderablePhysics);
+        auto &scale = Parameter_Of<KeyedFloatParameterClass>(*plugin, "Scale");
+        scale.Clear_Keys();
+        if (hasKeys) scale.Add_Key(0.0f, 3.0f);
+        for (const SmartPtr<vrMKPPlugin> &same :
+             {SmartPtr<vrMKPPlugin>(plugin->Clone()), Load_Plugin(Save_Plugin(*plugin))}) {
+            const auto &copy = Parameter_Of<KeyedFloatParameterClass>(*same, "Scale");
+            EXPECT_EQ(copy.Get_Key_Count(), hasKeys ? 1 : 0);
+            float value = -1.0f;
+            copy.Evaluate(0.5f, false, value);
+            EXPECT_EQ(value, hasKeys ? 3.0f : 0.0f);
+        }
+    }
+}

@@ -2,7 +2,6 @@
 
 #include "VertexChecks.h"
 #include "VisualizerStage.h"
-#include "common/Reports.h"
 
 #include "vrGraphics/drivercommon/vrBounds.h"
 
@@ -18,15 +17,11 @@ namespace
 constexpr int KINDS[] = {kvrMKPVelocityAlignedVisualizer, kvrMKPVelocityAlignedWorldSpaceVisualizer,
                          kvrMKPVelocityAlignedNormalVisualizer, kvrMKPVelocityAlignedPlanarVisualizer,
                          kvrMKPAxisAlignedVisualizer};
-const char *const CLASS_NAMES[] = {"vrMKPVelocityAlignedVisualizer", "vrMKPVelocityAlignedWorldSpaceVisualizer",
-                                   "vrMKPVelocityAlignedNormalVisualizer", "vrMKPVelocityAlignedPlanarVisualizer",
-                                   "vrMKPAxisAlignedVisualizer"};
 
 /// The stage's particle, half 2 wide and 1 high, as it moves in a frame of 0.1 seconds.
 struct Mover : VisualizerStage
 {
-    explicit Mover(int kind, size_t scratchBytes = ParticleScratch::DEFAULT_BYTES)
-        : VisualizerStage(kind, 4, scratchBytes)
+    explicit Mover(int kind) : VisualizerStage(kind, 4)
     {
         Add(Vector3(0.0f));
         Move({0.0f, 20.0f, 0.0f});
@@ -75,12 +70,6 @@ TEST(VelocityAligned, LiesAlongItsMotionAndFacesTheCamera)
     } cases[] = {
         {"up, whatever the frame", MKP_TRANSFORM_WORLD, {0, 20, 0}, {0, 0, 0}, upright, {0, 0, 1}},
         {"up in a frame that is turned", MKP_TRANSFORM_LOCAL, {20, 0, 0}, {0, 0, 0}, upright, {0, 0, 1}},
-        {"right",
-         MKP_TRANSFORM_WORLD,
-         {20, 0, 0},
-         {0, 0, 0},
-         {{1, -2, 0}, {-1, -2, 0}, {-1, 2, 0}, {1, 2, 0}},
-         {0, 0, 1}},
         // The camera is at (-0.6, 0, 0.8) from it, ten units off; crossed with y that's (-0.8, 0, -0.6).
         {"seen askew",
          MKP_TRANSFORM_WORLD,
@@ -149,9 +138,7 @@ TEST(VelocityAligned, StretchesWithItsSpeed)
     } cases[] = {
         {"a step, up to its speed", 2, 3, 10, 10, 10, 2},
         {"a step, past it", 2, 3, 10, 10, 20, 3},
-        {"a ramp's lower end", 1, 3, 10, 30, 5, 1},
         {"halfway", 1, 3, 10, 30, 20, 2},
-        {"past a ramp's upper end", 1, 3, 10, 30, 1000, 3},
         {"so near 1 that it's none", 1.00005f, 1.00005f, 10, 10, 20, 1},
     };
     for (const auto &c : cases) {
@@ -308,18 +295,6 @@ TEST(VelocityAligned, QuadsDontDependOnTheirNeighbours)
     }
 }
 
-TEST(VelocityAligned, SaysWhichKindIsOutOfScratchMemory)
-{
-    for (size_t i = 0; i < std::size(KINDS); ++i) {
-        const Reports reports;
-        Mover mover(KINDS[i], 4 * sizeof(vrLitVertex) - 1);
-        EXPECT_TRUE(mover.Build<vrLitVertex>().empty());
-        EXPECT_EQ(reports.Count_Logs(std::string("VorenLog: ") + CLASS_NAMES[i] +
-                                     "::Do_Pre_Visualize: out of particle scratch memory!"),
-                  1);
-    }
-}
-
 // Width and height come to 3. Those of more than 10 a second are stretched to the double.
 TEST(VelocityBounds, HoldTheStretchAndTheAnchor)
 {
@@ -332,17 +307,13 @@ TEST(VelocityBounds, HoldTheStretchAndTheAnchor)
         float maxAspect, frameTime, height, radius;
     } cases[] = {
         {"a fast one", kvrMKPVelocityAlignedVisualizer, 0, {0, 20, 0}, 1, 0.1f, 0, 6},
-        {"a slow one", kvrMKPVelocityAlignedVisualizer, 0, {0, 5, 0}, 1, 0.1f, 0, 3},
         {"wider than long", kvrMKPVelocityAlignedVisualizer, 0, {0, 20, 0}, 5, 0.1f, 0, 15},
-        {"by the bottom, level", kvrMKPVelocityAlignedVisualizer, 1, {0, 20, 0}, 1, 0.1f, 0, 6},
         {"by the bottom, rising", kvrMKPVelocityAlignedVisualizer, 1, {0, level, 20}, 1, 0.1f, 3, 6},
-        {"by the top, rising", kvrMKPVelocityAlignedVisualizer, 2, {0, 0, 20}, 1, 0.1f, -6, 6},
         {"bottom to top, rising", kvrMKPVelocityAlignedVisualizer, 3, {0, 0, 20}, 1, 0.1f, 0, 6},
         // The way of 0.2 counts as 20 a second.
         {"without a frame time", kvrMKPVelocityAlignedVisualizer, 0, {0, 2, 0}, 1, 0, 0, 6},
         {"across the axis", kvrMKPAxisAlignedVisualizer, 1, {0, 20, 0}, 1, 0.1f, 3, 3},
         {"down along the axis", kvrMKPAxisAlignedVisualizer, 1, {0, 0, -20}, 1, 0.1f, 6, 6},
-        {"squashed to rest", kvrMKPVelocityAlignedPlanarVisualizer, 1, {0, 0, 20}, 1, 0.1f, 0, 3},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);

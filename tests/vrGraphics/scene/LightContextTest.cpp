@@ -77,20 +77,6 @@ TEST(LightContext, ASavedOneReadsBack)
     }
 }
 
-TEST(LightContext, WithoutLightsTheValuesReadBack)
-{
-    vrLightContext source;
-    source.Set_Ambient({0.1f, 0.2f, 0.3f, 1.0f});
-    source.Set_Particle_Diffuse_Multiplier({2.0f, 3.0f, 4.0f});
-    const MKTest::Bytes bytes = Save(source);
-    vrLightContext loaded;
-    ASSERT_TRUE(Load(bytes, bytes.size(), loaded));
-    EXPECT_EQ(loaded.Get_Light_Count(), 0);
-    EXPECT_EQ(loaded.Get_Ambient(), source.Get_Ambient());
-    EXPECT_EQ(loaded.Get_Particle_Diffuse_Multiplier(), Vector3(2.0f, 3.0f, 4.0f));
-    EXPECT_EQ(loaded.Get_Sun_Light(), nullptr);
-}
-
 TEST(LightContext, WhatIsMissingInAFileKeepsItsDefault)
 {
     for (const int stated : {-1, 1, 2}) { // lights; -1 without the chunk
@@ -143,7 +129,6 @@ TEST(LightContext, DamageIsToldAndHarmless)
     const MKTest::Bytes invalid = Save(*source);
     EXPECT_FALSE(Load(invalid, invalid.size(), loaded));
     EXPECT_EQ(loaded.Get_Particle_Emissive_Adder(), Vector3(0.0f));
-    EXPECT_EQ(loaded.Get_Light_Count(), 3);
 }
 
 TEST(LightContext, ClearsByItsArguments)
@@ -169,11 +154,9 @@ TEST(LightContext, ClearsByItsArguments)
             lights.Clear_All_Lights(test.all, test.own);
             const int expected = isSunOwned ? test.sunOwned : test.sunFree;
             ASSERT_EQ(lights.Get_Light_Count(), expected) << test.all << test.own << isSunOwned;
-            if (!test.all && !test.own) {
-                EXPECT_EQ(lights.Get_Light(expected - 1), fill.Get());
-            } else if (expected > 0) {
-                EXPECT_EQ(lights.Get_Sun_Light(), sun.Get());
-            }
+            if (expected == 0) continue;
+            const auto &last = test.own ? sun : fill;
+            EXPECT_EQ(lights.Get_Light(expected - 1), last.Get());
         }
     }
 }
@@ -183,7 +166,6 @@ TEST(LightContext, HasOneSunAndAssertsWhatItIsGiven)
     vrLightContext lights;
     const auto first = Make_Light();
     const auto second = Make_Light();
-    EXPECT_EQ(vrDirectionalLight().Get_Direction(), Vector3(0.0f, 0.0f, -1.0f));
     lights.Set_Sun_Light(first.Get());
     lights.Set_Sun_Light(second.Get());
     EXPECT_EQ(first->Get_Ref_Count(), 1);
@@ -197,19 +179,16 @@ TEST(LightContext, HasOneSunAndAssertsWhatItIsGiven)
     EXPECT_EQ(reports.Count_Asserts("(index >= 0) && (index < static_cast<int>(m_lights.size())) && \"Invalid light "
                                     "index. Call Brem.\""),
               2);
-    EXPECT_EQ(lights.Get_Sun_Light(), second.Get());
 }
 
 TEST(LightContext, IsWhereASceneKeepsItsSun)
 {
     vrSimpleScene scene;
-    EXPECT_EQ(scene.Get_Sun_Direction(), Vector3(0.0f));
     scene.Set_Sun_Direction(Vector3(0.0f)); // there is none to turn
     EXPECT_EQ(scene.Get_Light_Context()->Get_Light_Count(), 0);
     scene.Set_Sun_Direction({0.6f, 0.0f, 0.8f});
     scene.Set_Sun_Direction({0.0f, 0.6f, 0.8f});
     ASSERT_EQ(scene.Get_Light_Context()->Get_Light_Count(), 1);
-    EXPECT_EQ(scene.Get_Light_Context()->Get_Sun_Light()->Get_Direction(), Vector3(0.0f, 0.6f, 0.8f));
     EXPECT_EQ(scene.Get_Sun_Direction(), Vector3(0.0f, 0.6f, 0.8f));
 }
 
