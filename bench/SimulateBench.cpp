@@ -1,4 +1,5 @@
 // A frame of the built-in workloads, in nanoseconds a live particle, beside plain loops with the same arithmetic.
+// simulate_bench [steady] [newborns] [emitters]: all three unless some are named.
 
 #include "PlainLayer.h"
 #include "Timing.h"
@@ -12,6 +13,7 @@
 
 #include "MKLib/ThreadPool.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -151,12 +153,17 @@ void Bench_Emitters()
 
 } // namespace
 
-int main()
+int main(int count, char **names)
 {
+    const auto is_asked_for = [&](std::string_view name) {
+        return count < 2 || std::find(names + 1, names + count, name) != names + count;
+    };
     ThreadPool::System_Init(1);
-    Bench_Steady(vro::WorkloadViewer::None);
-    Bench_Steady(vro::WorkloadViewer::Billboard);
-    Bench_Newborns();
-    Bench_Emitters();
+    if (is_asked_for("steady")) {
+        Bench_Steady(vro::WorkloadViewer::None);
+        Bench_Steady(vro::WorkloadViewer::Billboard);
+    }
+    if (is_asked_for("newborns")) Bench_Newborns();
+    if (is_asked_for("emitters")) Bench_Emitters();
     return 0;
 }
