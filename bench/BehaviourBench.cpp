@@ -29,7 +29,7 @@ namespace Behaviour
 namespace
 {
 
-constexpr int BLOCK = 512; ///< slots that the frame hands to a plugin at a time
+constexpr int BLOCK = 4096; ///< slots that the frame hands to a plugin at a time
 
 template <typename Work>
 void For_Blocks(const vrMKPBuffer &buffer, Work &&work)
@@ -104,12 +104,12 @@ void Stage::Reset(float spread)
         const Vector3 old = position - velocity * STEP;
         const float age = random.Get_Float(0.0f, 0.8f * LIFE) * spread;
         const uint32_t high = random.Get_Byte();
-        buffer.Position[i] = position;
-        buffer.PreviousPosition[i] = old;
-        buffer.Velocity[i] = velocity;
-        buffer.WorldPosition[i] = position;
-        buffer.ProjectileStartingPosition[i] = {0.5f, 0.5f, static_cast<float>(i % 16)};
-        buffer.ProjectileTargetPosition[i] = State.TargetPosition;
+        buffer.Position.Put(i, position);
+        buffer.PreviousPosition.Put(i, old);
+        buffer.Velocity.Put(i, velocity);
+        buffer.WorldPosition.Put(i, position);
+        buffer.ProjectileStartingPosition.Put(i, {0.5f, 0.5f, static_cast<float>(i % 16)});
+        buffer.ProjectileTargetPosition.Put(i, State.TargetPosition);
         buffer.ProjectileFlightDuration[i] = LIFE;
         buffer.Age[i] = Plain.Age[i] = age;
         buffer.MaxAge[i] = Plain.MaxAge[i] = LIFE;
@@ -154,8 +154,8 @@ std::string Stage::Find_Difference(float tolerance) const
         }
         return false;
     };
-    const auto vectors = [&](const Vector3 *ours, const float *x, const float *y, const float *z) {
-        return differ(&ours->x, 3, x) || differ(&ours->x + 1, 3, y) || differ(&ours->x + 2, 3, z);
+    const auto vectors = [&](const vrMKPConstVectors &ours, const float *x, const float *y, const float *z) {
+        return differ(ours.X, 1, x) || differ(ours.Y, 1, y) || differ(ours.Z, 1, z);
     };
     const auto pairs = [&](const Vector2 *ours, const float *x, const float *y) {
         return differ(&ours->x, 2, x) || differ(&ours->x + 1, 2, y);

@@ -102,9 +102,12 @@ private:
     {
         const auto spread = [&random](float range) { return random.Get_Float(-range, range); };
         const auto word = [&random] { return random.Get_Byte() | random.Get_Byte() << 8 | random.Get_Byte() << 16; };
-        Buffer->Position[slot] = Buffer->WorldPosition[slot] = {spread(50.0f), spread(50.0f), spread(50.0f)};
-        Buffer->Velocity[slot] = {spread(5.0f), spread(5.0f), spread(5.0f)};
-        Buffer->PreviousPosition[slot] = Buffer->Position[slot] - Buffer->Velocity[slot] * State.FrameTime;
+        const Vector3 position{spread(50.0f), spread(50.0f), spread(50.0f)};
+        const Vector3 velocity{spread(5.0f), spread(5.0f), spread(5.0f)};
+        Buffer->Position.Put(slot, position);
+        Buffer->WorldPosition.Put(slot, position);
+        Buffer->Velocity.Put(slot, velocity);
+        Buffer->PreviousPosition.Put(slot, position - velocity * State.FrameTime);
         Buffer->Time[slot] = Buffer->Age[slot] = random.Get_Float(0.0f, 1.0f);
         Buffer->MaxAge[slot] = 1.0f;
         Buffer->ID[slot] = word();

@@ -70,8 +70,9 @@ void Append_Color(vrColor value, std::string &text)
     Append_Array(bytes, 4, Append_Integer, text);
 }
 
-template <typename T, typename Append>
-void Append_Spans(const T *values, const vrMKPSpans &spans, Append append, std::string &text)
+/// `values` is what has the elements by their slots.
+template <typename Values, typename Append>
+void Append_Spans(const Values &values, const vrMKPSpans &spans, Append append, std::string &text)
 {
     text += '[';
     bool isFirst = true;
@@ -85,11 +86,11 @@ void Append_Spans(const T *values, const vrMKPSpans &spans, Append append, std::
     text += ']';
 }
 
-template <typename T>
-void Append_Live(const vrMKPBuffer &buffer, const T *values, std::string &text)
+template <typename Values>
+void Append_Live(const vrMKPBuffer &buffer, const Values &values, std::string &text)
 {
     Append_Spans(
-        values, buffer.Live_Spans(), [](const T &value, std::string &out) { Append_Element(value, out); }, text);
+        values, buffer.Live_Spans(), [](const auto &value, std::string &out) { Append_Element(value, out); }, text);
 }
 
 void Append_Channel(const vrMKParticle &particle, const vrMKPBuffer &buffer, MKPAttribTypes channel, std::string &text)

@@ -47,10 +47,12 @@ uint64_t Checksum_Of(const vrMKPBuffer &buffer)
     for (int channel = 0; channel < static_cast<int>(MKP_ATTRIBUTE_COUNT); ++channel) {
         if (channel == MKP_RENDER) continue;
         const auto attribute = static_cast<MKPAttribTypes>(channel);
-        const auto *bytes = static_cast<const uint8_t *>(buffer.Get_Channel(attribute));
-        const size_t size = vrMKPBuffer::Get_Element_Size(attribute);
         for (const vrMKPSpan span : buffer.Live_Spans())
-            sum.Add(bytes + static_cast<size_t>(span.First) * size, static_cast<size_t>(span.Count) * size);
+            for (int at = 0; at < span.Count; ++at) {
+                uint8_t element[sizeof(Vector3)];
+                buffer.Copy_Element(attribute, span.First + at, element);
+                sum.Add(element, vrMKPBuffer::Get_Element_Size(attribute));
+            }
     }
     return sum.Get();
 }

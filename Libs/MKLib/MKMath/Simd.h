@@ -16,3 +16,5 @@
 #endif
 
 #define MK_INLINE inline __attribute__((always_inline))
+/// Behind the parameters of a lambda.
+#define MK_INLINE_LAMBDA __attribute__((always_inline))

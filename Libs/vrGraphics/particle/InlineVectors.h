@@ -1,8 +1,8 @@
 #pragma once
 
 /// Arithmetic of vectors for loops that are built for several processors: glm's own isn't inlined into these. And
-/// selects, which are on bits: the compiler makes a branch around the store of a value that may be the old one, and then
-/// can't take the loop.
+/// selects, which are on bits: the compiler makes a branch around the store of a value that may be the old one, and
+/// then can't take the loop.
 
 #include "MKLib/MKMath/Mat3D.h"
 #include "MKLib/MKMath/Simd.h"
@@ -45,6 +45,12 @@ MK_INLINE Vector3 Turn(const Mat3DClass &transform, const Vector3 &direction)
     return {x.x * direction.x + x.y * direction.y + x.z * direction.z,
             y.x * direction.x + y.y * direction.y + y.z * direction.z,
             z.x * direction.x + z.y * direction.y + z.z * direction.z};
+}
+
+/// 0, or not where a component is infinite or no number: of those alone x - x isn't 0.
+MK_INLINE uint32_t Invalid_Bits(const Vector3 &vector)
+{
+    return std::bit_cast<uint32_t>((vector.x - vector.x) + (vector.y - vector.y) + (vector.z - vector.z));
 }
 
 /// All ones for true, and else 0.

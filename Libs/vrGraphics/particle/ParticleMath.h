@@ -5,6 +5,7 @@
 
 #include "MKLib/MKMath/Simd.h"
 #include "vrGraphics/drivercommon/vrColor.h"
+#include "vrGraphics/particle/VectorPlanes.h"
 
 #include <bit>
 #include <cmath>
@@ -125,16 +126,18 @@ MK_INLINE vrColor Multiply_Color(vrColor a, vrColor b)
     return result;
 }
 
-// Loops over vector channels, which are runs of floats three by three.
-/// Adds one vector to `count` vectors.
-void Add_Vector(Vector3 *vectors, int count, const Vector3 &add);
-/// to += from * factor.
-void Add_Scaled(Vector3 *to, const Vector3 *from, int count, float factor);
-/// to = from + velocity * step. False when a result is infinite or no number.
-bool Integrate(Vector3 *to, const Vector3 *from, const Vector3 *velocity, int count, float step);
+// Loops over vectors.
+void Copy(const vrMKPVectors &to, const vrMKPConstVectors &from, int count);
+/// The same vector to `count` of them.
+void Fill(const vrMKPVectors &to, const Vector3 &vector, int count);
+/// Adds one vector to `count` vectors. False when a sum is infinite or no number.
+bool Add_Vector(const vrMKPVectors &vectors, int count, const Vector3 &add);
+/// to = from + velocity * step, where `to` is another run. False when a result is infinite or no number.
+bool Integrate(const vrMKPVectors &to, const vrMKPConstVectors &from, const vrMKPConstVectors &velocity, int count,
+               float step);
 /// Whether a component of the vectors is infinite or no number.
-bool Has_Invalid(const Vector3 *vectors, int count);
-/// to = the transform of from; the two may be the same array.
-void Transform_Points(Vector3 *to, const Vector3 *from, int count, const Mat3DClass &transform);
+bool Has_Invalid(const vrMKPConstVectors &vectors, int count);
+/// to = the transform of from; the two may be the same run.
+void Transform_Points(const vrMKPVectors &to, const vrMKPConstVectors &from, int count, const Mat3DClass &transform);
 
 } // namespace Particle

@@ -31,17 +31,31 @@ constexpr size_t ELEMENT_SIZES[] = {sizeof(Vector3),  sizeof(Vector3),  sizeof(V
                                     sizeof(uint32_t), sizeof(Vector3),  sizeof(uint32_t), sizeof(float)};
 static_assert(std::size(ELEMENT_SIZES) == MKP_ATTRIBUTE_COUNT);
 
-size_t Channel_Bytes(uint32_t channel, int capacity)
+constexpr bool Is_Of_Vectors(uint32_t channel)
 {
-    const size_t bytes = ELEMENT_SIZES[channel] * static_cast<size_t>(capacity);
-    return (bytes + ALIGNMENT - 1) / ALIGNMENT * ALIGNMENT;
+    return ELEMENT_SIZES[channel] == sizeof(Vector3);
 }
 
-/// Room for a bit for each word of a slot in the channels of one, two and three words, by groups of 8 slots; the two
-/// runs of a ring may both end in a part of a group, and a word at a time is written.
+size_t Array_Bytes(size_t elementSize, int capacity)
+{
+    constexpr size_t PAGE = 4096;
+    constexpr size_t GAP = 5 * ALIGNMENT;
+    const size_t bytes = (elementSize * static_cast<size_t>(capacity) + ALIGNMENT - 1) / ALIGNMENT * ALIGNMENT;
+    // Arrays that began at the same place of their pages would drive each other out of the first cache.
+    return bytes < PAGE ? bytes : bytes + GAP;
+}
+
+size_t Channel_Bytes(uint32_t channel, int capacity)
+{
+    return Is_Of_Vectors(channel) ? 3 * Array_Bytes(sizeof(float), capacity)
+                                  : Array_Bytes(ELEMENT_SIZES[channel], capacity);
+}
+
+/// Room for a bit for each word of a slot in the arrays of one and two words, by groups of 8 slots; the two runs of a
+/// ring may both end in a part of a group, and a word at a time is written.
 size_t Stay_Bytes(int capacity)
 {
-    return (static_cast<size_t>(capacity) / 8 + 2) * (1 + 2 + 3) + 3 * sizeof(uint32_t);
+    return (static_cast<size_t>(capacity) / 8 + 2) * (1 + 2) + 2 * sizeof(uint32_t);
 }
 
 } // namespace
@@ -97,34 +111,37 @@ void vrMKPBuffer::Take_Memory(Memory memory, int capacity)
     Capacity = capacity;
     const auto address = reinterpret_cast<uintptr_t>(Block.get());
     auto *at = static_cast<uint8_t *>(Block.get()) + (ALIGNMENT - address % ALIGNMENT) % ALIGNMENT;
-    for (uint32_t channel = 0; channel < MKP_ATTRIBUTE_COUNT; ++channel) {
-        Channels[channel] = at;
-        at += Channel_Bytes(channel, capacity);
-    }
-    StayBits = at;
-    const auto take = [this](auto *&pointer, MKPAttribTypes channel) {
-        pointer = static_cast<std::remove_reference_t<decltype(pointer)>>(Channels[channel]);
+    const auto take = [&](auto *&array) {
+        array = reinterpret_cast<std::remove_reference_t<decltype(array)>>(at);
+        at += Array_Bytes(sizeof(*array), capacity);
     };
-    take(ProjectileStartingPosition, MKP_PROJECTILE_STARTING_POSITION);
-    take(PreviousPosition, MKP_PREVIOUS_POSITION);
-    take(Position, MKP_POSITION);
-    take(ProjectileTargetPosition, MKP_PROJECTILE_TARGET_POSITION);
-    take(Velocity, MKP_VELOCITY);
-    take(Age, MKP_AGE);
-    take(MaxAge, MKP_MAX_AGE);
-    take(Time, MKP_TIME);
-    take(ProjectileFlightDuration, MKP_PROJECTILE_FLIGHT_DURATION);
-    take(Flags, MKP_FLAGS);
-    take(ID, MKP_ID);
-    take(Number, MKP_NUMBER);
-    take(UV, MKP_UV);
-    take(DUV, MKP_DUV);
-    take(Color, MKP_COLOR);
-    take(Size, MKP_SIZE);
-    take(Rotation, MKP_ROTATION);
-    take(WorldPosition, MKP_WORLD_POSITION);
-    take(Render, MKP_RENDER);
-    take(SortingRelativeToGroup, MKP_SORTING_RELATIVE_TO_GROUP);
+    const auto takeVectors = [&](vrMKPVectors &vectors) {
+        take(vectors.X);
+        take(vectors.Y);
+        take(vectors.Z);
+    };
+    takeVectors(ProjectileStartingPosition);
+    takeVectors(PreviousPosition);
+    takeVectors(Position);
+    takeVectors(ProjectileTargetPosition);
+    takeVectors(Velocity);
+    take(Age);
+    take(MaxAge);
+    take(Time);
+    take(ProjectileFlightDuration);
+    take(Flags);
+    take(ID);
+    take(Number);
+    take(UV);
+    take(DUV);
+    take(Color);
+    take(Size);
+    take(Rotation);
+    takeVectors(OwnWorldPosition);
+    take(Render);
+    take(SortingRelativeToGroup);
+    StayBits = at;
+    WorldPosition = OwnWorldPosition;
 }
 
 bool vrMKPBuffer::Resize(int capacity, std::string_view layerName)
@@ -175,11 +192,11 @@ void vrMKPBuffer::Reset()
 
 void vrMKPBuffer::Copy_Particle_From(int from, int to, const vrMKPBuffer &other)
 {
-    ProjectileStartingPosition[to] = other.ProjectileStartingPosition[from];
-    PreviousPosition[to] = other.PreviousPosition[from];
-    Position[to] = other.Position[from];
-    ProjectileTargetPosition[to] = other.ProjectileTargetPosition[from];
-    Velocity[to] = other.Velocity[from];
+    ProjectileStartingPosition.Put(to, other.ProjectileStartingPosition[from]);
+    PreviousPosition.Put(to, other.PreviousPosition[from]);
+    Position.Put(to, other.Position[from]);
+    ProjectileTargetPosition.Put(to, other.ProjectileTargetPosition[from]);
+    Velocity.Put(to, other.Velocity[from]);
     Age[to] = other.Age[from];
     MaxAge[to] = other.MaxAge[from];
     Time[to] = other.Time[from];
@@ -192,7 +209,7 @@ void vrMKPBuffer::Copy_Particle_From(int from, int to, const vrMKPBuffer &other)
     Color[to] = other.Color[from];
     Size[to] = other.Size[from];
     Rotation[to] = other.Rotation[from];
-    if (WorldPosition != Position) WorldPosition[to] = other.WorldPosition[from];
+    if (!Shares_World_Positions()) WorldPosition.Put(to, other.WorldPosition[from]);
     SortingRelativeToGroup[to] = other.SortingRelativeToGroup[from];
 }
 
@@ -228,30 +245,29 @@ void vrMKPBuffer::Begin_Move(bool integrates, bool keepsOthers)
     } else {
         // All live positions are written anew, so the old ones need no copy.
         Move = MOVE_ACROSS;
-        const bool isShared = WorldPosition == Position;
+        const bool isShared = Shares_World_Positions();
         std::swap(Position, PreviousPosition);
-        std::swap(Channels[MKP_POSITION], Channels[MKP_PREVIOUS_POSITION]);
         if (isShared) WorldPosition = Position;
     }
 }
 
 bool vrMKPBuffer::Move_Span(vrMKPSpan span)
 {
-    Vector3 *position = Position + span.First;
-    const Vector3 *velocity = Velocity + span.First;
+    const vrMKPVectors positions = Position + span.First;
+    const vrMKPConstVectors velocities = Velocity + span.First;
+    const float step = State->FrameTime;
     if (Move == MOVE_ACROSS)
-        return Particle::Integrate(position, PreviousPosition + span.First, velocity, span.Count, State->FrameTime);
-    std::memcpy(static_cast<void *>(PreviousPosition + span.First), position,
-                static_cast<size_t>(span.Count) * sizeof(Vector3));
+        return Particle::Integrate(positions, PreviousPosition + span.First, velocities, span.Count, step);
+    Particle::Copy(PreviousPosition + span.First, positions, span.Count);
     if (Move == MOVE_IN_PLACE)
         for (int at = 0; at < span.Count; ++at)
-            if (!(Flags[span.First + at] & PARTICLE_STOPPED)) position[at] += velocity[at] * State->FrameTime;
-    return !Particle::Has_Invalid(position, span.Count);
+            if (!(Flags[span.First + at] & PARTICLE_STOPPED)) positions.Put(at, positions[at] + velocities[at] * step);
+    return !Particle::Has_Invalid(positions, span.Count);
 }
 
 void vrMKPBuffer::Share_World_Positions(bool shared)
 {
-    WorldPosition = shared ? Position : static_cast<Vector3 *>(Channels[MKP_WORLD_POSITION]);
+    WorldPosition = shared ? Position : OwnWorldPosition;
 }
 
 void vrMKPBuffer::Fetch() const
@@ -259,21 +275,48 @@ void vrMKPBuffer::Fetch() const
     constexpr int LARGEST = 4096;
     constexpr size_t PAGE = 4096;
     constexpr size_t LINE = 64;
-    constexpr size_t LINES = 4;
+    constexpr size_t LINES = 2;
     if (ActiveCount == 0 || Capacity > LARGEST) return;
     const auto fetch = [this](const auto *channel) {
         const auto *begin = reinterpret_cast<const char *>(channel);
         for (size_t page = 0; page < sizeof(*channel) * static_cast<size_t>(Capacity); page += PAGE)
             for (size_t line = 0; line < LINES; ++line) __builtin_prefetch(begin + page + line * LINE, 1);
     };
+    const auto fetchVectors = [&](const vrMKPConstVectors &vectors) {
+        fetch(vectors.X);
+        fetch(vectors.Y);
+        fetch(vectors.Z);
+    };
     fetch(Age);
     fetch(Time);
-    fetch(Position);
-    fetch(PreviousPosition);
-    fetch(Velocity);
+    fetchVectors(Position);
+    fetchVectors(PreviousPosition);
+    fetchVectors(Velocity);
     fetch(Color);
     fetch(Size);
     fetch(Rotation);
+    const int slot = Next_Slot(Tail);
+    const auto fetchSlot = [slot](const auto *array) { __builtin_prefetch(array + slot, 1); };
+    const auto fetchVector = [&](const vrMKPVectors &vectors) {
+        fetchSlot(vectors.X);
+        fetchSlot(vectors.Y);
+        fetchSlot(vectors.Z);
+    };
+    fetchVector(ProjectileStartingPosition);
+    fetchVector(PreviousPosition);
+    fetchVector(Position);
+    fetchVector(ProjectileTargetPosition);
+    fetchVector(Velocity);
+    fetchSlot(Age);
+    fetchSlot(MaxAge);
+    fetchSlot(Time);
+    fetchSlot(ProjectileFlightDuration);
+    fetchSlot(Flags);
+    fetchSlot(ID);
+    fetchSlot(Number);
+    fetchSlot(Size);
+    fetchSlot(Rotation);
+    fetchSlot(SortingRelativeToGroup);
 }
 
 void vrMKPBuffer::Offset_Positions(const Vector3 &delta)
@@ -282,7 +325,7 @@ void vrMKPBuffer::Offset_Positions(const Vector3 &delta)
     bool isValid = true;
     for (const vrMKPSpan span : Live_Spans()) {
         for (int slot = span.First; slot < span.First + span.Count; ++slot)
-            if (!(Flags[slot] & PARTICLE_STOPPED)) Position[slot] += delta;
+            if (!(Flags[slot] & PARTICLE_STOPPED)) Position.Put(slot, Position[slot] + delta);
         isValid &= !Particle::Has_Invalid(Position + span.First, span.Count);
     }
     MK_ASSERT(isValid, "Position[where].Is_Valid()");
@@ -315,4 +358,48 @@ size_t vrMKPBuffer::Get_Particle_Size()
 size_t vrMKPBuffer::Get_Element_Size(MKPAttribTypes channel)
 {
     return ELEMENT_SIZES[channel];
+}
+
+vrMKPConstVectors vrMKPBuffer::Get_Vectors(MKPAttribTypes channel) const
+{
+    switch (channel) {
+    case MKP_PROJECTILE_STARTING_POSITION: return ProjectileStartingPosition;
+    case MKP_PREVIOUS_POSITION: return PreviousPosition;
+    case MKP_POSITION: return Position;
+    case MKP_PROJECTILE_TARGET_POSITION: return ProjectileTargetPosition;
+    case MKP_VELOCITY: return Velocity;
+    default: return WorldPosition;
+    }
+}
+
+const void *vrMKPBuffer::Get_Array(MKPAttribTypes channel) const
+{
+    switch (channel) {
+    case MKP_AGE: return Age;
+    case MKP_MAX_AGE: return MaxAge;
+    case MKP_TIME: return Time;
+    case MKP_PROJECTILE_FLIGHT_DURATION: return ProjectileFlightDuration;
+    case MKP_FLAGS: return Flags;
+    case MKP_ID: return ID;
+    case MKP_NUMBER: return Number;
+    case MKP_UV: return UV;
+    case MKP_DUV: return DUV;
+    case MKP_COLOR: return Color;
+    case MKP_SIZE: return Size;
+    case MKP_ROTATION: return Rotation;
+    case MKP_RENDER: return Render;
+    case MKP_SORTING_RELATIVE_TO_GROUP: return SortingRelativeToGroup;
+    default: return nullptr;
+    }
+}
+
+void vrMKPBuffer::Copy_Element(MKPAttribTypes channel, int slot, void *element) const
+{
+    const size_t size = Get_Element_Size(channel);
+    if (Is_Of_Vectors(channel)) {
+        const Vector3 vector = Get_Vectors(channel)[slot];
+        std::memcpy(element, &vector, size);
+    } else {
+        std::memcpy(element, static_cast<const char *>(Get_Array(channel)) + size * static_cast<size_t>(slot), size);
+    }
 }

@@ -4,6 +4,7 @@
 #include "MKLib/Random.h"
 #include "MKLib/RefCount.h"
 #include "vrGraphics/particle/MKPAttributes.h"
+#include "vrGraphics/particle/VectorPlanes.h"
 #include "vrGraphics/drivercommon/vrColor.h"
 #include "vrGraphics/particle/vrMKPBufferPluginData.h"
 #include "vrGraphics/particle/vrMKPTransformType.h"
@@ -57,10 +58,10 @@ private:
     int Size = 0;
 };
 
-/// All particles of one layer of one instance: a ring of slots with one array for each attribute, and the only thing
-/// about a layer that isn't shared by all instances. Live slots are one run of the ring from `Head` to `Tail`, in the
-/// order of birth; there are no holes. The capacity is fixed when the buffer is made: a full one grants no more slots,
-/// and a frame never allocates. One thread at a time.
+/// All particles of one layer of one instance: a ring of slots with arrays of their own for each attribute, and the
+/// only thing about a layer that isn't shared by all instances. Live slots are one run of the ring from `Head` to
+/// `Tail`, in the order of birth; there are no holes. The capacity is fixed when the buffer is made: a full one grants
+/// no more slots, and a frame never allocates. One thread at a time.
 ///
 /// The values of the level of detail are copies of the spawner's parameters. A running layer heeds these, so that an
 /// edit shows when the layer pushes it and not in the middle of a frame.
@@ -102,15 +103,17 @@ public:
     void Remove_Oldest(int count);
     /// Moves survivors together, in their order, and removes the rest: `dies(slot)` is asked once for each live slot in
     /// ring order.
-    template <typename Dies> void Remove_If(Dies &&dies);
+    template <typename Dies>
+    void Remove_If(Dies &&dies);
     /// The same for loops over runs of slots: `mark(span, dead)` gets the live slots in ring order, at most
-    /// `REMOVAL_BLOCK` at a time, writes 1 (dead) or 0 for each, and answers how many are dead. Nothing moves before the
-    /// last call.
-    template <typename Mark> void Remove_Marked(Mark &&mark);
+    /// `REMOVAL_BLOCK` at a time, writes 1 (dead) or 0 for each, and answers how many are dead. Nothing moves before
+    /// the last call.
+    template <typename Mark>
+    void Remove_Marked(Mark &&mark);
 
     /// The frame's move: "PreviousPosition" takes "Position", and where the spawner wants it, particles that aren't at
-    /// rest are integrated: position += velocity * step. Begun once, and then done for each run of the live slots. Slots
-    /// that don't live keep their positions only where `keepsOthers` asks for it.
+    /// rest are integrated: position += velocity * step. Begun once, and then done for each run of the live slots.
+    /// Slots that don't live keep their positions only where `keepsOthers` asks for it.
     void Begin_Move(bool integrates, bool keepsOthers);
     /// False when a position is infinite or no number.
     bool Move_Span(vrMKPSpan span);
@@ -133,15 +136,13 @@ public:
     size_t Get_Object_Size() const { return sizeof(*this); }
     /// Bytes of one particle over all channels.
     static size_t Get_Particle_Size();
-    /// The array of a channel, `Capacity` elements of `Get_Element_Size` bytes.
-    const void *Get_Channel(MKPAttribTypes channel) const
-    {
-        return channel == MKP_WORLD_POSITION ? WorldPosition : Channels[channel];
-    }
-    /// Lets "WorldPosition" be the very array of "Position", for layers that are simulated in the world: nothing writes
-    /// positions between the end of one frame and the move of the next, so nobody sees a difference.
-    void Share_World_Positions(bool shared);
+    /// Writes the element that a slot has in a channel: `Get_Element_Size` bytes, a vector's components in turn.
+    void Copy_Element(MKPAttribTypes channel, int slot, void *element) const;
     static size_t Get_Element_Size(MKPAttribTypes channel);
+    /// Lets "WorldPosition" be the very arrays of "Position", for layers that are simulated in the world: nothing
+    /// writes positions between the end of one frame and the move of the next, so nobody sees a difference.
+    void Share_World_Positions(bool shared);
+    bool Shares_World_Positions() const { return WorldPosition.X == Position.X; }
 
     bool Active = false;
     const vrMKPRenderState *State = nullptr; ///< the facts of the renderable's frame; set while the buffer is active
@@ -155,11 +156,11 @@ public:
     int FirstNew = -1;
     int SpawnedThisFrame = 0;
     vrMKPTransformType TransformType = MKP_TRANSFORM_LOCAL;
-    bool HardLifetime = false; ///< all particles die in the order of their births
+    bool HardLifetime = false;   ///< all particles die in the order of their births
     bool MayHaveStopped = false; ///< whether a particle may have PARTICLE_STOPPED
     bool KillOnRemoval = false;
     float InverseMaxAge = 1.0f;
-    float TimeSinceDeath = 0.0f; ///< seconds since the last particle died
+    float TimeSinceDeath = 0.0f;    ///< seconds since the last particle died
     Vector3 Centroid{0.0f};         ///< mean position of the live particles
     Vector3 SmoothedCentroid{0.0f}; ///< the same as it lags behind
     vrMKPSpawnerState SpawnerState = SPAWNER_WAITING;
@@ -182,12 +183,12 @@ public:
     SmartPtr<vrMKPBufferPluginData> VisualizerData;
     std::vector<SmartPtr<vrMKPBufferPluginData>> ModifierData; ///< one for each modifier of the layer; may be null
 
-    // The channels, each 64-byte aligned. Named as in MKPAttribTypes.
-    Vector3 *ProjectileStartingPosition = nullptr;
-    Vector3 *PreviousPosition = nullptr;
-    Vector3 *Position = nullptr;
-    Vector3 *ProjectileTargetPosition = nullptr;
-    Vector3 *Velocity = nullptr;
+    // The channels, each array 64-byte aligned. Named as in MKPAttribTypes.
+    vrMKPVectors ProjectileStartingPosition;
+    vrMKPVectors PreviousPosition;
+    vrMKPVectors Position;
+    vrMKPVectors ProjectileTargetPosition;
+    vrMKPVectors Velocity;
     float *Age = nullptr;
     float *MaxAge = nullptr;
     float *Time = nullptr;
@@ -200,7 +201,7 @@ public:
     vrColor *Color = nullptr;
     Vector2 *Size = nullptr;
     uint32_t *Rotation = nullptr;
-    Vector3 *WorldPosition = nullptr;
+    vrMKPVectors WorldPosition;
     uint32_t *Render = nullptr;
     float *SortingRelativeToGroup = nullptr;
 
@@ -215,6 +216,10 @@ private:
     vrMKPBuffer();
     static Memory Allocate(int capacity, std::string_view layerName);
     void Take_Memory(Memory memory, int capacity);
+    /// The array of a channel that isn't one of vectors, else null.
+    const void *Get_Array(MKPAttribTypes channel) const;
+    /// The arrays of a channel of vectors.
+    vrMKPConstVectors Get_Vectors(MKPAttribTypes channel) const;
     /// Keeps for `Move_Survivors` which of a run live on: it begins with the group of that number of the live slots, a
     /// group being 8 of a run or its rest. Fills `dead` up with 1 to whole groups.
     void Note_Survivors(int firstGroup, int count, uint8_t *dead);
@@ -226,17 +231,18 @@ private:
     {
         MOVE_NOTHING,  ///< copies
         MOVE_IN_PLACE, ///< copies, and integrates those that aren't at rest
-        MOVE_ACROSS    ///< the two arrays have changed places: integrates from the one into the other
+        MOVE_ACROSS    ///< the two channels have changed places: integrates from the one into the other
     };
 
     Memory Block;
     MoveType Move = MOVE_NOTHING;
-    void *Channels[MKP_ATTRIBUTE_COUNT] = {};
-    uint8_t *StayBits = nullptr; ///< scratch of a removal, in the block
+    vrMKPVectors OwnWorldPosition; ///< the channel's own arrays, shared or not
+    uint8_t *StayBits = nullptr;   ///< scratch of a removal, in the block
     std::vector<vrMKPLayer *> DeathListeners;
 };
 
-template <typename Mark> void vrMKPBuffer::Remove_Marked(Mark &&mark)
+template <typename Mark>
+void vrMKPBuffer::Remove_Marked(Mark &&mark)
 {
     uint8_t dead[REMOVAL_BLOCK];
     int group = 0;
@@ -256,7 +262,8 @@ template <typename Mark> void vrMKPBuffer::Remove_Marked(Mark &&mark)
     if (deaths > 0) Move_Survivors(firstGroup, ActiveCount - deaths);
 }
 
-template <typename Dies> void vrMKPBuffer::Remove_If(Dies &&dies)
+template <typename Dies>
+void vrMKPBuffer::Remove_If(Dies &&dies)
 {
     Remove_Marked([&dies](vrMKPSpan span, uint8_t *dead) {
         int deaths = 0;

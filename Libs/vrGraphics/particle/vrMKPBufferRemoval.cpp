@@ -10,7 +10,7 @@
 #define MK_PACKS_WORDS
 #endif
 
-// Survivors move toward the head, channel by channel, each of which is a stream of words: slot after slot, and 8 words
+// Survivors move toward the head, array by array, each of which is a stream of words: slot after slot, and 8 words
 // at a time whatever they belong to. Nothing is written over before it was read, since a place is written after what it
 // held has moved on.
 
@@ -18,7 +18,7 @@ namespace
 {
 
 constexpr int GROUP = 8;
-constexpr int KINDS = 3; ///< channels have one to three words a slot
+constexpr int KINDS = 2; ///< arrays have one or two words a slot
 
 /// For each mask of a group: the places of its set bits, lowest first.
 constexpr auto PLACES = [] {
@@ -29,16 +29,16 @@ constexpr auto PLACES = [] {
     return places;
 }();
 
-/// For each mask: each bit as often as a slot has words.
-template <int WORDS>
-constexpr auto REPEATED = [] {
-    std::array<uint32_t, 256> repeated{};
+/// For each mask: each bit twice.
+constexpr auto DOUBLED = [] {
+    std::array<uint16_t, 256> doubled{};
     for (unsigned mask = 0; mask < 256; ++mask)
-        for (int bit = 0; bit < GROUP * WORDS; ++bit) repeated[mask] |= (mask >> bit / WORDS & 1) << bit;
-    return repeated;
+        for (int bit = 0; bit < GROUP * 2; ++bit)
+            doubled[mask] = static_cast<uint16_t>(doubled[mask] | (mask >> bit / 2 & 1) << bit);
+    return doubled;
 }();
 
-/// Where the bits of the channels of each number of words begin.
+/// Where the bits of the arrays of each number of words begin.
 struct StayMasks
 {
     StayMasks(uint8_t *bits, int capacity)
@@ -46,7 +46,6 @@ struct StayMasks
         const size_t groups = static_cast<size_t>(capacity) / GROUP + 2;
         Bits[0] = bits;
         Bits[1] = Bits[0] + groups + sizeof(uint32_t);
-        Bits[2] = Bits[1] + groups * 2 + sizeof(uint32_t);
     }
     uint8_t *Bits[KINDS];
 };
@@ -94,8 +93,8 @@ constexpr auto STAYING = [] {
 }();
 
 /// Writes the words that stay one after the other, and may write others past them, up to the end of what it read. No
-/// place waits for the one before, and none is written over ahead of its turn: the next to stay is never nearer than the
-/// next place.
+/// place waits for the one before, and none is written over ahead of its turn: the next to stay is never nearer than
+/// the next place.
 void Pack_Plain(uint32_t *to, const uint32_t *from, const uint8_t *masks, int groups)
 {
     for (int group = 0; group < groups; ++group, from += GROUP) {
@@ -175,8 +174,7 @@ void vrMKPBuffer::Note_Survivors(int firstGroup, int count, uint8_t *dead)
         // Gathers the lowest bits of the eight bytes in the highest one.
         const auto stays = static_cast<uint8_t>(~(bytes * 0x0102040810204080u >> 56));
         masks.Bits[0][group] = stays;
-        std::memcpy(masks.Bits[1] + group * 2, &REPEATED<2>[stays], sizeof(uint32_t));
-        std::memcpy(masks.Bits[2] + group * 3, &REPEATED<3>[stays], sizeof(uint32_t));
+        std::memcpy(masks.Bits[1] + group * 2, &DOUBLED[stays], sizeof(uint16_t));
     }
 }
 
@@ -205,20 +203,43 @@ void vrMKPBuffer::Move_Survivors(int firstGroup, int survivors)
             write = (write + staying) % Capacity;
         }
     }
-    for (uint32_t channel = 0; channel < MKP_ATTRIBUTE_COUNT; ++channel) {
-        if (channel == MKP_RENDER) continue;
-        const int words = static_cast<int>(Get_Element_Size(static_cast<MKPAttribTypes>(channel)) / sizeof(uint32_t));
-        auto *base = static_cast<uint32_t *>(Channels[channel]);
+    const auto move = [&](auto *array) {
+        constexpr int WORDS = sizeof(*array) / sizeof(uint32_t);
+        auto *base = reinterpret_cast<uint32_t *>(array);
         for (int at = 0; at < steps.Count; ++at) {
             const Step &step = steps.Steps[at];
             if (step.GroupCount == 0) {
-                Move_Singly(base, words, step, masks.Bits[0][step.Group], Capacity);
+                Move_Singly(base, WORDS, step, masks.Bits[0][step.Group], Capacity);
                 continue;
             }
-            pack(base + step.Write * words, base + step.Read * words, masks.Bits[words - 1] + step.Group * words,
-                 step.GroupCount * words);
+            pack(base + step.Write * WORDS, base + step.Read * WORDS, masks.Bits[WORDS - 1] + step.Group * WORDS,
+                 step.GroupCount * WORDS);
         }
-    }
+    };
+    const auto moveVectors = [&](const vrMKPVectors &vectors) {
+        move(vectors.X);
+        move(vectors.Y);
+        move(vectors.Z);
+    };
+    moveVectors(ProjectileStartingPosition);
+    moveVectors(PreviousPosition);
+    moveVectors(Position);
+    moveVectors(ProjectileTargetPosition);
+    moveVectors(Velocity);
+    move(Age);
+    move(MaxAge);
+    move(Time);
+    move(ProjectileFlightDuration);
+    move(Flags);
+    move(ID);
+    move(Number);
+    move(UV);
+    move(DUV);
+    move(Color);
+    move(Size);
+    move(Rotation);
+    if (!Shares_World_Positions()) moveVectors(WorldPosition);
+    move(SortingRelativeToGroup);
     ActiveCount = survivors;
     Tail = (Head + survivors - 1 + Capacity) % Capacity;
 }

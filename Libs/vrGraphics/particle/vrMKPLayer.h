@@ -7,7 +7,8 @@
 
 class vrMKPBuffer;
 
-/// What a plugin may know of another layer of its group: the parent that it follows, or the child that takes its deaths.
+/// What a plugin may know of another layer of its group: the parent that it follows, or the child that takes its
+/// deaths.
 class vrMKPLayer
 {
 public:

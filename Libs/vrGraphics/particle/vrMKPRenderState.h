@@ -18,8 +18,9 @@ struct vrMKPRenderState
 {
     /// Dynamic parameters by number; 1 to 15 are in use.
     static constexpr int DYNAMIC_PARAMETER_COUNT = 16;
-    static constexpr int DYNAMIC_COLOR_TIME = 1;    ///< "Dynamic Parameter 1": the time axis of keyed colours
-    static constexpr int DYNAMIC_TARGET_RADIUS = 7; ///< a radius for some effects, the seconds of a flight for projectiles
+    static constexpr int DYNAMIC_COLOR_TIME = 1; ///< "Dynamic Parameter 1": the time axis of keyed colours
+    static constexpr int DYNAMIC_TARGET_RADIUS =
+        7; ///< a radius for some effects, the seconds of a flight for projectiles
 
     vrMKPRenderState();
     vrMKPRenderState(const vrMKPRenderState &) = delete;
@@ -82,15 +83,15 @@ struct vrMKPRenderState
     // The world; null where there is none.
     const vrTerrain *Terrain = nullptr;
     const vrCarrierModel *Carrier = nullptr;
-    Vector3 Wind{0.0f};   ///< units a second
+    Vector3 Wind{0.0f}; ///< units a second
     bool HasSun = false;
     Vector3 SunDirection{0.0f, 0.0f, 1.0f}; ///< toward the sun, unit length
 
-    const vrMKPLayerList *Layers = nullptr; ///< the group's own
+    const vrMKPLayerList *Layers = nullptr;    ///< the group's own
     const vrMKPEmitterFace *Emitter = nullptr; ///< null for a renderable without one
-    int32_t Seed = 0;                       ///< what the renderable drew for itself
-    /// For draws that no seed repeats. Each renderable has one of its own, so that the threads don't meet in it and what
-    /// one effect draws doesn't depend on what another one does.
+    int32_t Seed = 0;                          ///< what the renderable drew for itself
+    /// For draws that no seed repeats. Each renderable has one of its own, so that the threads don't meet in it and
+    /// what one effect draws doesn't depend on what another one does.
     mutable RandomClass Random;
 
     // Counters of the frame.

@@ -245,11 +245,16 @@ TEST(Frame, ARestartPlaysTheSameAgain)
         .Set_Value({.ShapeType = SHAPE_SPHERE});
     stage.Play(7);
     const vrMKPBuffer &buffer = *layer.Get_Buffer();
-    const std::vector<Vector3> first(buffer.Position, buffer.Position + buffer.ActiveCount);
+    const auto positions = [&buffer] {
+        std::vector<Vector3> all;
+        for (int slot = 0; slot < buffer.ActiveCount; ++slot) all.push_back(buffer.Position[slot]);
+        return all;
+    };
+    const std::vector<Vector3> first = positions();
     stage.Emitter->Restart();
     EXPECT_FALSE(buffer.Active);
     stage.Play(7);
-    EXPECT_EQ(first, std::vector<Vector3>(buffer.Position, buffer.Position + buffer.ActiveCount));
+    EXPECT_EQ(first, positions());
 }
 
 /// Blocks hand each modifier the ring in pieces; the outcome is that of whole walks, one modifier after the other.

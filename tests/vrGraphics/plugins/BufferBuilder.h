@@ -37,8 +37,9 @@ struct BufferBuilder
     {
         int slot = 0;
         Buffer->Grant_Slots(1, slot);
-        Buffer->PreviousPosition[slot] = Buffer->Position[slot] = Buffer->WorldPosition[slot] = position;
-        Buffer->Velocity[slot] = velocity;
+        for (const auto &channel : {Buffer->PreviousPosition, Buffer->Position, Buffer->WorldPosition})
+            channel.Put(slot, position);
+        Buffer->Velocity.Put(slot, velocity);
         Buffer->Age[slot] = time;
         Buffer->MaxAge[slot] = 1.0f;
         Buffer->Time[slot] = time;

@@ -336,7 +336,7 @@ void Add_Runners(BufferBuilder &parent, int count)
 {
     for (int i = 0; i < count; ++i) {
         const int slot = parent.Add({10.0f, float(i), 0.0f}, {100.0f, 0.0f, 0.0f}, 0.5f);
-        parent.Buffer->PreviousPosition[slot] = {0.0f, float(i), 0.0f};
+        parent.Buffer->PreviousPosition.Put(slot, {0.0f, float(i), 0.0f});
     }
 }
 
@@ -417,7 +417,7 @@ TEST(TrailSpawner, AParentBornInTheFrameComesFromItsBirthPlace)
     family.Set_Point("Velocity", Vector3(0.0f));
     // 0.05 seconds old: born at x = 5, while the emitter came from far away.
     const int slot = family.Parent.Add({10.0f, 0.0f, 0.0f}, {100.0f, 0.0f, 0.0f}, 0.05f);
-    family.Parent.Buffer->PreviousPosition[slot] = {-500.0f, 0.0f, 0.0f};
+    family.Parent.Buffer->PreviousPosition.Put(slot, {-500.0f, 0.0f, 0.0f});
     ASSERT_EQ(family.Step(), 3);
     Expect_Traces(family.Ring(), {{5, 0, 0.1f}, {5, 0, 0.05f}, {10, 0, 0.0f}});
 }
@@ -505,8 +505,9 @@ TEST(MeshSpawner, RandomPlacesAreSpreadEvenly)
     MeshFamily vertices(0);
     ASSERT_EQ(vertices.Step(), 1001);
     for (const Vector3 &corner : CORNERS) {
-        const auto count = std::count(vertices.Ring().Position, vertices.Ring().Position + 1001, corner);
-        EXPECT_NEAR(static_cast<double>(count), 250.0, 60.0);
+        int count = 0;
+        for (int slot = 0; slot < 1001; ++slot) count += vertices.Ring().Position[slot] == corner;
+        EXPECT_NEAR(count, 250.0, 60.0);
     }
 
     MeshFamily surface(1, 4000.0f);

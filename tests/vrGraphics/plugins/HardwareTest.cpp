@@ -46,7 +46,7 @@ struct HardwareRun : SpawnRun
             ages.insert(ages.end(), living.Age + span.First, living.Age + span.First + span.Count);
         return ages;
     }
-    const Vector3 &First_Position() { return Particles().Get_Particles().Position[Particles().Get_Particles().Head]; }
+    Vector3 First_Position() { return Particles().Get_Particles().Position[Particles().Get_Particles().Head]; }
 };
 
 void Expect_Ages(HardwareRun &run, const std::vector<float> &expected)

@@ -485,7 +485,7 @@ TEST(TerrainBounce, FollowsItsSurface)
         SCOPED_TRACE(row.what);
         Stage stage(kvrMKPTerrainBounceModifier, row.space, row.values);
         const int slot = stage.Add(row.to, row.velocity);
-        stage.Buffer->PreviousPosition[slot] = row.from;
+        stage.Buffer->PreviousPosition.Put(slot, row.from);
         stage.Play();
         Expect_Near(stage.Buffer->Position[slot], row.position, "position");
         Expect_Near(stage.Buffer->Velocity[slot], row.newVelocity, "velocity");
@@ -499,7 +499,7 @@ TEST(TerrainBounce, TurnsOnARoughSurfaceAndNeedsOne)
     Stage stage(kvrMKPTerrainBounceModifier, WORLD, {{"Elasticity", 1.0f}, {"Surface Roughness", 1.0f}});
     EXPECT_EQ(stage.Modifier.Get_Walk(), vrMKPModifier::WALK_WHOLE);
     const int slot = stage.Add({0, 0, -1}, {3, 0, -4});
-    stage.Buffer->PreviousPosition[slot] = {0, 0, 1};
+    stage.Buffer->PreviousPosition.Put(slot, {0, 0, 1});
     RandomClass same(stage.State.Random.Get_State());
     const float angle = same.Get_Float(0.0f, 6.2831855f);
     stage.State.Terrain = nullptr;
@@ -554,8 +554,8 @@ TEST(Bullet, FliesFromItsOriginToTheTarget)
         for (const bool stopped : {false, true}) {
             const int slot = stage.Add({0, 8, 0}, ZERO, row.time);
             vrMKPBuffer &buffer = *stage.Buffer;
-            buffer.ProjectileStartingPosition[slot] = ZERO;
-            buffer.ProjectileTargetPosition[slot] = {10, 0, 0};
+            buffer.ProjectileStartingPosition.Put(slot, ZERO);
+            buffer.ProjectileTargetPosition.Put(slot, {10, 0, 0});
             buffer.ProjectileFlightDuration[slot] = 2.0f;
             buffer.Age[slot] = 1.0f;
             buffer.ID[slot] = row.id;
@@ -625,7 +625,7 @@ TEST(Motion, SurvivesAnyValue)
                 stage.State.TargetCircleRadius = value;
                 for (const float place : values) {
                     const int slot = stage.Add(Vector3(place, 1, -2), Vector3(3, place, 1), place);
-                    stage.Buffer->PreviousPosition[slot] = {0, 0, 5};
+                    stage.Buffer->PreviousPosition.Put(slot, {0, 0, 5});
                 }
                 stage.Buffer->ModifierData.clear(); // what a layer may lack
                 Reports reports;

@@ -275,19 +275,19 @@ TEST(RotationModifiers, AlignWithTheMotionOnTheScreen)
         const double angle = step * 0.0123456789;
         const double speed = std::exp2(step % 40 - 20);
         const Vector3 velocity(speed * std::cos(angle), speed * std::sin(angle), speed * (step % 7));
-        buffer.Buffer->Velocity[slot] = velocity;
+        buffer.Buffer->Velocity.Put(slot, velocity);
         const double steps = std::atan2(double(velocity.y), double(velocity.x)) * 2048.0 / std::numbers::pi;
         if (std::fabs(steps - std::floor(steps) - 0.5) < 2e-3) continue; // what a float can't tell from a tie
         const auto expected = static_cast<uint32_t>(std::lround(steps)) & 0xfff;
         EXPECT_EQ(Rotation_After(*aligned, buffer, slot), expected) << angle;
         EXPECT_EQ(Rotation_After(*turned, buffer, slot), (expected + 1024) & 0xfff) << angle;
     }
-    buffer.Buffer->Velocity[slot] = {0.0f, 0.0f, 5.0f};
+    buffer.Buffer->Velocity.Put(slot, {0.0f, 0.0f, 5.0f});
     EXPECT_EQ(Rotation_After(*aligned, buffer, slot, 9), 0u) << "straight away from the camera";
 
     // A camera that rolls by a quarter sees y as its right, and a turned renderable hands x to it as y.
     buffer.State.Camera = Mat3DClass::From_Angles({0.0f, 0.0f, std::numbers::pi_v<float> / 2.0f});
-    buffer.Buffer->Velocity[slot] = {-1.0f, 0.0f, 0.0f};
+    buffer.Buffer->Velocity.Put(slot, {-1.0f, 0.0f, 0.0f});
     EXPECT_EQ(Rotation_After(*aligned, buffer, slot), 1024u);
     buffer.State.Place_At(buffer.State.Camera);
     buffer.Buffer->TransformType = MKP_TRANSFORM_LOCAL;

@@ -81,9 +81,12 @@ std::vector<uint32_t> Numbers(const vrMKPBuffer &buffer)
 void Stamp(vrMKPBuffer &buffer, int slot)
 {
     const auto number = static_cast<float>(buffer.Number[slot]);
-    buffer.ProjectileStartingPosition[slot] = buffer.PreviousPosition[slot] = Vector3(number, number + 1, number + 2);
-    buffer.Position[slot] = buffer.ProjectileTargetPosition[slot] = Vector3(number, number + 3, number + 4);
-    buffer.Velocity[slot] = buffer.WorldPosition[slot] = Vector3(number + 5, number + 6, number + 7);
+    buffer.ProjectileStartingPosition.Put(slot, {number, number + 1, number + 2});
+    buffer.PreviousPosition.Put(slot, {number + 9, number + 10, number + 11});
+    buffer.Position.Put(slot, {number, number + 3, number + 4});
+    buffer.ProjectileTargetPosition.Put(slot, {number + 12, number + 13, number + 14});
+    buffer.Velocity.Put(slot, {number + 5, number + 6, number + 7});
+    buffer.WorldPosition.Put(slot, {number + 15, number + 16, number + 17});
     buffer.ProjectileFlightDuration[slot] = buffer.SortingRelativeToGroup[slot] = number;
     buffer.UV[slot] = buffer.DUV[slot] = buffer.Size[slot] = Vector2(number, number + 8);
     buffer.Color[slot] = buffer.Rotation[slot] = buffer.ID[slot] = buffer.Number[slot];
@@ -96,9 +99,9 @@ std::vector<uint8_t> Bytes_Of(const vrMKPBuffer &buffer, int slot)
     for (uint32_t at = 0; at < MKP_ATTRIBUTE_COUNT; ++at) {
         const auto channel = static_cast<MKPAttribTypes>(at);
         if (channel == MKP_AGE || channel == MKP_TIME || channel == MKP_RENDER) continue;
-        const size_t size = vrMKPBuffer::Get_Element_Size(channel);
-        const auto *element = static_cast<const uint8_t *>(buffer.Get_Channel(channel)) + size * slot;
-        bytes.insert(bytes.end(), element, element + size);
+        const size_t begin = bytes.size();
+        bytes.resize(begin + vrMKPBuffer::Get_Element_Size(channel));
+        buffer.Copy_Element(channel, slot, bytes.data() + begin);
     }
     return bytes;
 }
@@ -348,6 +351,25 @@ TEST(Stompers, ConditionsKillBeyondTheirBorder)
     }
 }
 
+// Wherever it stands in runs of all lengths.
+TEST(Stompers, ConditionFindsTheOneThatDies)
+{
+    const auto stomper = Make<vrMKPRadiusStomper>({{"Stomp Radius", 5}});
+    for (const int count : {1, 7, 15, 16, 17, 31, 33, 511, 513, 700}) {
+        for (const int dying : {0, count / 2, count - 1}) {
+            BufferBuilder built(700);
+            built.Start_At(dying % 7 + 600);
+            std::vector<uint32_t> expected;
+            for (int i = 0; i < count; ++i) {
+                built.Add({i == dying ? 6.0f : 4.0f, 0.0f, 0.0f});
+                if (i != dying) expected.push_back(static_cast<uint32_t>(i));
+            }
+            stomper->Kill_Particles(*built.Buffer);
+            ASSERT_EQ(Numbers(*built.Buffer), expected) << dying << " of " << count;
+        }
+    }
+}
+
 TEST(Stompers, BulletSpendsItsLastFrameBeforeTheEnd)
 {
     struct Case
@@ -422,38 +444,45 @@ TEST(WeatherCube, ModifierBringsStraysBackFromTheOtherSide)
     // A cube of 10 about the origin: 7 is 2 past the face and comes back 2 from the other one; 26 is 21 past it, of
     // which the two whole cubes count as 2 units, not as 20.
     const auto modifier = Make<vrMKPWeatherCubeModifier>({{"Cube Size", 10.0f}});
-    BufferBuilder built(1024);
-    vrMKPBuffer &buffer = *built.Buffer;
-    built.Start_At(900);
-    for (int i = 0; i < 600; ++i) built.Add({1.0f, 2.0f, 3.0f});
-    const int early = built.Add({4.0f, 5.0f, -5.0f});
-    const int wrapped = built.Add({7.0f, 0.0f, -7.0f});
-    const int far = built.Add({26.0f, 0.0f, 0.0f});
-    for (const vrMKPSpan span : buffer.Live_Spans())
-        for (int slot = span.First; slot < span.First + span.Count; ++slot)
-            buffer.PreviousPosition[slot] = buffer.Position[slot] - Vector3(1.0f, 0.0f, 0.0f);
-    modifier->Modify(buffer, 0);
-    EXPECT_EQ(buffer.Position[early], Vector3(4.0f, 5.0f, -5.0f));
-    EXPECT_EQ(buffer.Position[wrapped], Vector3(-3.0f, 0.0f, 3.0f));
-    EXPECT_EQ(buffer.PreviousPosition[wrapped], Vector3(-4.0f, 0.0f, 3.0f));
-    EXPECT_EQ(buffer.Position[far], Vector3(14.0f, 0.0f, 0.0f));
-    EXPECT_EQ(buffer.PreviousPosition[far], Vector3(13.0f, 0.0f, 0.0f));
-    EXPECT_EQ(buffer.Position[900], Vector3(1.0f, 2.0f, 3.0f));
+    for (const bool mayRest : {false, true}) {
+        BufferBuilder built(1024);
+        vrMKPBuffer &buffer = *built.Buffer;
+        buffer.MayHaveStopped = mayRest;
+        built.Start_At(900);
+        for (int i = 0; i < 600; ++i) built.Add({1.0f, 2.0f, 3.0f});
+        const int early = built.Add({4.0f, 5.0f, -5.0f});
+        const int resting = built.Add({7.0f, 0.0f, 0.0f});
+        const int wrapped = built.Add({7.0f, 0.0f, -7.0f});
+        const int far = built.Add({26.0f, 0.0f, 0.0f});
+        buffer.Flags[resting] = PARTICLE_STOPPED;
+        for (const vrMKPSpan span : buffer.Live_Spans())
+            for (int slot = span.First; slot < span.First + span.Count; ++slot)
+                buffer.PreviousPosition.Put(slot, buffer.Position[slot] - Vector3(1.0f, 0.0f, 0.0f));
+        modifier->Modify(buffer, 0);
+        EXPECT_EQ(buffer.Position[early], Vector3(4.0f, 5.0f, -5.0f));
+        // The flag counts where the buffer says that somebody may rest.
+        EXPECT_EQ(buffer.Position[resting], Vector3(mayRest ? 7.0f : -3.0f, 0.0f, 0.0f));
+        EXPECT_EQ(buffer.Position[wrapped], Vector3(-3.0f, 0.0f, 3.0f));
+        EXPECT_EQ(buffer.PreviousPosition[wrapped], Vector3(-4.0f, 0.0f, 3.0f));
+        EXPECT_EQ(buffer.Position[far], Vector3(14.0f, 0.0f, 0.0f));
+        EXPECT_EQ(buffer.PreviousPosition[far], Vector3(13.0f, 0.0f, 0.0f));
+        EXPECT_EQ(buffer.Position[900], Vector3(1.0f, 2.0f, 3.0f));
+    }
 }
 
 TEST(WeatherCube, MovingCameraMovesNobody)
 {
     const auto transformer = Make<vrMKPWeatherCubeTransformer>({{"Cube Size", 10.0f}, {"Camera Offset", 3.0f}});
-    BufferBuilder built(64, MKP_TRANSFORM_LOCAL);
+    BufferBuilder built(75, MKP_TRANSFORM_LOCAL);
     vrMKPBuffer &buffer = *built.Buffer;
     RandomClass random(3);
-    for (int i = 0; i < 64; ++i) built.Add({random.Get_Float(-5, 5), random.Get_Float(-5, 5), random.Get_Float(-5, 5)});
+    for (int i = 0; i < 75; ++i) built.Add({random.Get_Float(-5, 5), random.Get_Float(-5, 5), random.Get_Float(-5, 5)});
     for (float way = -25.0f; way < 25.0f; way += 0.37f) {
         const Mat3DClass camera = Mat3DClass::Look_At({way, -2 * way, 1.0f}, {way + 1.0f, 5.0f, way});
         vrBounds bounds;
         transformer->Transform_For_View(&buffer, &camera, bounds);
         EXPECT_EQ(bounds.Extent, Vector3(10000.0f));
-        for (int slot = 0; slot < 64; ++slot) {
+        for (int slot = 0; slot < 75; ++slot) {
             for (int axis = 0; axis < 3; ++axis) {
                 // The same place of the lattice, in whichever cube.
                 const float cubes = (buffer.WorldPosition[slot][axis] - buffer.Position[slot][axis]) / 10.0f;
@@ -542,15 +571,15 @@ TEST(Transformers, ScreenRemainderIsExact)
     for (const float width : {500.0f, 0.1f, 3.0f, 1e-30f, 1e35f, 0.0f, -7.0f, INF}) {
         const auto transformer = Make<vrMKPScreenTransformer>({{"Width", width}});
         for (const float range : {1.0f, 1e3f, 1e9f, 1e38f}) {
-            BufferBuilder built(64);
-            for (int i = 0; i < 64; ++i) {
+            BufferBuilder built(75);
+            for (int i = 0; i < 75; ++i) {
                 const float tile = width * static_cast<float>(random.Get_Int(0, 1000));
                 const float nearTile = std::nextafter(tile - width * 0.5f, i % 2 ? INF : 0.0f);
                 built.Add({i < 32 ? random.Get_Float(-range, range) : nearTile, 0.0f, 0.0f});
             }
             vrBounds bounds;
             transformer->Transform_For_View(built.Buffer.Get(), &camera, bounds);
-            for (int slot = 0; slot < 64; ++slot) {
+            for (int slot = 0; slot < 75; ++slot) {
                 const float x = built.Buffer->Position[slot].x;
                 const float half = width / 2.0f;
                 const float expected =

@@ -28,7 +28,7 @@ struct Mover : VisualizerStage
     }
     void Move(const Vector3 &velocity)
     {
-        Get_Buffer().PreviousPosition[0] = Get_Buffer().Position[0] - velocity * 0.1f;
+        Get_Buffer().PreviousPosition.Put(0, Get_Buffer().Position[0] - velocity * 0.1f);
     }
     void Stretch(float slow, float fast, float slowSpeed, float fastSpeed)
     {
@@ -86,7 +86,7 @@ TEST(VelocityAligned, LiesAlongItsMotionAndFacesTheCamera)
         mover.Built.State.Place_At(Quarter_Turn());
         mover.Get_Buffer().TransformType = c.space;
         mover.Move(c.velocity);
-        mover.Get_Buffer().WorldPosition[0] = c.position;
+        mover.Get_Buffer().WorldPosition.Put(0, c.position);
         const auto vertices = mover.Build<vrLitVertex>();
         Expect_Corners(vertices, c.corners);
         for (const vrLitVertex &vertex : vertices) Expect_Near(vertex.Normal, c.normal, "normal");
@@ -273,7 +273,7 @@ TEST(VelocityAligned, QuadsDontDependOnTheirNeighbours)
         };
         for (int i = 0; i < COUNT; ++i) {
             const int slot = many.Add(spread());
-            many.Get_Buffer().PreviousPosition[slot] = spread();
+            many.Get_Buffer().PreviousPosition.Put(slot, spread());
             many.Get_Buffer().Time[slot] = random.Get_Float(0, 1);
         }
         for (VisualizerStage *stage : {&many, static_cast<VisualizerStage *>(&one)}) {

@@ -5,7 +5,7 @@
 #include "MKLib/Parameters/SimpleParameters.h"
 #include "vrGraphics/particle/InlineVectors.h"
 #include "vrGraphics/particle/ParticleMath.h"
-#include "vrGraphics/particle/VectorPlanes.h"
+#include "vrGraphics/particle/WholeRegisters.h"
 #include "vrGraphics/particle/vrMKPRenderState.h"
 #include "vrGraphics/particle/vrWorld.h"
 
@@ -36,8 +36,8 @@ MK_INLINE Vector3 Mix(const Vector3 &a, const Vector3 &b, float t)
 /// What the loops read of a block, a value or a vector each.
 struct Shots
 {
-    Planes Origins; ///< in the world, as the targets
-    Planes Targets;
+    vrMKPConstVectors Origins; ///< in the world, as the targets
+    vrMKPConstVectors Targets;
     float Times[BLOCK]; ///< of the way, at most 1
     float Spreads[BLOCK];
     const float *Ages;
@@ -51,33 +51,36 @@ struct Course
     float HoverHeight;
 };
 
+template <int Trajectory>
+MK_INLINE Vector3 Place_On_Way(const Shots &shots, int i, const Course &course)
+{
+    const Vector3 origin = shots.Origins[i];
+    const Vector3 target = shots.Targets[i];
+    const float time = shots.Times[i];
+    if constexpr (Trajectory == vrMKPBulletModifier::TRAJECTORY_LINEAR) {
+        return Mix(origin, target, time);
+    } else {
+        const Vector3 delta = Minus(target, origin);
+        const Vector3 unit = Particle::Unit(delta);
+        const float length = std::sqrt(Dot(delta, delta));
+        const Vector3 way(unit.x * length * time, unit.y * length * time, unit.z * length * time);
+        float height = course.HoverHeight;
+        if constexpr (Trajectory == vrMKPBulletModifier::TRAJECTORY_ARC) {
+            const float duration = shots.Durations[i] > 0.0f ? shots.Durations[i] : 0.01f;
+            const float age = shots.Ages[i];
+            const float rise = course.Gravity * duration * 0.5f * age - course.Gravity * age * age * 0.5f;
+            height = origin.z + rise + way.z;
+        }
+        return {origin.x + way.x, origin.y + way.y, height};
+    }
+}
+
 /// The places without the spread.
 template <int Trajectory>
-MK_SIMD void Place_On_Way(Planes &__restrict places, const Shots &shots, int count, Course course)
+MK_SIMD void Place_On_Ways(Planes &__restrict places, const Shots &shots, int count, Course course)
 {
-    const float *__restrict ages = shots.Ages;
-    const float *__restrict durations = shots.Durations;
-    for (int i = 0; i < count; ++i) {
-        const Vector3 origin = shots.Origins.At(i);
-        const Vector3 target = shots.Targets.At(i);
-        const float time = shots.Times[i];
-        if constexpr (Trajectory == vrMKPBulletModifier::TRAJECTORY_LINEAR) {
-            places.Put(i, Mix(origin, target, time));
-        } else {
-            const Vector3 delta = Minus(target, origin);
-            const Vector3 unit = Particle::Unit(delta);
-            const float length = std::sqrt(Dot(delta, delta));
-            const Vector3 way(unit.x * length * time, unit.y * length * time, unit.z * length * time);
-            float height = course.HoverHeight;
-            if constexpr (Trajectory == vrMKPBulletModifier::TRAJECTORY_ARC) {
-                const float duration = durations[i] > 0.0f ? durations[i] : 0.01f;
-                const float age = ages[i];
-                const float rise = course.Gravity * duration * 0.5f * age - course.Gravity * age * age * 0.5f;
-                height = origin.z + rise + way.z;
-            }
-            places.Put(i, {origin.x + way.x, origin.y + way.y, height});
-        }
-    }
+    Particle::For_Whole_Registers(
+        count, [&](int i) MK_INLINE_LAMBDA { places.Put(i, Place_On_Way<Trajectory>(shots, i, course)); });
 }
 
 /// Six bits of an ID as a value in [-1, 1]. The second and the third of the three share two bits.
@@ -90,14 +93,14 @@ MK_INLINE float Signed_Six_Bits(uint32_t id, int low)
 template <bool Level, bool Arc>
 MK_SIMD void Stray(Planes &__restrict places, const Shots &shots, int count)
 {
-    const uint32_t *__restrict ids = shots.IDs;
+#pragma GCC ivdep
     for (int i = 0; i < count; ++i) {
-        const Vector3 place = places.At(i);
-        const Vector3 origin = shots.Origins.At(i);
-        const Vector3 way = Particle::Unit(Minus(Arc ? place : shots.Targets.At(i), origin));
+        const Vector3 place = places[i];
+        const Vector3 origin = shots.Origins[i];
+        const Vector3 way = Particle::Unit(Minus(Arc ? place : shots.Targets[i], origin));
         const Vector3 across = Level ? Vector3(0.0f, 0.0f, 1.0f) : way;
         const float spread = shots.Spreads[i];
-        const uint32_t id = ids[i];
+        const uint32_t id = shots.IDs[i];
         const Vector3 offset(Signed_Six_Bits(id, 0) * spread, Signed_Six_Bits(id, 6) * spread,
                              Signed_Six_Bits(id, 10) * spread);
         const float along = Dot(offset, across);
@@ -111,18 +114,25 @@ MK_SIMD void Stray(Planes &__restrict places, const Shots &shots, int count)
 MK_SIMD bool Any_Spread(const float *__restrict spreads, int count)
 {
     uint32_t any = 0;
-    for (int i = 0; i < count; ++i) any |= spreads[i] > 0.0f ? ~0u : 0u;
+    Particle::For_Whole_Registers(count, [&](int i) MK_INLINE_LAMBDA { any |= spreads[i] > 0.0f ? ~0u : 0u; });
     return any != 0;
 }
 
 MK_SIMD void Limit_Times(float *__restrict times, const float *__restrict from, int count)
 {
-    for (int i = 0; i < count; ++i) times[i] = 1.0f < from[i] ? 1.0f : from[i];
+    Particle::For_Whole_Registers(count, [&](int i) MK_INLINE_LAMBDA { times[i] = 1.0f < from[i] ? 1.0f : from[i]; });
 }
 
-MK_SIMD void Blend_In(Planes &__restrict places, const Planes &own, const float *__restrict blends, int count)
+MK_SIMD void Scale(float *__restrict to, const float *__restrict from, int count, float factor)
 {
-    for (int i = 0; i < count; ++i) places.Put(i, Mix(own.At(i), places.At(i), blends[i]));
+    Particle::For_Whole_Registers(count, [&](int i) MK_INLINE_LAMBDA { to[i] = from[i] * factor; });
+}
+
+/// `to` may be one of the two.
+MK_SIMD void Blend_In(vrMKPVectors to, vrMKPConstVectors own, vrMKPConstVectors places, const float *blends, int count)
+{
+#pragma GCC ivdep
+    for (int i = 0; i < count; ++i) to.Put(i, Mix(own[i], places[i], blends[i]));
 }
 
 void Add_Ground(Planes &places, int count, const vrTerrain &terrain)
@@ -142,33 +152,28 @@ struct vrMKPBulletModifier::Flight
     bool SpreadsLevel; ///< and not across the way
     Course Shape;
 
-    /// In the world.
-    void Split(Planes &to, const Vector3 *from, int count) const
+    /// Puts the vectors into the world, for which they may take `room`.
+    vrMKPConstVectors Map(const vrMKPConstVectors &from, int count, Planes &room) const
     {
-        if (IsWorld) return Particle::Split(to, from, count);
-        Vector3 mapped[BLOCK];
-        Particle::Transform_Points(mapped, from, count, State.Transform);
-        Particle::Split(to, mapped, count);
+        if (IsWorld) return from;
+        Particle::Transform_Points(room, from, count, State.Transform);
+        return room;
     }
 
-    void Take(Shots &shots, const vrMKPBuffer &buffer, int first, int count) const
+    vrMKPConstVectors Get_Targets(const vrMKPConstVectors &atBirth, int count, Planes &room) const
     {
-        shots.Ages = buffer.Age + first;
-        shots.Durations = buffer.ProjectileFlightDuration + first;
-        shots.IDs = buffer.ID + first;
-        Limit_Times(shots.Times, buffer.Time + first, count);
-        Split(shots.Origins, buffer.ProjectileStartingPosition + first, count);
-        if (!IsHoming) return Split(shots.Targets, buffer.ProjectileTargetPosition + first, count);
-        for (int i = 0; i < count; ++i) shots.Targets.Put(i, State.HomingTarget);
+        if (!IsHoming) return Map(atBirth, count, room);
+        Particle::Fill(room, State.HomingTarget, count);
+        return room;
     }
 
     /// The places in the world.
     void Place(Planes &places, const Shots &shots, int count) const
     {
         switch (Trajectory) {
-        case TRAJECTORY_LINEAR: Place_On_Way<TRAJECTORY_LINEAR>(places, shots, count, Shape); break;
-        case TRAJECTORY_GROUND: Place_On_Way<TRAJECTORY_GROUND>(places, shots, count, Shape); break;
-        default: Place_On_Way<TRAJECTORY_ARC>(places, shots, count, Shape);
+        case TRAJECTORY_LINEAR: Place_On_Ways<TRAJECTORY_LINEAR>(places, shots, count, Shape); break;
+        case TRAJECTORY_GROUND: Place_On_Ways<TRAJECTORY_GROUND>(places, shots, count, Shape); break;
+        default: Place_On_Ways<TRAJECTORY_ARC>(places, shots, count, Shape);
         }
         if (Any_Spread(shots.Spreads, count)) {
             const bool isArc = Trajectory == TRAJECTORY_ARC;
@@ -226,30 +231,38 @@ void vrMKPBulletModifier::Evaluate_Spreads(const vrMKPBuffer &buffer, const floa
 {
     if (UseKeyedSpread->Get_Value()) return KeyedSpread->Evaluate_Many(times, count, false, spreads);
     const float base = SpreadFromTargetRadius->Get_Value() ? buffer.State->Get_Target_Radius() : Spread->Get_Value();
-    for (int i = 0; i < count; ++i) spreads[i] = times[i] * base;
+    Scale(spreads, times, count, base);
 }
 
 void vrMKPBulletModifier::Apply(vrMKPBuffer &buffer, int, vrMKPSpan span) const
 {
     const Flight flight = Get_Flight(buffer);
     Shots shots;
-    Planes own;
-    Planes places;
+    Planes origins, targets, own, places;
     float blends[BLOCK];
-    Vector3 results[BLOCK];
     for (int at = 0; at < span.Count; at += BLOCK) {
         const int first = span.First + at;
         const int count = std::min(BLOCK, span.Count - at);
-        flight.Take(shots, buffer, first, count);
+        const vrMKPVectors positions = buffer.Position + first;
+        shots.Ages = buffer.Age + first;
+        shots.Durations = buffer.ProjectileFlightDuration + first;
+        shots.IDs = buffer.ID + first;
+        Limit_Times(shots.Times, buffer.Time + first, count);
+        shots.Origins = flight.Map(buffer.ProjectileStartingPosition + first, count, origins);
+        shots.Targets = flight.Get_Targets(buffer.ProjectileTargetPosition + first, count, targets);
         Evaluate_Spreads(buffer, shots.Times, count, shots.Spreads);
         Blend->Evaluate_Many(shots.Times, count, false, blends);
-        flight.Split(own, buffer.Position + first, count);
         flight.Place(places, shots, count);
-        Blend_In(places, own, blends, count);
-        Particle::Join(results, places, count);
-        if (!flight.IsWorld) Particle::Transform_Points(results, results, count, buffer.State->InverseTransform);
+        const vrMKPVectors results = buffer.MayHaveStopped ? vrMKPVectors(places) : positions;
+        const vrMKPConstVectors mapped = flight.Map(positions, count, own);
+        if (flight.IsWorld) {
+            Blend_In(results, mapped, places, blends, count);
+        } else {
+            Blend_In(places, mapped, places, blends, count);
+            Particle::Transform_Points(results, places, count, buffer.State->InverseTransform);
+        }
+        if (!buffer.MayHaveStopped) continue;
         for (int i = 0; i < count; ++i)
-            if (!buffer.MayHaveStopped || !(buffer.Flags[first + i] & PARTICLE_STOPPED))
-                buffer.Position[first + i] = results[i];
+            if (!(buffer.Flags[first + i] & PARTICLE_STOPPED)) positions.Put(i, results[i]);
     }
 }

@@ -105,7 +105,5 @@ void vrMKPBulletStomper::Age_Span(vrMKPBuffer &buffer, vrMKPSpan span) const
 
 void vrMKPBulletStomper::Stomp(vrMKPBuffer &buffer, bool spawnOnDeath) const
 {
-    StompLoops::Remove_Marked(buffer, 0.0f, spawnOnDeath, [&buffer](vrMKPSpan span, uint8_t *dead) {
-        return StompLoops::Mark_From(buffer.Time + span.First, span.Count, ARRIVAL_TIME, dead);
-    });
+    StompLoops::Remove_From(buffer, ARRIVAL_TIME, spawnOnDeath);
 }

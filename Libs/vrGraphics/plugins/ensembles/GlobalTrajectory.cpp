@@ -19,7 +19,7 @@ void vrMKPGlobalTrajectoryStomper::Stomp(vrMKPBuffer &buffer, bool spawnOnDeath)
     const float limit = TrajectoryPosition->Get_Value();
     const bool isReverse = ReverseDirection->Get_Value();
     const auto passes = [&](int slot) {
-        const Vector3 &position = buffer.Position[slot];
+        const Vector3 position = buffer.Position[slot];
         float fraction = 0.0f;
         if (!state.Carrier->Get_Trajectory_Fraction(buffer.Is_World() ? position : state.Transform.Transform(position),
                                                     fraction))

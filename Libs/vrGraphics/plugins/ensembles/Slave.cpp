@@ -26,6 +26,11 @@ void Copy_All(vrMKPBuffer &buffer, const vrMKPBuffer &parent, T *vrMKPBuffer::*c
                 static_cast<size_t>(buffer.Capacity) * sizeof(T));
 }
 
+void Copy_All(vrMKPBuffer &buffer, const vrMKPBuffer &parent, vrMKPVectors vrMKPBuffer::*channel)
+{
+    Particle::Copy(buffer.*channel, parent.*channel, buffer.Capacity);
+}
+
 void Copy_Particles(vrMKPBuffer &buffer, const vrMKPBuffer &parent, const Vector3 &offset)
 {
     for (auto channel : {&vrMKPBuffer::PreviousPosition, &vrMKPBuffer::Position, &vrMKPBuffer::WorldPosition}) {

@@ -6,6 +6,7 @@
 #include "MKLib/Parameters/SimpleParameters.h"
 #include "vrGraphics/particle/InlineVectors.h"
 #include "vrGraphics/particle/ParticleMath.h"
+#include "vrGraphics/particle/WholeRegisters.h"
 #include "vrGraphics/drivercommon/vrBounds.h"
 #include "vrGraphics/particle/vrMKPRenderState.h"
 #include "vrGraphics/plugins/spawners/SpawnerTexts.h"
@@ -24,6 +25,9 @@ constexpr const char *TIME_EMULATIONS[] = {"Time increases with +X", "Time incre
                                            "Time increases with +Z", "Time increases with -X",
                                            "Time increases with -Y", "Time increases with -Z"};
 constexpr int TIME_INCREASES_DOWNWARD = 5;
+
+/// Coordinates that are looked at and then changed: few enough to be in the first cache still.
+constexpr int BLOCK = 512;
 
 RangedFloatParameter *Add_Cube_Size(ParameterListClass &parameters, int id)
 {
@@ -57,37 +61,78 @@ MK_INLINE float Reduce(float excess, float size)
 template <bool Near>
 MK_INLINE float Wrap(float coordinate, float size, float half)
 {
-    const uint32_t isBelow = coordinate < -half ? ~0u : 0u;
-    const float raised = Particle::Select_Bits(isBelow, half - Reduce<Near>(-half - coordinate, size), coordinate);
-    const uint32_t isAbove = raised > half ? ~0u : 0u;
-    return Particle::Select_Bits(isAbove, -half + Reduce<Near>(raised - half, size), raised);
+    const float raised = coordinate < -half ? half - Reduce<Near>(-half - coordinate, size) : coordinate;
+    return raised > half ? -half + Reduce<Near>(raised - half, size) : raised;
+}
+
+template <bool Near>
+MK_INLINE void Wrap_With_Previous(float &coordinate, float &previous, float size, float half)
+{
+    const float wrapped = Wrap<Near>(coordinate, size, half);
+    previous = wrapped - (coordinate - previous);
+    coordinate = wrapped;
 }
 
 /// Whether a coordinate lies beyond `limit`, which isn't negative.
 MK_SIMD bool Any_Beyond(const float *__restrict values, int count, float limit)
 {
     uint32_t outside = 0;
-    for (int at = 0; at < count; ++at) outside |= std::fabs(values[at]) > limit ? ~0u : 0u;
+    Particle::For_Whole_Registers(count,
+                                  [&](int i) MK_INLINE_LAMBDA { outside |= std::fabs(values[i]) > limit ? ~0u : 0u; });
     return outside != 0;
 }
 
-MK_SIMD bool Any_Outside(const float *__restrict values, int count, float half)
+MK_INLINE uint32_t Is_Outside(float coordinate, float half)
 {
-    int outside = 0;
-    for (int at = 0; at < count; ++at) outside |= (values[at] < -half ? 1 : 0) | (values[at] > half ? 1 : 0);
+    return (coordinate < -half ? ~0u : 0u) | (coordinate > half ? ~0u : 0u);
+}
+MK_INLINE uint32_t Is_Outside(const Vector3 &position, float half)
+{
+    return Is_Outside(position.x, half) | Is_Outside(position.y, half) | Is_Outside(position.z, half);
+}
+
+MK_SIMD bool Any_Outside(vrMKPConstVectors positions, int count, float half)
+{
+    uint32_t outside = 0;
+    Particle::For_Whole_Registers(count, [&](int i) MK_INLINE_LAMBDA { outside |= Is_Outside(positions[i], half); });
     return outside != 0;
 }
 
-/// Wraps `count` coordinates, and shifts the previous ones along.
 template <bool Near>
-MK_SIMD void Wrap_All(float *__restrict positions, float *__restrict previous, int count, float size, float half)
+MK_SIMD void Wrap_All(float *__restrict coordinates, float *__restrict previous, int count, float size, float half)
 {
-    for (int at = 0; at < count; ++at) {
-        const float old = positions[at];
-        const float wrapped = Wrap<Near>(old, size, half);
-        previous[at] = wrapped - (old - previous[at]);
-        positions[at] = wrapped;
+    for (int at = 0; at < count; ++at) Wrap_With_Previous<Near>(coordinates[at], previous[at], size, half);
+}
+
+/// Wraps the coordinates of the slots from `first` to `end`, and shifts the previous ones along.
+void Wrap_Run(float *coordinates, float *previous, int first, int end, float size, float half)
+{
+    for (int slot = first; slot < end;) {
+        // All blocks but the first begin where a cache line does.
+        const int next = std::min((slot / BLOCK + 1) * BLOCK, end);
+        // Within the cube and its neighbours the ways past a face are shorter than it.
+        const bool isNear = half > 0.0f && !Any_Beyond(coordinates + slot, next - slot, half * 2.5f);
+        (isNear ? Wrap_All<true> : Wrap_All<false>)(coordinates + slot, previous + slot, next - slot, size, half);
+        slot = next;
     }
+}
+
+bool Is_Stopped(const vrMKPBuffer &buffer, int slot)
+{
+    return buffer.MayHaveStopped && (buffer.Flags[slot] & PARTICLE_STOPPED);
+}
+
+/// The first slot of a run with a particle outside the cube that isn't at rest, or the run's end.
+int Find_Outside(const vrMKPBuffer &buffer, vrMKPSpan span, float half)
+{
+    const int end = span.First + span.Count;
+    for (int first = span.First; first < end; first += BLOCK) {
+        const int blockEnd = std::min(first + BLOCK, end);
+        if (!Any_Outside(buffer.Position + first, blockEnd - first, half)) continue;
+        for (int slot = first; slot < blockEnd; ++slot)
+            if (Is_Outside(buffer.Position[slot], half) && !Is_Stopped(buffer, slot)) return slot;
+    }
+    return end;
 }
 
 /// Where the cube stands in the lattice of its likes.
@@ -105,35 +150,29 @@ MK_INLINE float Fold(float value, float half)
     return raised > half ? (raised - half) - half : raised;
 }
 
-MK_SIMD void Place(float *__restrict to, const float *__restrict from, int count, const Lattice &lattice)
+MK_SIMD void Place(vrMKPVectors to, vrMKPConstVectors from, int count, Lattice lattice)
 {
-    const Vector3 center = lattice.Center;
-    const Vector3 phase = lattice.Phase;
-    const float half = lattice.Half;
-    for (int at = 0; at < count; ++at) {
-        to[at * 3] = center.x + Fold(from[at * 3] - phase.x, half);
-        to[at * 3 + 1] = center.y + Fold(from[at * 3 + 1] - phase.y, half);
-        to[at * 3 + 2] = center.z + Fold(from[at * 3 + 2] - phase.z, half);
-    }
+    Particle::For_Whole_Registers(count, [&](int i) MK_INLINE_LAMBDA {
+        const Vector3 point = Particle::Minus(from[i], lattice.Phase);
+        const Vector3 folded(Fold(point.x, lattice.Half), Fold(point.y, lattice.Half), Fold(point.z, lattice.Half));
+        to.Put(i, Particle::Plus(lattice.Center, folded));
+    });
 }
 
-/// Time by the place along an axis of the cube.
-MK_SIMD void Emulate_Time(float *__restrict time, const float *__restrict from, int count, const Lattice &lattice,
-                          int axis, bool isInverted)
+/// Time by the coordinate along an axis of the cube.
+template <bool Inverted>
+MK_SIMD void Emulate_Time(float *__restrict time, const float *__restrict coordinates, int count, float phase,
+                          float half, float inverseSize)
 {
-    const float *coordinates = from + axis;
-    const float phase = lattice.Phase[axis];
-    const float half = lattice.Half;
-    const float inverse = lattice.InverseSize;
-    for (int at = 0; at < count; ++at) {
-        const float share = Particle::Clamp_01(Fold(coordinates[at * 3] - phase, half) * inverse + 0.5f);
-        time[at] = isInverted ? 1.0f - share : share;
-    }
+    Particle::For_Whole_Registers(count, [&](int i) MK_INLINE_LAMBDA {
+        const float share = Particle::Clamp_01(Fold(coordinates[i] - phase, half) * inverseSize + 0.5f);
+        time[i] = Inverted ? 1.0f - share : share;
+    });
 }
 
-MK_SIMD void Add_To_All(float *__restrict values, int count, float add)
+MK_SIMD void Add_To_All(float *values, int count, float add)
 {
-    for (int at = 0; at < count; ++at) values[at] += add;
+    Particle::Change_Whole_Registers(values, count, [add](float value) MK_INLINE_LAMBDA { return value + add; });
 }
 
 } // namespace
@@ -187,8 +226,9 @@ void vrMKPWeatherCubeSpawner::Fill(vrMKPBuffer &buffer, int count) const
     for (int slot = 0; slot < count; ++slot) {
         Vector3 position;
         for (int axis = 0; axis < 3; ++axis) position[axis] = random.Get_Float(-half, half);
-        buffer.PreviousPosition[slot] = buffer.Position[slot] = position;
-        buffer.Velocity[slot] = Velocity->Sample(random, isHollow, false, nullptr, Vector3(0.0f));
+        buffer.Position.Put(slot, position);
+        buffer.PreviousPosition.Put(slot, position);
+        buffer.Velocity.Put(slot, Velocity->Sample(random, isHollow, false, nullptr, Vector3(0.0f)));
         buffer.Rotation[slot] = 0;
         buffer.Age[slot] = 0.0f;
         buffer.Time[slot] = 0.0f;
@@ -211,37 +251,26 @@ vrMKPWeatherCubeModifier::vrMKPWeatherCubeModifier()
 
 void vrMKPWeatherCubeModifier::Modify(vrMKPBuffer &buffer, int) const
 {
-    constexpr int BLOCK = 256;
     const float size = CubeSize->Get_Value();
     const float half = size / 2.0f;
+    const vrMKPVectors &positions = buffer.Position;
+    const vrMKPVectors &previous = buffer.PreviousPosition;
     bool hasWrapped = false;
-    const auto isOutside = [half, &buffer](int slot) { return Any_Outside(&buffer.Position[slot].x, 3, half); };
-    const auto isStopped = [&buffer](int slot) {
-        return buffer.MayHaveStopped && (buffer.Flags[slot] & PARTICLE_STOPPED);
-    };
-    const auto wrap = [&](int first, int count) {
-        float *positions = &buffer.Position[first].x;
-        // Within the cube and its neighbours the ways past a face are shorter than it.
-        const bool isNear = half > 0.0f && !Any_Beyond(positions, count * 3, half * 2.5f);
-        const auto wrapAll = isNear ? Wrap_All<true> : Wrap_All<false>;
-        wrapAll(positions, &buffer.PreviousPosition[first].x, count * 3, size, half);
-    };
     for (const vrMKPSpan span : buffer.Live_Spans()) {
         const int end = span.First + span.Count;
-        for (int first = span.First; first < end; first += BLOCK) {
-            const int blockEnd = std::min(first + BLOCK, end);
-            if (!hasWrapped && !Any_Outside(&buffer.Position[first].x, (blockEnd - first) * 3, half)) continue;
-            int slot = first;
-            while (!hasWrapped && slot < blockEnd) {
-                hasWrapped = !isStopped(slot) && isOutside(slot);
-                if (!hasWrapped) ++slot;
-            }
-            if (!buffer.MayHaveStopped) {
-                wrap(slot, blockEnd - slot);
-                continue;
-            }
-            for (; slot < blockEnd; ++slot)
-                if (!isStopped(slot)) wrap(slot, 1);
+        const int first = hasWrapped ? span.First : Find_Outside(buffer, span, half);
+        hasWrapped = hasWrapped || first < end;
+        if (!buffer.MayHaveStopped) {
+            Wrap_Run(positions.X, previous.X, first, end, size, half);
+            Wrap_Run(positions.Y, previous.Y, first, end, size, half);
+            Wrap_Run(positions.Z, previous.Z, first, end, size, half);
+            continue;
+        }
+        for (int slot = first; slot < end; ++slot) {
+            if (Is_Stopped(buffer, slot)) continue;
+            Wrap_With_Previous<false>(positions.X[slot], previous.X[slot], size, half);
+            Wrap_With_Previous<false>(positions.Y[slot], previous.Y[slot], size, half);
+            Wrap_With_Previous<false>(positions.Z[slot], previous.Z[slot], size, half);
         }
     }
 }
@@ -261,19 +290,22 @@ void vrMKPWeatherCubeTransformer::Transform_For_View(vrMKPBuffer *buffer, const 
     if (!MK_VERIFY(buffer && camera, "buffer == NULL || camera == NULL")) return;
     const float size = CubeSize->Get_Value();
     const int emulation = TimeEmulation->Get_Value();
+    const int axis = emulation % 3;
+    const auto emulate = emulation >= 3 ? Emulate_Time<true> : Emulate_Time<false>;
+    const float *const coordinates[] = {buffer->Position.X, buffer->Position.Y, buffer->Position.Z};
     Lattice lattice;
     // The camera looks down the negative of its third axis, so that this is ahead of it.
     lattice.Center = camera->Get_Translation() - Particle::Unit(camera->Get_Axis(2)) * CameraOffset->Get_Value();
     lattice.InverseSize = 1.0f / size;
     lattice.Half = size / 2.0f;
-    for (int axis = 0; axis < 3; ++axis) {
-        const float cubes = lattice.Center[axis] * lattice.InverseSize;
-        lattice.Phase[axis] = (cubes - std::floor(cubes)) * size;
+    for (int i = 0; i < 3; ++i) {
+        const float cubes = lattice.Center[i] * lattice.InverseSize;
+        lattice.Phase[i] = (cubes - std::floor(cubes)) * size;
     }
     for (const vrMKPSpan span : buffer->Live_Spans()) {
-        const float *positions = &buffer->Position[span.First].x;
-        Place(&buffer->WorldPosition[span.First].x, positions, span.Count, lattice);
-        Emulate_Time(buffer->Time + span.First, positions, span.Count, lattice, emulation % 3, emulation >= 3);
+        Place(buffer->WorldPosition + span.First, buffer->Position + span.First, span.Count, lattice);
+        emulate(buffer->Time + span.First, coordinates[axis] + span.First, span.Count, lattice.Phase[axis],
+                lattice.Half, lattice.InverseSize);
     }
     bounds.Center = lattice.Center;
     bounds.Extent = Vector3(VIEW_BOUNDS_EXTENT);

@@ -61,18 +61,13 @@ MK_SIMD void Age_All(float *__restrict ages, int count, float dt)
     for (int at = 0; at < count; ++at) ages[at] += dt;
 }
 
-MK_SIMD void Move_All(float *__restrict positions, float *__restrict velocities, int count, vrHWForces forces, float dt)
+MK_SIMD void Move_All(vrMKPVectors positions, vrMKPVectors velocities, int count, vrHWForces forces, float dt)
 {
+#pragma GCC ivdep
     for (int at = 0; at < count; ++at) {
-        float *p = positions + 3 * at;
-        float *v = velocities + 3 * at;
-        const Motion motion = Step({p[0], p[1], p[2]}, {v[0], v[1], v[2]}, forces, dt);
-        p[0] = motion.Position.x;
-        p[1] = motion.Position.y;
-        p[2] = motion.Position.z;
-        v[0] = motion.Velocity.x;
-        v[1] = motion.Velocity.y;
-        v[2] = motion.Velocity.z;
+        const Motion motion = Step(positions[at], velocities[at], forces, dt);
+        positions.Put(at, motion.Position);
+        velocities.Put(at, motion.Velocity);
     }
 }
 
@@ -135,7 +130,7 @@ void vrHWParticles::Age_And_Move(float dt, float life, const vrHWForces &forces)
         ++dead;
     if (dead > 0) particles.Remove_Oldest(dead);
     for (const vrMKPSpan span : particles.Live_Spans())
-        Move_All(&particles.Position[span.First].x, &particles.Velocity[span.First].x, span.Count, forces, dt);
+        Move_All(particles.Position + span.First, particles.Velocity + span.First, span.Count, forces, dt);
 }
 
 bool vrHWParticles::Spawn(const vrHWSpawnRules &rules, const vrHWForces &forces)
@@ -185,8 +180,8 @@ void vrHWParticles::Add(double count, double age, double interval, const vrHWFor
         const Vector3 velocity = source.Velocity(particles.Random, position);
         const auto seconds = static_cast<float>(std::max(age - added * interval, 0.0));
         const Motion motion = Step(position, velocity, forces, seconds);
-        particles.Position[slot] = motion.Position;
-        particles.Velocity[slot] = motion.Velocity;
+        particles.Position.Put(slot, motion.Position);
+        particles.Velocity.Put(slot, motion.Velocity);
         particles.Age[slot] = seconds;
     }
 }

@@ -81,14 +81,12 @@ MK_SIMD void Scale(float *__restrict to, const float *__restrict from, int count
 }
 
 /// Adds how fast particles are carried about an axis.
-MK_SIMD void Add_Rotation(Particle::Planes &__restrict velocities, const vrMKPQuadBlock &__restrict quads, Vector3 axis,
-                          float speed)
+MK_SIMD void Add_Rotation(Particle::Planes &__restrict sums, vrMKPConstVectors velocities, vrMKPConstVectors positions,
+                          int count, Vector3 axis, float speed)
 {
-    const int count = quads.Count;
     for (int at = 0; at < count; ++at) {
-        const Vector3 position{quads.PositionX[at], quads.PositionY[at], quads.PositionZ[at]};
-        const Vector3 carried = Particle::Times(Particle::Unit(Particle::Cross(axis, position)), speed);
-        velocities.Put(at, Particle::Plus(velocities.At(at), carried));
+        const Vector3 carried = Particle::Times(Particle::Unit(Particle::Cross(axis, positions[at])), speed);
+        sums.Put(at, Particle::Plus(velocities[at], carried));
     }
 }
 
@@ -145,7 +143,7 @@ private:
     {
         const int count = block.Count;
         Quads.Count = count;
-        Particle::Split(Quads.PositionX, Quads.PositionY, Quads.PositionZ, Particles.Position + block.First, count);
+        Quads.Position = Particles.Position + block.First;
         Find_Shares(Shares, Particles.Age + block.First, count, Life);
         Find_Sizes(Sizes, Shares, count, Look.Size);
         Scale(Quads.Height, Sizes, count, SizeMultiplier);
@@ -153,8 +151,8 @@ private:
         Find_Colors(KeyColors, Shares, count, Look.Color);
         Colors.Convert(Quads.Color, KeyColors, count);
         if (Look.GeometryMode == VR_HW_VELOCITY_ALIGNED) {
-            Particle::Split(Velocities, Particles.Velocity + block.First, count);
-            Add_Rotation(Velocities, Quads, Forces.Axis, Forces.Rotation);
+            Add_Rotation(Velocities, Particles.Velocity + block.First, Quads.Position, count, Forces.Axis,
+                         Forces.Rotation);
             VelocityQuads::Align(vrMKPAlignment::CAMERA, Quads, Velocities, Shares, View);
         } else {
             VelocityQuads::Align(vrMKPAlignment::SCREEN, Quads, Velocities, Shares, View);

@@ -5,8 +5,6 @@
 #include "vrGraphics/plugins/modifiers/MotionLoops.h"
 
 #include <algorithm>
-#include <bit>
-#include <cstring>
 
 namespace
 {
@@ -16,7 +14,7 @@ using namespace Motion;
 MK_SIMD bool Add_Keyed(const Run &run, const Vector3 &acceleration, const float *__restrict factors, float frameTime)
 {
     const Vector3 add = acceleration;
-    const auto kernel = [=](int i, const Vector3 &, Vector3 &push) MK_KERNEL {
+    const auto kernel = [=](int i, const Vector3 &, Vector3 &push) MK_INLINE_LAMBDA {
         push = Times(add, frameTime * factors[i]);
         return TOUCHED;
     };
@@ -26,53 +24,17 @@ MK_SIMD bool Add_Keyed(const Run &run, const Vector3 &acceleration, const float 
 MK_SIMD bool Add_To_Moving(const Run &run, const Vector3 &addend)
 {
     const Vector3 add = addend;
-    const auto kernel = [=](int, const Vector3 &, Vector3 &push) MK_KERNEL {
+    const auto kernel = [=](int, const Vector3 &, Vector3 &push) MK_INLINE_LAMBDA {
         push = add;
         return TOUCHED;
     };
     return Accelerate(run, kernel).Velocity;
 }
 
-/// A pattern of three floats repeats after 3 vectors of 16 floats.
-constexpr int PATTERN = 48;
-
-/// Adds to each float of `vectors`, three by three, and answers whether a sum is infinite or no number: of those alone
-/// x - x isn't 0. Each lane of the pattern has its own answer, so that they stay in registers.
-MK_SIMD bool Add_To_All(float *__restrict vectors, int count, const Vector3 &add)
-{
-    float pattern[PATTERN];
-    uint32_t invalid[PATTERN];
-    for (int lane = 0; lane < PATTERN; ++lane) {
-        pattern[lane] = add[lane % 3];
-        invalid[lane] = 0;
-    }
-    int at = 0;
-    for (; at + PATTERN <= count; at += PATTERN)
-        for (int lane = 0; lane < PATTERN; ++lane) {
-            const float value = vectors[at + lane] + pattern[lane];
-            vectors[at + lane] = value;
-            invalid[lane] |= std::bit_cast<uint32_t>(value - value);
-        }
-    if (at < count) {
-        // The rest goes through whole registers too: one by one it would cost as much as hundreds of the others.
-        float rest[PATTERN] = {};
-        const size_t bytes = static_cast<size_t>(count - at) * sizeof(float);
-        std::memcpy(rest, vectors + at, bytes);
-        for (int lane = 0; lane < PATTERN; ++lane) {
-            rest[lane] += pattern[lane];
-            invalid[lane] |= std::bit_cast<uint32_t>(rest[lane] - rest[lane]);
-        }
-        std::memcpy(vectors + at, rest, bytes);
-    }
-    uint32_t anyInvalid = 0;
-    for (int lane = 0; lane < PATTERN; ++lane) anyInvalid |= invalid[lane];
-    return anyInvalid != 0;
-}
-
 /// The same vector to all but those at rest, of one of the vector channels.
-bool Add_Alike(vrMKPBuffer &buffer, Vector3 *channel, vrMKPSpan span, const Vector3 &add)
+bool Add_Alike(vrMKPBuffer &buffer, const vrMKPVectors &channel, vrMKPSpan span, const Vector3 &add)
 {
-    if (!buffer.MayHaveStopped) return Add_To_All(&channel[span.First].x, span.Count * 3, add);
+    if (!buffer.MayHaveStopped) return !Particle::Add_Vector(channel + span.First, span.Count, add);
     Run run(buffer, span);
     run.Velocity = channel + span.First;
     return Add_To_Moving(run, add);
@@ -173,7 +135,7 @@ void vrMKPCircleTargetAccelerationModifier::Throw_New_Particles(vrMKPBuffer &buf
     for (const vrMKPSpan span : buffer.New_Spans())
         for (int slot = span.First; slot < span.First + span.Count; ++slot) {
             if (buffer.Flags[slot] & PARTICLE_STOPPED) continue;
-            const Vector3 &position = buffer.Position[slot];
+            const Vector3 position = buffer.Position[slot];
             const float angle = random.Get_Float(0.0f, Particle::TWO_PI);
             const float distance = random.Get_Float(std::min(0.0f, radius), std::max(0.0f, radius));
             const auto [sine, cosine] = Portable::Sine_And_Cosine(static_cast<double>(angle));
@@ -183,8 +145,9 @@ void vrMKPCircleTargetAccelerationModifier::Throw_New_Particles(vrMKPBuffer &buf
             const Vector3 direction = Particle::Unit(way);
             const float duration = std::sqrt(squared) / speed;
             const float rise = (target.z - position.z) / duration;
-            buffer.Velocity[slot] = {direction.x * speed, direction.y * speed, rise - fall * duration};
-            invalid |= Is_Invalid(buffer.Velocity[slot]);
+            const Vector3 velocity(direction.x * speed, direction.y * speed, rise - fall * duration);
+            buffer.Velocity.Put(slot, velocity);
+            invalid |= Is_Invalid(velocity);
         }
     MK_ASSERT(!invalid, INVALID_VELOCITY);
 }

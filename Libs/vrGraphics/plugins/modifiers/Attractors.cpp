@@ -71,7 +71,7 @@ void Report(const Faults &faults)
 MK_SIMD bool Push_From(const Run &run, const Vector3 &from, float strength)
 {
     const Vector3 center = from;
-    const auto kernel = [=](int, const Vector3 &position, Vector3 &push) MK_KERNEL {
+    const auto kernel = [=](int, const Vector3 &position, Vector3 &push) MK_INLINE_LAMBDA {
         push = Times(Particle::Unit(Minus(position, center)), strength);
         return TOUCHED;
     };
@@ -84,7 +84,7 @@ template <typename Direct>
 MK_INLINE Faults Push_In_Field(const Run &run, const Field &source, const Direct &direct)
 {
     const Field field = source;
-    return Accelerate(run, [=](int, const Vector3 &position, Vector3 &push) MK_KERNEL {
+    return Accelerate(run, [=](int, const Vector3 &position, Vector3 &push) MK_INLINE_LAMBDA {
         Vector3 way = Minus(position, field.Target);
         float inverse;
         const float distance = direct(way, inverse);
@@ -96,7 +96,7 @@ MK_INLINE Faults Push_In_Field(const Run &run, const Field &source, const Direct
 MK_SIMD Faults Push_From_Point(const Run &run, const Field &field)
 {
     const float factor = field.Inverse;
-    return Push_In_Field(run, field, [=](Vector3 &way, float &inverse) MK_KERNEL {
+    return Push_In_Field(run, field, [=](Vector3 &way, float &inverse) MK_INLINE_LAMBDA {
         const float distance = std::sqrt(Dot(way, way));
         way = Particle::Unit(way);
         inverse = 1.0f / distance * factor;
@@ -108,7 +108,7 @@ MK_SIMD Faults Push_From_Axis(const Run &run, const Field &field)
 {
     const Vector3 axis = field.Axis;
     const float factor = field.Inverse;
-    return Push_In_Field(run, field, [=](Vector3 &way, float &inverse) MK_KERNEL {
+    return Push_In_Field(run, field, [=](Vector3 &way, float &inverse) MK_INLINE_LAMBDA {
         way = Minus(way, Times(axis, Dot(way, axis)));
         const float distance = std::sqrt(Dot(way, way));
         inverse = factor / distance;
@@ -121,7 +121,7 @@ MK_SIMD Faults Push_Around_Axis(const Run &run, const Field &field)
 {
     const Vector3 axis = field.Axis;
     const float factor = field.Inverse;
-    return Push_In_Field(run, field, [=](Vector3 &way, float &inverse) MK_KERNEL {
+    return Push_In_Field(run, field, [=](Vector3 &way, float &inverse) MK_INLINE_LAMBDA {
         way = Minus(way, Times(axis, Dot(way, axis)));
         const float distance = std::sqrt(Dot(way, way));
         inverse = factor / distance;
@@ -149,7 +149,7 @@ MK_SIMD Faults Turn_From_Point(const Run &run, const Field &source)
 {
     const Field field = source;
     Faults faults;
-    faults.Velocity = Push(run, [=](int, const Vector3 &position, Vector3 &velocity) MK_KERNEL {
+    faults.Velocity = Push(run, [=](int, const Vector3 &position, Vector3 &velocity) MK_INLINE_LAMBDA {
         Vector3 direction;
         float distance;
         const Vector3 acceleration = Push_At(field, position, direction, distance);
@@ -171,7 +171,7 @@ MK_SIMD Faults Turn_From_Point(const Run &run, const Field &source)
 MK_SIMD bool Speed_Up(const Run &run, const Field &source, float distanceOffset)
 {
     const Field field = source;
-    return Push(run, [=](int, const Vector3 &position, Vector3 &velocity) MK_KERNEL {
+    return Push(run, [=](int, const Vector3 &position, Vector3 &velocity) MK_INLINE_LAMBDA {
         const Vector3 way = Minus(position, field.Target);
         const float distance = std::sqrt(Dot(way, way)) + distanceOffset;
         const float gain = (field.Inverse / distance + field.Constant + distance * field.Linear) * field.FrameTime;

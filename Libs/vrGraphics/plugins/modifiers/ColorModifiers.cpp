@@ -1,6 +1,7 @@
 #include "vrGraphics/plugins/modifiers/ColorModifiers.h"
 
 #include "MKLib/Parameters/EnumParameter.h"
+#include "vrGraphics/particle/WholeRegisters.h"
 #include "vrGraphics/particle/vrMKPRenderState.h"
 #include "vrGraphics/plugins/modifiers/ColorLoops.h"
 
@@ -21,7 +22,8 @@ template <bool Smooth>
 MK_SIMD void Write_Linear(vrColor *__restrict colors, const float *__restrict times, int count,
                           vrMKPLinearWeight weight, ColorLoops::Ramp ramp)
 {
-    for (int i = 0; i < count; ++i) colors[i] = ramp.At(weight.At<Smooth>(times[i]));
+    Particle::For_Whole_Registers(count,
+                                  [&](int i) MK_INLINE_LAMBDA { colors[i] = ramp.At(weight.At<Smooth>(times[i])); });
 }
 
 void Write_Same(vrMKPBuffer &buffer, vrMKPSpan span, const RGBAClass &color)

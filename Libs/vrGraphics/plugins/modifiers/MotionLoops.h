@@ -14,15 +14,8 @@
 #include "vrGraphics/particle/vrMKPBuffer.h"
 #include "vrGraphics/particle/vrMKPRenderState.h"
 
-#include <bit>
-
-#define MK_KERNEL __attribute__((always_inline))
-
 namespace Motion
 {
-
-/// Particles at a time for what an array on the stack holds between two loops.
-constexpr int BLOCK = Particle::Planes::BLOCK;
 
 constexpr const char *INVALID_VELOCITY = "buffer->Velocity[where].Is_Valid()";
 
@@ -44,8 +37,8 @@ struct Run
     {
     }
 
-    Vector3 *Position;
-    Vector3 *Velocity;
+    vrMKPVectors Position;
+    vrMKPVectors Velocity;
     const uint32_t *Flags;
     const uint32_t *ID;
     float *Time;
@@ -56,17 +49,13 @@ struct Run
 using Particle::As_Mask;
 using Particle::Cross;
 using Particle::Dot;
+using Particle::Invalid_Bits;
 using Particle::Map;
 using Particle::Minus;
 using Particle::Plus;
 using Particle::Select_Bits;
 using Particle::Times;
 using Particle::Turn;
-/// 0, or not where a component is infinite or no number: of those alone x - x isn't 0.
-MK_INLINE uint32_t Invalid_Bits(const Vector3 &vector)
-{
-    return std::bit_cast<uint32_t>((vector.x - vector.x) + (vector.y - vector.y) + (vector.z - vector.z));
-}
 MK_INLINE bool Is_Invalid(const Vector3 &vector)
 {
     return Invalid_Bits(vector) != 0;
@@ -92,44 +81,28 @@ enum LoopForm
     WRITES_POSITION
 };
 
-/// Runs the kernel on a block whose old values are under 0 on. The new ones never go to the channels at once: the
-/// compiler would group the arithmetic by components, and repeat each square root and division for them.
-template <LoopForm Form, bool MayRest, typename Kernel, typename Vectors>
-MK_INLINE void Run_Kernel(const Kernel &kernel, int first, int count, const uint32_t *__restrict flags,
-                          const Particle::Planes &positions, const Vectors &velocities, Particle::Planes &newPositions,
-                          Particle::Planes &newVelocities)
+/// Bits that aren't 0 where a velocity is infinite or no number.
+template <LoopForm Form, bool MayRest, typename Kernel>
+MK_INLINE uint32_t Run_Kernel(const Run &run, const Kernel &kernel)
 {
-#pragma GCC ivdep
+    const vrMKPVectors positions = run.Position;
+    const vrMKPVectors velocities = run.Velocity;
+    const uint32_t *const flags = run.Flags;
+    const int count = run.Count;
+    uint32_t invalid = 0;
+#pragma GCC ivdep // each particle is read before it is written
     for (int i = 0; i < count; ++i) {
-        const Vector3 oldPosition = Form == VELOCITY_ALONE ? Vector3(0.0f) : positions.At(i);
-        const Vector3 oldVelocity = velocities.At(i);
+        const Vector3 oldPosition = Form == VELOCITY_ALONE ? Vector3(0.0f) : positions[i];
+        const Vector3 oldVelocity = velocities[i];
         Vector3 position = oldPosition;
         Vector3 velocity = oldVelocity;
-        const uint32_t mask = Mask<MayRest>(kernel(first + i, position, velocity), flags + i);
-        newVelocities.Put(i, Select_Bits(mask, velocity, oldVelocity));
-        if constexpr (Form == WRITES_POSITION) newPositions.Put(i, Select_Bits(mask, position, oldPosition));
+        const uint32_t mask = Mask<MayRest>(kernel(i, position, velocity), flags + i);
+        const Vector3 newVelocity = Select_Bits(mask, velocity, oldVelocity);
+        invalid |= Invalid_Bits(newVelocity);
+        velocities.Put(i, newVelocity);
+        if constexpr (Form == WRITES_POSITION) positions.Put(i, Select_Bits(mask, position, oldPosition));
     }
-}
-
-/// False when a velocity of the block is infinite or no number.
-template <LoopForm Form, bool MayRest, typename Kernel>
-MK_INLINE bool Loop_Block(const Run &run, int first, int count, const Kernel &kernel)
-{
-    Vector3 *position = run.Position + first;
-    Vector3 *velocity = run.Velocity + first;
-    const uint32_t *flags = run.Flags + first;
-    Particle::Planes positions;
-    Particle::Planes velocities;
-    if (Form == VELOCITY_ALONE && Particle::Shuffles_Freely()) {
-        Run_Kernel<Form, MayRest>(kernel, first, count, flags, positions, Particle::Interleaved{&velocity->x},
-                                  positions, velocities);
-    } else {
-        if constexpr (Form != VELOCITY_ALONE) Particle::Split(positions, position, count);
-        Particle::Split(velocities, velocity, count);
-        Run_Kernel<Form, MayRest>(kernel, first, count, flags, positions, velocities, positions, velocities);
-    }
-    if constexpr (Form == WRITES_POSITION) Particle::Join(position, positions, count);
-    return Particle::Join(velocity, velocities, count);
+    return invalid;
 }
 
 /// Whether one that the kernel touches has a velocity that is infinite or no number.
@@ -149,13 +122,9 @@ bool Has_Invalid(const Run &run, const Kernel &kernel)
 template <LoopForm Form, typename Kernel>
 MK_INLINE bool Loop(const Run &run, const Kernel &kernel)
 {
-    bool isValid = true;
-    for (int first = 0; first < run.Count; first += BLOCK) {
-        const int count = run.Count - first < BLOCK ? run.Count - first : BLOCK;
-        isValid &= run.MayHaveStopped ? Loop_Block<Form, true>(run, first, count, kernel)
-                                      : Loop_Block<Form, false>(run, first, count, kernel);
-    }
-    return !isValid && Has_Invalid(run, kernel);
+    const uint32_t invalid =
+        run.MayHaveStopped ? Run_Kernel<Form, true>(run, kernel) : Run_Kernel<Form, false>(run, kernel);
+    return invalid != 0 && Has_Invalid(run, kernel);
 }
 
 /// Velocities alone: `kernel(i, position, velocity)` changes the velocity and mustn't look at the position.
@@ -203,50 +172,31 @@ Faults Find_Faults(const Run &run, const Kernel &kernel)
 
 constexpr float NO_PUSH = -0.0f; ///< leaves any float as it is, which 0 doesn't
 
-template <bool MayRest, typename Kernel, typename Vectors>
-MK_INLINE void Find_Pushes(const Kernel &kernel, int first, int count, const uint32_t *__restrict flags,
-                           const Vectors &positions, Particle::Planes &pushes)
+template <bool MayRest, typename Kernel>
+MK_INLINE uint32_t Add_Pushes(const Run &run, const Kernel &kernel)
 {
-#pragma GCC ivdep
+    const vrMKPVectors positions = run.Position;
+    const vrMKPVectors velocities = run.Velocity;
+    const uint32_t *const flags = run.Flags;
+    const int count = run.Count;
+    uint32_t invalid = 0;
+#pragma GCC ivdep // each particle is read before it is written
     for (int i = 0; i < count; ++i) {
         Vector3 push(NO_PUSH);
-        const uint32_t mask = Mask<MayRest>(kernel(first + i, positions.At(i), push), flags + i);
-        pushes.Put(i, Select_Bits(mask, push, Vector3(NO_PUSH)));
+        const uint32_t mask = Mask<MayRest>(kernel(i, positions[i], push), flags + i);
+        const Vector3 velocity = Plus(velocities[i], Select_Bits(mask, push, Vector3(NO_PUSH)));
+        invalid |= Invalid_Bits(velocity);
+        velocities.Put(i, velocity);
     }
+    return invalid;
 }
 
-template <bool MayRest, typename Kernel>
-MK_INLINE void Find_Pushes(const Run &run, int first, int count, const Kernel &kernel, Vector3 *pushes)
-{
-    const Vector3 *position = run.Position + first;
-    const uint32_t *flags = run.Flags + first;
-    Particle::Planes planes;
-    if (Particle::Shuffles_Freely()) {
-        Find_Pushes<MayRest>(kernel, first, count, flags, Particle::Interleaved{&position->x}, planes);
-    } else {
-        Particle::Planes positions;
-        Particle::Split(positions, position, count);
-        Find_Pushes<MayRest>(kernel, first, count, flags, positions, planes);
-    }
-    Particle::Join(pushes, planes, count);
-}
-
-/// Adds to the velocities what `kernel(i, position, push)` writes to the push. Less work than `Push`, since velocities
-/// and pushes are then added float by float.
+/// Adds to the velocities what `kernel(i, position, push)` writes to the push.
 template <typename Kernel>
 MK_INLINE Faults Accelerate(const Run &run, const Kernel &kernel)
 {
-    Vector3 pushes[BLOCK];
-    bool isSuspicious = false;
-    for (int first = 0; first < run.Count; first += BLOCK) {
-        const int count = run.Count - first < BLOCK ? run.Count - first : BLOCK;
-        if (run.MayHaveStopped)
-            Find_Pushes<true>(run, first, count, kernel, pushes);
-        else
-            Find_Pushes<false>(run, first, count, kernel, pushes);
-        isSuspicious |= !Particle::Add_Vectors(run.Velocity + first, pushes, count);
-    }
-    return isSuspicious ? Find_Faults(run, kernel) : Faults();
+    const uint32_t invalid = run.MayHaveStopped ? Add_Pushes<true>(run, kernel) : Add_Pushes<false>(run, kernel);
+    return invalid != 0 ? Find_Faults(run, kernel) : Faults();
 }
 
 } // namespace Motion

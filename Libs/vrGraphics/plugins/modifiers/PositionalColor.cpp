@@ -1,11 +1,13 @@
 #include "vrGraphics/plugins/modifiers/PositionalColor.h"
 
-#include "vrGraphics/particle/VectorPlanes.h"
+#include "vrGraphics/particle/WholeRegisters.h"
 #include "vrGraphics/particle/vrMKPRenderState.h"
 #include "vrGraphics/plugins/modifiers/ColorLoops.h"
 
 namespace
 {
+
+using Particle::For_Whole_Registers;
 
 constexpr RGBAClass CLEAR_BLACK = RGBA_From_Bytes(0, 0, 0, 0);
 constexpr RGBAClass WHITE = RGBA_From_Bytes(255, 255, 255, 255);
@@ -100,17 +102,17 @@ struct Mapped
     MK_INLINE float At(const Vector3 &position) const { return Inner.At(Map.Transform(position)); }
 };
 
-template <typename Points, typename Measure>
-MK_SIMD void Find_Weights(float *__restrict weights, const Points &positions, int count, Measure measure)
+template <typename Measure>
+MK_SIMD void Find_Weights(float *__restrict weights, vrMKPConstVectors positions, int count, Measure measure)
 {
-    for (int i = 0; i < count; ++i) weights[i] = measure.At(positions.At(i));
+    For_Whole_Registers(count, [&](int i) MK_INLINE_LAMBDA { weights[i] = measure.At(positions[i]); });
 }
 
-template <typename Points, typename Measure>
-MK_SIMD void Find_Ramp_Colors(vrColor *__restrict colors, const Points &positions, int count, Measure measure,
+template <typename Measure>
+MK_SIMD void Find_Ramp_Colors(vrColor *__restrict colors, vrMKPConstVectors positions, int count, Measure measure,
                               ColorLoops::Ramp ramp)
 {
-    for (int i = 0; i < count; ++i) colors[i] = ramp.At(measure.At(positions.At(i)));
+    For_Whole_Registers(count, [&](int i) MK_INLINE_LAMBDA { colors[i] = ramp.At(measure.At(positions[i])); });
 }
 
 /// `strength` takes the ramp's colours away from white.
@@ -120,9 +122,7 @@ void Multiply_By_Ramp(vrMKPBuffer &buffer, vrMKPSpan span, const Measure &measur
 {
     vrColor factors[MKP_CURVE_BLOCK];
     For_Each_Curve_Block(span, [&](int first, int count) {
-        Particle::For_Points(buffer.Position + first, count, [&](const auto &positions, int at, int size) {
-            Find_Ramp_Colors(factors + at, positions, size, measure, ramp);
-        });
+        Find_Ramp_Colors(factors, buffer.Position + first, count, measure, ramp);
         if (strength < 1.0f) ColorLoops::Lerp_From_White(factors, count, strength);
         ColorLoops::Multiply_Many(buffer.Color + first, factors, count);
     });
@@ -173,12 +173,10 @@ void vrMKPPositionalKeyedColorModifier::Apply(vrMKPBuffer &buffer, int, vrMKPSpa
     RGBAClass colors[MKP_CURVE_BLOCK];
     vrColor factors[MKP_CURVE_BLOCK];
     For_Each_Curve_Block(span, [&](int first, int count) {
-        Particle::For_Points(buffer.Position + first, count, [&](const auto &positions, int at, int size) {
-            if (buffer.Is_World())
-                Find_Weights(weights + at, positions, size, mapped);
-            else
-                Find_Weights(weights + at, positions, size, mapped.Inner);
-        });
+        if (buffer.Is_World())
+            Find_Weights(weights, buffer.Position + first, count, mapped);
+        else
+            Find_Weights(weights, buffer.Position + first, count, mapped.Inner);
         Color->Evaluate_Many(weights, count, Is_Smooth(), colors);
         ColorLoops::Pack_Many(factors, colors, count);
         ColorLoops::Multiply_Many(buffer.Color + first, factors, count);

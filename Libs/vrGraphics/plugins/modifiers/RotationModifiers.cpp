@@ -1,7 +1,7 @@
 #include "vrGraphics/plugins/modifiers/RotationModifiers.h"
 
 #include "MKLib/MKMath/PortableMath.h"
-#include "vrGraphics/particle/VectorPlanes.h"
+#include "vrGraphics/particle/WholeRegisters.h"
 #include "vrGraphics/particle/vrMKPRenderState.h"
 
 #include <bit>
@@ -93,7 +93,9 @@ template <typename Turns, typename Change>
 MK_SIMD void Write_All(uint32_t *__restrict rotations, const uint32_t *__restrict ids, int count, Turns turns,
                        Change change)
 {
-    for (int i = 0; i < count; ++i) rotations[i] = Particle::Encode_Rotation(change.At(turns.At(i), ids[i]));
+    Particle::For_Whole_Registers(count, [&](int i) MK_INLINE_LAMBDA {
+        rotations[i] = Particle::Encode_Rotation(change.At(turns.At(i), ids[i]));
+    });
 }
 
 template <typename Turns, typename Change>
@@ -146,12 +148,12 @@ MK_INLINE float Dot(const A &a, const B &b)
     return a.x * b.x + a.y * b.y + a.z * b.z;
 }
 
-template <bool World, typename Points>
-MK_SIMD void Spin(uint32_t *__restrict rotations, const Points &positions, const uint32_t *__restrict ids,
+template <bool World>
+MK_SIMD void Spin(uint32_t *__restrict rotations, vrMKPConstVectors positions, const uint32_t *__restrict ids,
                   const float *__restrict envelope, int count, Mushroom dome)
 {
     for (int i = 0; i < count; ++i) {
-        const Vector3 place = positions.At(i);
+        const Vector3 place = positions[i];
         const Vector3 position = World ? dome.ToLocal.Transform(place) : place;
         const float height = Dot(position, dome.Axis);
         const Vector3 radial = Particle::Unit(
@@ -182,18 +184,19 @@ MK_INLINE uint32_t Aligned_Rotation(const Vector3 &velocity, const Screen &scree
     return Nearest_Step((angle * 0.15915494f + screen.Base) * STEPS_A_TURN);
 }
 
-template <bool World, typename Points>
-MK_SIMD void Align_All(uint32_t *__restrict rotations, const Points &velocities, int count, Screen screen)
+template <bool World>
+MK_SIMD void Align_All(uint32_t *__restrict rotations, vrMKPConstVectors velocities, int count, Screen screen)
 {
-    for (int i = 0; i < count; ++i) rotations[i] = Aligned_Rotation<World>(velocities.At(i), screen);
+    Particle::For_Whole_Registers(
+        count, [&](int i) MK_INLINE_LAMBDA { rotations[i] = Aligned_Rotation<World>(velocities[i], screen); });
 }
 
-template <bool World, typename Points>
-MK_SIMD void Align_Moving(uint32_t *__restrict rotations, const Points &velocities, const uint32_t *__restrict flags,
-                          int count, Screen screen)
+template <bool World>
+MK_SIMD void Align_Moving(uint32_t *__restrict rotations, vrMKPConstVectors velocities,
+                          const uint32_t *__restrict flags, int count, Screen screen)
 {
     for (int i = 0; i < count; ++i) {
-        const uint32_t rotation = Aligned_Rotation<World>(velocities.At(i), screen);
+        const uint32_t rotation = Aligned_Rotation<World>(velocities[i], screen);
         rotations[i] = (flags[i] & PARTICLE_STOPPED) != 0 ? rotations[i] : rotation;
     }
 }
@@ -201,14 +204,12 @@ MK_SIMD void Align_Moving(uint32_t *__restrict rotations, const Points &velociti
 template <bool World>
 void Align(vrMKPBuffer &buffer, vrMKPSpan span, bool onlyWhenMoving, const Screen &screen)
 {
-    const Vector3 *velocities = buffer.Velocity + span.First;
-    Particle::For_Points(velocities, span.Count, [&](const auto &points, int at, int count) {
-        uint32_t *rotations = buffer.Rotation + span.First + at;
-        if (onlyWhenMoving && buffer.MayHaveStopped)
-            Align_Moving<World>(rotations, points, buffer.Flags + span.First + at, count, screen);
-        else
-            Align_All<World>(rotations, points, count, screen);
-    });
+    uint32_t *rotations = buffer.Rotation + span.First;
+    const vrMKPConstVectors velocities = buffer.Velocity + span.First;
+    if (onlyWhenMoving && buffer.MayHaveStopped)
+        Align_Moving<World>(rotations, velocities, buffer.Flags + span.First, span.Count, screen);
+    else
+        Align_All<World>(rotations, velocities, span.Count, screen);
 }
 
 } // namespace
@@ -299,14 +300,13 @@ void vrMKPMushroomRotationModifier::Apply(vrMKPBuffer &buffer, int, vrMKPSpan sp
     float envelope[MKP_CURVE_BLOCK];
     For_Each_Curve_Block(span, [&](int first, int count) {
         Envelope->Evaluate_Many(buffer.Time + first, count, false, envelope);
-        Particle::For_Points(buffer.Position + first, count, [&](const auto &positions, int at, int size) {
-            uint32_t *rotations = buffer.Rotation + first + at;
-            const uint32_t *ids = buffer.ID + first + at;
-            if (buffer.Is_World())
-                Spin<true>(rotations, positions, ids, envelope + at, size, dome);
-            else
-                Spin<false>(rotations, positions, ids, envelope + at, size, dome);
-        });
+        uint32_t *rotations = buffer.Rotation + first;
+        const vrMKPConstVectors positions = buffer.Position + first;
+        const uint32_t *ids = buffer.ID + first;
+        if (buffer.Is_World())
+            Spin<true>(rotations, positions, ids, envelope, count, dome);
+        else
+            Spin<false>(rotations, positions, ids, envelope, count, dome);
     });
 }
 

@@ -1,6 +1,6 @@
 #include "vrGraphics/plugins/modifiers/SizeModifiers.h"
 
-#include "vrGraphics/particle/VectorPlanes.h"
+#include "vrGraphics/particle/WholeRegisters.h"
 #include "vrGraphics/particle/vrMKPRenderState.h"
 
 #include <algorithm>
@@ -120,14 +120,15 @@ MK_SIMD void Write_Same(float *__restrict sizes, int count, float width, float h
 template <typename Source>
 MK_SIMD void Write_Plain(Vector2 *__restrict sizes, int count, Source source)
 {
-    for (int i = 0; i < count; ++i) sizes[i] = Both(source.At(i));
+    Particle::For_Whole_Registers(count, [&](int i) MK_INLINE_LAMBDA { sizes[i] = Both(source.At(i)); });
 }
 
 template <typename Source, typename Size>
 MK_SIMD void Write_Varied(Vector2 *__restrict sizes, const uint32_t *__restrict ids, int count, Source source,
                           Size variation)
 {
-    for (int i = 0; i < count; ++i) sizes[i] = Both(source.At(i) * Factor(ids[i], variation));
+    Particle::For_Whole_Registers(
+        count, [&](int i) MK_INLINE_LAMBDA { sizes[i] = Both(source.At(i) * Factor(ids[i], variation)); });
 }
 
 template <typename Source, typename Size>
@@ -190,13 +191,14 @@ struct SphericalTime
     }
 };
 
-template <bool World, typename Points>
-MK_SIMD void Find_Spherical_Times(float *__restrict times, const Points &positions, int count, SphericalTime spherical)
+template <bool World>
+MK_SIMD void Find_Spherical_Times(float *__restrict times, vrMKPConstVectors positions, int count,
+                                  SphericalTime spherical)
 {
-    for (int i = 0; i < count; ++i) {
-        const Vector3 position = positions.At(i);
+    Particle::For_Whole_Registers(count, [&](int i) MK_INLINE_LAMBDA {
+        const Vector3 position = positions[i];
         times[i] = spherical.At(World ? position : spherical.ToWorld.Transform(position));
-    }
+    });
 }
 
 struct NearAndFar
@@ -208,15 +210,14 @@ struct NearAndFar
     float Difference;
 };
 
-template <typename Points>
-MK_SIMD void Write_Near_And_Far(Vector2 *__restrict sizes, const Points &positions, int count, NearAndFar ramp)
+MK_SIMD void Write_Near_And_Far(Vector2 *__restrict sizes, vrMKPConstVectors positions, int count, NearAndFar ramp)
 {
-    for (int i = 0; i < count; ++i) {
-        const Vector3 position = positions.At(i);
+    Particle::For_Whole_Registers(count, [&](int i) MK_INLINE_LAMBDA {
+        const Vector3 position = positions[i];
         const float distance = position.x * ramp.Axis.x + position.y * ramp.Axis.y + position.z * ramp.Axis.z;
         const float size = ramp.NearSize + Particle::Clamp_01((distance - ramp.Near) / ramp.Span) * ramp.Difference;
         sizes[i] = {size, size};
-    }
+    });
 }
 
 } // namespace
@@ -348,12 +349,10 @@ void vrMKPKeyedSphericalSizeModifier::Apply(vrMKPBuffer &buffer, int, vrMKPSpan 
                                   difference <= 0.0f ? LEAST_SPAN : difference};
     float times[MKP_CURVE_BLOCK];
     For_Each_Curve_Block(span, [&](int first, int count) {
-        Particle::For_Points(buffer.Position + first, count, [&](const auto &positions, int at, int size) {
-            if (buffer.Is_World())
-                Find_Spherical_Times<true>(times + at, positions, size, spherical);
-            else
-                Find_Spherical_Times<false>(times + at, positions, size, spherical);
-        });
+        if (buffer.Is_World())
+            Find_Spherical_Times<true>(times, buffer.Position + first, count, spherical);
+        else
+            Find_Spherical_Times<false>(times, buffer.Position + first, count, spherical);
         Write_Keyed_Sizes(buffer, first, count, times, 1.0f);
     });
 }
@@ -379,7 +378,5 @@ void vrMKPNearAndFarUniformSizeModifier::Apply(vrMKPBuffer &buffer, int, vrMKPSp
                           .Span = distance == 0.0f ? LEAST_SPAN : distance,
                           .NearSize = NearSize->Get_Value(),
                           .Difference = FarSize->Get_Value() - NearSize->Get_Value()};
-    Particle::For_Points(buffer.Position + span.First, span.Count, [&](const auto &positions, int at, int count) {
-        Write_Near_And_Far(buffer.Size + span.First + at, positions, count, ramp);
-    });
+    Write_Near_And_Far(buffer.Size + span.First, buffer.Position + span.First, span.Count, ramp);
 }

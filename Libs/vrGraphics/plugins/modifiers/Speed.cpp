@@ -12,7 +12,7 @@ using namespace Motion;
 
 MK_SIMD bool Limit(const Run &run, float least, float greatest)
 {
-    return Steer(run, [=](int, const Vector3 &, Vector3 &velocity) MK_KERNEL {
+    return Steer(run, [=](int, const Vector3 &, Vector3 &velocity) MK_INLINE_LAMBDA {
         const float speed = std::sqrt(Dot(velocity, velocity));
         const float raised = speed < least ? least : speed;
         velocity = Times(Particle::Unit(velocity), raised > greatest ? greatest : raised);
@@ -25,7 +25,7 @@ MK_INLINE bool Set_Speed(const Run &run, const vrMKPLinearWeight &from, float st
 {
     const vrMKPLinearWeight weight = from;
     const float *__restrict times = run.Time;
-    return Steer(run, [=](int i, const Vector3 &, Vector3 &velocity) MK_KERNEL {
+    return Steer(run, [=](int i, const Vector3 &, Vector3 &velocity) MK_INLINE_LAMBDA {
         // With equal times the quotient is infinite or no number, and the clamp makes an end of it.
         const float w = Smooth ? weight.At<true>(times[i])
                                : Particle::Clamp_01((times[i] - weight.Start) / (weight.End - weight.Start));
@@ -44,7 +44,7 @@ MK_SIMD bool Set_Smooth_Speed(const Run &run, const vrMKPLinearWeight &weight, f
 
 MK_SIMD bool Brake(const Run &run, const float *__restrict frictions, float frameTime)
 {
-    return Steer(run, [=](int i, const Vector3 &, Vector3 &velocity) MK_KERNEL {
+    return Steer(run, [=](int i, const Vector3 &, Vector3 &velocity) MK_INLINE_LAMBDA {
         const float part = Particle::Clamp_01(frameTime * frictions[i]);
         const float speed = std::sqrt(Dot(velocity, velocity));
         const Vector3 slower = Minus(velocity, Times(Times(Particle::Unit(velocity), speed), part));

@@ -49,7 +49,7 @@ MK_INLINE bool Spin(const Run &run, const Vortex &from, const vrMKPRenderState &
     const Vortex vortex = from;
     const Mat3DClass toLocal = state.InverseTransform;
     const Mat3DClass toWorld = state.Transform;
-    const auto kernel = [&](int, const Vector3 &position, Vector3 &push) MK_KERNEL {
+    const auto kernel = [&](int, const Vector3 &position, Vector3 &push) MK_INLINE_LAMBDA {
         const Vector3 place = World ? Map(toLocal, position) : position;
         const float distance = std::sqrt(Dot(place, place));
         const Vector3 direction = Times(place, 1.0f / distance);
@@ -83,7 +83,7 @@ MK_INLINE bool Hold(const Run &run, const vrMKPRenderState &state, const Shape &
     const Mat3DClass toLocal = state.InverseTransform;
     const Mat3DClass toWorld = state.Transform;
     const uint32_t *__restrict ids = run.ID;
-    return Move(run, [&](int i, Vector3 &position, Vector3 &velocity) MK_KERNEL {
+    return Move(run, [&](int i, Vector3 &position, Vector3 &velocity) MK_INLINE_LAMBDA {
         Vector3 place = World ? Map(toLocal, position) : position;
         Vector3 course = World ? Turn(toLocal, velocity) : velocity;
         const uint32_t held = shape(ids[i], place, course);
@@ -98,7 +98,7 @@ MK_INLINE bool Hold_In_Funnel(const Run &run, const Funnel &from, const vrMKPRen
 {
     const Funnel funnel = from;
     const Vector3 axis = funnel.Axis;
-    return Hold<World>(run, state, [&](uint32_t id, Vector3 &position, Vector3 &velocity) MK_KERNEL {
+    return Hold<World>(run, state, [&](uint32_t id, Vector3 &position, Vector3 &velocity) MK_INLINE_LAMBDA {
         const float height = Dot(position, axis);
         const Vector3 across = Minus(position, Times(axis, height));
         const Vector3 substitute =
@@ -135,7 +135,7 @@ MK_INLINE bool Hold_On_Torus(const Run &run, const Torus &from, const vrMKPRende
     constexpr float UNIT_BYTE = 0.003921569f;
     const Torus torus = from;
     const Vector3 axis = torus.Axis;
-    return Hold<World>(run, state, [&](uint32_t id, Vector3 &position, Vector3 &velocity) MK_KERNEL {
+    return Hold<World>(run, state, [&](uint32_t id, Vector3 &position, Vector3 &velocity) MK_INLINE_LAMBDA {
         const float depth = static_cast<float>(static_cast<int32_t>(id & 0xff)) * UNIT_BYTE;
         const float pace = static_cast<float>(static_cast<int32_t>(id >> 8 & 0xff)) * UNIT_BYTE;
         const Vector3 outward = Particle::Unit(Minus(position, Times(axis, Dot(position, axis))));

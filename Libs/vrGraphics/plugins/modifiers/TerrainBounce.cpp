@@ -34,14 +34,13 @@ struct HeightOf
 };
 
 /// Marks those whose way isn't wholly above or below all heights, and answers whether there are any.
-template <typename Points>
-MK_SIMD bool Mark_Near_Ground(const Points &from, const Points &to, int count, HeightOf before, HeightOf now,
+MK_SIMD bool Mark_Near_Ground(vrMKPConstVectors from, vrMKPConstVectors to, int count, HeightOf before, HeightOf now,
                               vrHeightRange heights, uint8_t *__restrict marks)
 {
     uint32_t any = 0;
     for (int i = 0; i < count; ++i) {
-        const float start = before.At(from.At(i));
-        const float end = now.At(to.At(i));
+        const float start = before.At(from[i]);
+        const float end = now.At(to[i]);
         const uint32_t isLow = start < heights.Greatest ? ~0u : 0u;
         const uint32_t endsLow = end < heights.Greatest ? ~0u : 0u;
         const uint32_t isHigh = start >= heights.Least ? ~0u : 0u;
@@ -51,21 +50,6 @@ MK_SIMD bool Mark_Near_Ground(const Points &from, const Points &to, int count, H
         any |= isNear;
     }
     return any != 0;
-}
-
-bool Find_Candidates(const vrMKPBuffer &buffer, vrMKPSpan block, const HeightOf &before, const HeightOf &now,
-                     const vrHeightRange &heights, uint8_t *marks)
-{
-    const Vector3 *from = buffer.PreviousPosition + block.First;
-    const Vector3 *to = buffer.Position + block.First;
-    if (Particle::Shuffles_Freely())
-        return Mark_Near_Ground(Particle::Interleaved{&from->x}, Particle::Interleaved{&to->x}, block.Count, before,
-                                now, heights, marks);
-    Particle::Planes starts;
-    Particle::Planes ends;
-    Particle::Split(starts, from, block.Count);
-    Particle::Split(ends, to, block.Count);
-    return Mark_Near_Ground(starts, ends, block.Count, before, now, heights, marks);
 }
 
 } // namespace
@@ -140,11 +124,14 @@ void vrMKPTerrainBounceModifier::Apply(vrMKPBuffer &buffer, int, vrMKPSpan span)
     const Vector4 row = buffer.Is_World() ? Vector4(0.0f, 0.0f, 1.0f, 0.0f) : state.Transform.Row[2];
     const HeightOf before{row, 0.0f};
     const HeightOf now{row, surface.ZOffset};
+    constexpr int BLOCK = 256;
     uint8_t candidates[BLOCK];
     bool invalid = false;
     for (int done = 0; done < span.Count; done += BLOCK) {
         const vrMKPSpan block{span.First + done, span.Count - done < BLOCK ? span.Count - done : BLOCK};
-        if (!Find_Candidates(buffer, block, before, now, heights, candidates)) continue;
+        if (!Mark_Near_Ground(buffer.PreviousPosition + block.First, buffer.Position + block.First, block.Count, before,
+                              now, heights, candidates))
+            continue;
         for (int at = 0; at < block.Count; ++at)
             if (candidates[at]) invalid |= Meet_Ground(buffer, block.First + at, surface);
     }
@@ -171,11 +158,12 @@ bool vrMKPTerrainBounceModifier::Meet_Ground(vrMKPBuffer &buffer, int slot, cons
     bool rests = surface.Sticky;
     bool isInvalid = false;
     if (!surface.Sticky) {
-        Vector3 &velocity = buffer.Velocity[slot];
+        const Vector3 velocity = buffer.Velocity[slot];
         const Vector3 before = isWorld ? velocity : state.Transform.Rotate(velocity);
         const Vector3 after = surface.Bounce(before, normal, state.Random, rests);
-        velocity = isWorld ? after : state.InverseTransform.Rotate(after);
-        isInvalid = Is_Invalid(velocity);
+        const Vector3 turned = isWorld ? after : state.InverseTransform.Rotate(after);
+        buffer.Velocity.Put(slot, turned);
+        isInvalid = Is_Invalid(turned);
     }
     if (rests) {
         buffer.Flags[slot] |= PARTICLE_STOPPED;
@@ -183,6 +171,6 @@ bool vrMKPTerrainBounceModifier::Meet_Ground(vrMKPBuffer &buffer, int slot, cons
     }
     Vector3 place = hit + normal * CLEARANCE;
     place.z += surface.ZOffset;
-    buffer.Position[slot] = isWorld ? place : state.InverseTransform.Transform(place);
+    buffer.Position.Put(slot, isWorld ? place : state.InverseTransform.Transform(place));
     return isInvalid;
 }

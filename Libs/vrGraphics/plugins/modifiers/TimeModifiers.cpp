@@ -3,6 +3,7 @@
 #include "MKLib/MKMath/PortableMath.h"
 #include "MKLib/Parameters/EnumParameter.h"
 #include "MKLib/Parameters/SimpleParameters.h"
+#include "vrGraphics/particle/WholeRegisters.h"
 #include "vrGraphics/plugins/modifiers/MotionLoops.h"
 
 #include <algorithm>
@@ -93,12 +94,12 @@ struct DistanceTime
     bool Invert;
 };
 
-template <bool Smooth, typename Points>
-MK_SIMD void Write_Distance(float *__restrict times, const Points &positions, int count, DistanceTime law)
+template <bool Smooth>
+MK_SIMD void Write_Distance(float *__restrict times, vrMKPConstVectors positions, int count, DistanceTime law)
 {
     const float width = law.Outer - law.Inner;
-    for (int i = 0; i < count; ++i) {
-        const Vector3 way = Minus(positions.At(i), law.Target);
+    Particle::For_Whole_Registers(count, [&](int i) MK_INLINE_LAMBDA {
+        const Vector3 way = Minus(positions[i], law.Target);
         const float distance = std::sqrt(Dot(way, way));
         float time = Particle::Clamp_01((distance - law.Inner) / width);
         if constexpr (Smooth) {
@@ -107,7 +108,7 @@ MK_SIMD void Write_Distance(float *__restrict times, const Points &positions, in
             time = distance <= law.Inner ? 0.0f : ended;
         }
         times[i] = law.Invert ? time : 1.0f - time;
-    }
+    });
 }
 
 } // namespace
@@ -126,13 +127,12 @@ void vrMKPDistanceKeyTimeModifier::Apply(vrMKPBuffer &buffer, int index, vrMKPSp
 {
     const DistanceTime law = {Get_Buffer_Target(buffer, index), InnerRadius->Get_Value(), OuterRadius->Get_Value(),
                               Invert->Get_Value()};
-    Particle::For_Points(buffer.Position + span.First, span.Count, [&](const auto &positions, int at, int count) {
-        float *times = buffer.Time + span.First + at;
-        if (Smooth->Get_Value())
-            Write_Distance<true>(times, positions, count, law);
-        else
-            Write_Distance<false>(times, positions, count, law);
-    });
+    float *times = buffer.Time + span.First;
+    const vrMKPConstVectors positions = buffer.Position + span.First;
+    if (Smooth->Get_Value())
+        Write_Distance<true>(times, positions, span.Count, law);
+    else
+        Write_Distance<false>(times, positions, span.Count, law);
 }
 
 vrMKPClockModifier::vrMKPClockModifier()

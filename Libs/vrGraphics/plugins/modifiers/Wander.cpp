@@ -10,6 +10,7 @@ namespace
 {
 
 using namespace Motion;
+using Particle::Planes;
 
 /// Half the widths of the draws.
 Vector3 Half_Widths(const Vector3 &scale, float frameTime)
@@ -26,27 +27,25 @@ Vector3 Draw(RandomClass &random, const Vector3 &halfWidths)
 }
 
 template <bool World>
-MK_INLINE bool Step(const Run &run, const Vector3 *places, const Vector3 *courses, const vrMKPRenderState &state)
+MK_INLINE bool Step(const Run &run, const Planes &ways, const Planes &turns, const vrMKPRenderState &state)
 {
     const Mat3DClass toLocal = state.InverseTransform;
     const Mat3DClass toWorld = state.Transform;
-    const float *__restrict ways = &places->x;
-    const float *__restrict turns = &courses->x;
-    return Move(run, [&](int i, Vector3 &position, Vector3 &velocity) MK_KERNEL {
-        const Vector3 way(ways[3 * i], ways[3 * i + 1], ways[3 * i + 2]);
-        const Vector3 turn(turns[3 * i], turns[3 * i + 1], turns[3 * i + 2]);
+    return Move(run, [&](int i, Vector3 &position, Vector3 &velocity) MK_INLINE_LAMBDA {
+        const Vector3 way = ways[i];
+        const Vector3 turn = turns[i];
         position = World ? Map(toWorld, Plus(Map(toLocal, position), way)) : Plus(position, way);
         velocity = World ? Turn(toWorld, Plus(Turn(toLocal, velocity), turn)) : Plus(velocity, turn);
         return TOUCHED;
     });
 }
-MK_SIMD bool Step_Local(const Run &run, const Vector3 *places, const Vector3 *courses, const vrMKPRenderState &state)
+MK_SIMD bool Step_Local(const Run &run, const Planes &ways, const Planes &turns, const vrMKPRenderState &state)
 {
-    return Step<false>(run, places, courses, state);
+    return Step<false>(run, ways, turns, state);
 }
-MK_SIMD bool Step_World(const Run &run, const Vector3 *places, const Vector3 *courses, const vrMKPRenderState &state)
+MK_SIMD bool Step_World(const Run &run, const Planes &ways, const Planes &turns, const vrMKPRenderState &state)
 {
-    return Step<true>(run, places, courses, state);
+    return Step<true>(run, ways, turns, state);
 }
 
 } // namespace
@@ -64,16 +63,15 @@ void vrMKPRandomWalkModifier::Apply(vrMKPBuffer &buffer, int, vrMKPSpan span) co
     const vrMKPRenderState &state = *buffer.State;
     const Vector3 halfWay = Half_Widths(PositionScale->Get_Value(), state.FrameTime);
     const Vector3 halfTurn = Half_Widths(VelocityScale->Get_Value(), state.FrameTime);
-    Vector3 ways[BLOCK];
-    Vector3 turns[BLOCK];
+    Planes ways;
+    Planes turns;
     bool invalid = false;
-    for (int at = 0; at < span.Count; at += BLOCK) {
-        const Run run(buffer, {span.First + at, std::min(BLOCK, span.Count - at)});
+    for (int at = 0; at < span.Count; at += Planes::BLOCK) {
+        const Run run(buffer, {span.First + at, std::min(Planes::BLOCK, span.Count - at)});
         for (int i = 0; i < run.Count; ++i) {
-            ways[i] = turns[i] = Vector3(0.0f);
-            if (run.Flags[i] & PARTICLE_STOPPED) continue;
-            turns[i] = Draw(state.Random, halfTurn);
-            ways[i] = Draw(state.Random, halfWay);
+            const bool moves = !(run.Flags[i] & PARTICLE_STOPPED);
+            turns.Put(i, moves ? Draw(state.Random, halfTurn) : Vector3(0.0f));
+            ways.Put(i, moves ? Draw(state.Random, halfWay) : Vector3(0.0f));
         }
         invalid |= buffer.Is_World() ? Step_World(run, ways, turns, state) : Step_Local(run, ways, turns, state);
     }

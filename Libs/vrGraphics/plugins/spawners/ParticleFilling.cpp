@@ -1,5 +1,6 @@
 #include "vrGraphics/plugins/spawners/ParticleFilling.h"
 
+#include "vrGraphics/particle/InlineVectors.h"
 #include "vrGraphics/particle/ParticleMath.h"
 #include "vrGraphics/particle/vrWorld.h"
 #include "MKLib/MKDebug/Assert.h"
@@ -9,36 +10,27 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 
 namespace
 {
+
+using Particle::Dot;
+using Particle::Invalid_Bits;
+using Particle::Map;
+using Particle::Minus;
+using Particle::Plus;
+using Particle::Times;
 
 MK_SIMD void Scale_Floats(float *__restrict values, int count, float factor)
 {
     for (int i = 0; i < count; ++i) values[i] *= factor;
 }
 
-MK_SIMD void Add_Scaled_Pattern(float *__restrict to, const float *__restrict factors, int count, const Vector3 &way)
+void Scale(const vrMKPVectors &vectors, int count, float factor)
 {
-    const float x = way.x;
-    const float y = way.y;
-    const float z = way.z;
-    for (int i = 0; i < count; ++i) {
-        to[i * 3] += x * factors[i];
-        to[i * 3 + 1] += y * factors[i];
-        to[i * 3 + 2] += z * factors[i];
-    }
-}
-
-MK_SIMD void Add_Moved(float *__restrict to, const float *__restrict velocities, const float *__restrict seconds,
-                       int count)
-{
-    for (int i = 0; i < count; ++i) {
-        to[i * 3] += velocities[i * 3] * seconds[i];
-        to[i * 3 + 1] += velocities[i * 3 + 1] * seconds[i];
-        to[i * 3 + 2] += velocities[i * 3 + 2] * seconds[i];
-    }
+    Scale_Floats(vectors.X, count, factor);
+    Scale_Floats(vectors.Y, count, factor);
+    Scale_Floats(vectors.Z, count, factor);
 }
 
 MK_SIMD void Ages_Along_The_Way(float *__restrict ages, const float *__restrict fractions, int count, float frameTime)
@@ -46,47 +38,54 @@ MK_SIMD void Ages_Along_The_Way(float *__restrict ages, const float *__restrict 
     for (int i = 0; i < count; ++i) ages[i] = (1.0f - fractions[i]) * frameTime;
 }
 
-/// How much nearer to the camera than `base`, the square of a distance, each position is, by its square.
-MK_SIMD void Relate_Distances(float *__restrict relative, const float *__restrict positions, int count,
-                              const Vector3 &camera, float base)
+/// The newborns of a block and what moves them from where they begin.
+struct Departures
 {
-    const float cx = camera.x;
-    const float cy = camera.y;
-    const float cz = camera.z;
-    for (int i = 0; i < count; ++i) {
-        const float x = positions[i * 3] - cx;
-        const float y = positions[i * 3 + 1] - cy;
-        const float z = positions[i * 3 + 2] - cz;
-        relative[i] = base - (x * x + y * y + z * z);
+    vrMKPConstVectors Origins;
+    vrMKPVectors Copies; ///< of the origins
+    vrMKPVectors Positions;
+    vrMKPVectors Velocities;
+    const float *Fractions;
+    const float *Ages;
+    int Count;
+    Mat3DClass Turn; ///< for the velocities
+    Vector3 Way{NOTHING};
+    Vector3 Inherited{NOTHING};
+
+    static constexpr float NOTHING = -0.0f; ///< leaves what it's added to as it is, which 0 doesn't
+};
+
+template <bool Turns, bool Moves>
+MK_INLINE void Depart_In_Form(const Departures &source)
+{
+    const Departures d = source;
+    const Vector4 x = d.Turn.Row[0];
+    const Vector4 y = d.Turn.Row[1];
+    const Vector4 z = d.Turn.Row[2];
+#pragma GCC ivdep
+    for (int i = 0; i < d.Count; ++i) {
+        const Vector3 origin = d.Origins[i];
+        const Vector3 drawn = d.Velocities[i];
+        const float fraction = d.Fractions[i];
+        Vector3 velocity = drawn;
+        if constexpr (Turns)
+            velocity = {x.x * drawn.x + x.y * drawn.y + x.z * drawn.z + 0.0f,
+                        y.x * drawn.x + y.y * drawn.y + y.z * drawn.z + 0.0f,
+                        z.x * drawn.x + z.y * drawn.y + z.z * drawn.z + 0.0f};
+        velocity = Plus(velocity, d.Inherited);
+        Vector3 position = Plus(origin, Times(d.Way, fraction));
+        if constexpr (Moves) position = Plus(position, Times(velocity, d.Ages[i]));
+        d.Copies.Put(i, origin);
+        d.Velocities.Put(i, velocity);
+        d.Positions.Put(i, position);
     }
 }
-
-MK_SIMD void Fill_Points(float *__restrict to, int count, const Vector3 &point)
+MK_SIMD void Depart(const Departures &departures, bool turns, bool moves)
 {
-    const float x = point.x;
-    const float y = point.y;
-    const float z = point.z;
-    for (int i = 0; i < count; ++i) {
-        to[i * 3] = x;
-        to[i * 3 + 1] = y;
-        to[i * 3 + 2] = z;
-    }
-}
-
-MK_SIMD void Fill_Floats(float *__restrict to, int count, float value)
-{
-    for (int i = 0; i < count; ++i) to[i] = value;
-}
-
-MK_SIMD void Fill_Serials(uint32_t *__restrict to, int count, uint32_t first)
-{
-    for (int i = 0; i < count; ++i) to[i] = first + static_cast<uint32_t>(i);
-}
-
-void Rotate_Directions(Vector3 *directions, int count, Mat3DClass transform)
-{
-    transform.Set_Translation(Vector3(0.0f));
-    Particle::Transform_Points(directions, directions, count, transform);
+    if (turns && moves) return Depart_In_Form<true, true>(departures);
+    if (turns) return Depart_In_Form<true, false>(departures);
+    if (moves) return Depart_In_Form<false, true>(departures);
+    return Depart_In_Form<false, false>(departures);
 }
 
 float Squared_Distance(const Vector3 &from, const Vector3 &to)
@@ -96,23 +95,89 @@ float Squared_Distance(const Vector3 &from, const Vector3 &to)
 }
 
 /// What a slot gets besides its place, its velocity and its age.
+struct Constants
+{
+    vrMKPVectors Targets;
+    float *MaxAges;
+    float *Times;
+    float *FlightDurations;
+    uint32_t *Flags;
+    uint32_t *Numbers;
+    Vector2 *Sizes;
+    uint32_t *Rotations;
+    Vector3 Target;
+    float TargetRadius;
+    uint32_t FirstNumber;
+};
+
+MK_SIMD void Write_Constants(const Constants &source, int count)
+{
+    const Constants c = source;
+#pragma GCC ivdep
+    for (int i = 0; i < count; ++i) {
+        c.Targets.Put(i, c.Target);
+        c.MaxAges[i] = -1.0f; // the stomper's to give
+        c.Times[i] = 0.0f;
+        c.FlightDurations[i] = c.TargetRadius;
+        c.Flags[i] = 0;
+        c.Numbers[i] = c.FirstNumber + static_cast<uint32_t>(i);
+        c.Sizes[i] = Vector2(1.0f);
+        c.Rotations[i] = 0;
+    }
+}
+
 void Write_Constants(vrMKPBuffer &buffer, vrMKPSpan block)
 {
     const vrMKPRenderState &state = *buffer.State;
     const int first = block.First;
-    const int count = block.Count;
-    const auto zero = [&](auto *channel) {
-        std::memset(channel + first, 0, static_cast<size_t>(count) * sizeof(*channel));
-    };
-    Fill_Points(&buffer.ProjectileTargetPosition[first].x, count, state.TargetPosition);
-    Fill_Floats(buffer.MaxAge + first, count, -1.0f); // the stomper's to give
-    zero(buffer.Time);
-    Fill_Floats(buffer.ProjectileFlightDuration + first, count, state.Get_Target_Radius());
-    zero(buffer.Flags);
-    Fill_Serials(buffer.Number + first, count, buffer.NextSerial);
-    buffer.NextSerial += static_cast<uint32_t>(count);
-    Fill_Floats(&buffer.Size[first].x, count * 2, 1.0f);
-    zero(buffer.Rotation);
+    Write_Constants(Constants{buffer.ProjectileTargetPosition + first, buffer.MaxAge + first, buffer.Time + first,
+                              buffer.ProjectileFlightDuration + first, buffer.Flags + first, buffer.Number + first,
+                              buffer.Size + first, buffer.Rotation + first, state.TargetPosition,
+                              state.Get_Target_Radius(), buffer.NextSerial},
+                    block.Count);
+    buffer.NextSerial += static_cast<uint32_t>(block.Count);
+}
+
+/// What to make of newborns as they stand.
+struct Measures
+{
+    uint32_t InvalidPositions = 0; ///< not 0 where one is infinite or no number
+    uint32_t InvalidVelocities = 0;
+};
+
+/// Writes how much nearer to the camera than `base`, the square of a distance, each particle is, by its square.
+template <bool Maps>
+MK_INLINE Measures Measure_In_Form(float *relative, vrMKPConstVectors positions, vrMKPConstVectors velocities,
+                                   int count, const Mat3DClass &toWorld, const Vector3 &viewer, float base)
+{
+    const Mat3DClass map = toWorld;
+    const Vector3 camera = viewer;
+    Measures measures;
+#pragma GCC ivdep
+    for (int i = 0; i < count; ++i) {
+        const Vector3 position = positions[i];
+        const Vector3 way = Minus(Maps ? Map(map, position) : position, camera);
+        relative[i] = base - Dot(way, way);
+        measures.InvalidPositions |= Invalid_Bits(position);
+        measures.InvalidVelocities |= Invalid_Bits(velocities[i]);
+    }
+    return measures;
+}
+MK_SIMD Measures Measure(float *relative, vrMKPConstVectors positions, vrMKPConstVectors velocities, int count,
+                         const Mat3DClass &toWorld, const Vector3 &camera, float base)
+{
+    return Measure_In_Form<true>(relative, positions, velocities, count, toWorld, camera, base);
+}
+MK_SIMD Measures Measure(float *relative, vrMKPConstVectors positions, vrMKPConstVectors velocities, int count,
+                         const Vector3 &camera, float base)
+{
+    return Measure_In_Form<false>(relative, positions, velocities, count, {}, camera, base);
+}
+
+Mat3DClass Turn_Of(Mat3DClass transform)
+{
+    transform.Set_Translation(Vector3(0.0f));
+    return transform;
 }
 
 } // namespace
@@ -151,22 +216,22 @@ void vrMKPFilling::Finish(vrMKPBuffer &buffer, vrMKPSpan block)
     const vrMKPRenderState &state = *buffer.State;
     float fractions[BLOCK];
     Run_Clock(buffer.Age + block.First, fractions, block.Count);
-    Vector3 *velocities = buffer.Velocity + block.First;
-    const Vector3 *positions = buffer.Position + block.First;
-    Scale_Floats(&velocities->x, block.Count * 3, Rules.VelocityFactor);
-    Vector3 inWorld[BLOCK];
-    if (IsWorld) {
+    const vrMKPVectors velocities = buffer.Velocity + block.First;
+    if (Rules.VelocityFactor != 1.0f) Scale(velocities, block.Count, Rules.VelocityFactor);
+    if (IsWorld)
         Place_World(buffer, block, fractions);
-    } else {
-        Place_Local(buffer, block);
-        Particle::Transform_Points(inWorld, positions, block.Count, *Transform);
-    }
-    ArePositionsValid &= !Particle::Has_Invalid(positions, block.Count);
-    AreVelocitiesValid &= !Particle::Has_Invalid(velocities, block.Count);
+    else
+        Place_Local(buffer, block, fractions);
     Write_Constants(buffer, block);
+
     const Vector3 camera = state.Camera.Get_Translation();
-    Relate_Distances(buffer.SortingRelativeToGroup + block.First, IsWorld ? &positions->x : &inWorld->x, block.Count,
-                     camera, Squared_Distance(camera, state.Get_Position()));
+    const float base = Squared_Distance(camera, state.Get_Position());
+    float *relative = buffer.SortingRelativeToGroup + block.First;
+    const vrMKPConstVectors positions = buffer.Position + block.First;
+    const Measures measures = IsWorld ? Measure(relative, positions, velocities, block.Count, camera, base)
+                                      : Measure(relative, positions, velocities, block.Count, *Transform, camera, base);
+    ArePositionsValid &= measures.InvalidPositions == 0;
+    AreVelocitiesValid &= measures.InvalidVelocities == 0;
 }
 
 void vrMKPFilling::End(vrMKPBuffer &buffer) const
@@ -194,52 +259,62 @@ void vrMKPFilling::Run_Clock(float *__restrict ages, float *__restrict fractions
     Progress = clock;
 }
 
-void vrMKPFilling::Place_Local(vrMKPBuffer &buffer, vrMKPSpan block) const
+void vrMKPFilling::Place_Local(vrMKPBuffer &buffer, vrMKPSpan block, const float *fractions) const
 {
-    const Vector3 *origins = buffer.ProjectileStartingPosition + block.First;
-    Vector3 *positions = buffer.Position + block.First;
-    Vector3 *velocities = buffer.Velocity + block.First;
-    const size_t bytes = static_cast<size_t>(block.Count) * sizeof(Vector3);
-    if (!Rules.VelocityInLocalSpace) Rotate_Directions(velocities, block.Count, *Transform);
-    std::memcpy(static_cast<void *>(positions), origins, bytes);
-    if (!Rules.DistanceAsTime) Add_Moved(&positions->x, &velocities->x, buffer.Age + block.First, block.Count);
-    std::memcpy(static_cast<void *>(buffer.PreviousPosition + block.First), origins, bytes);
+    const bool turns = !Rules.VelocityInLocalSpace;
+    Depart({.Origins = buffer.ProjectileStartingPosition + block.First,
+            .Copies = buffer.PreviousPosition + block.First,
+            .Positions = buffer.Position + block.First,
+            .Velocities = buffer.Velocity + block.First,
+            .Fractions = fractions,
+            .Ages = buffer.Age + block.First,
+            .Count = block.Count,
+            .Turn = turns ? Turn_Of(*Transform) : Mat3DClass()},
+           turns, !Rules.DistanceAsTime);
 }
 
 void vrMKPFilling::Place_World(vrMKPBuffer &buffer, vrMKPSpan block, const float *fractions) const
 {
     const vrMKPRenderState &state = *buffer.State;
     const int count = block.Count;
-    Vector3 *locals = buffer.ProjectileStartingPosition + block.First;
-    Vector3 *origins = buffer.PreviousPosition + block.First;
-    Vector3 *positions = buffer.Position + block.First;
-    Vector3 *velocities = buffer.Velocity + block.First;
+    const vrMKPVectors locals = buffer.ProjectileStartingPosition + block.First;
+    const vrMKPVectors origins = buffer.PreviousPosition + block.First;
+    const vrMKPVectors positions = buffer.Position + block.First;
+    const vrMKPVectors velocities = buffer.Velocity + block.First;
     float *ages = buffer.Age + block.First;
-    const size_t bytes = static_cast<size_t>(count) * sizeof(Vector3);
 
     Particle::Transform_Points(origins, locals, count, *PreviousTransform);
     if (SnapsToTerrain)
-        for (int i = 0; i < count; ++i) origins[i].z = Get_Snapped_Height(state, origins[i]);
+        for (int i = 0; i < count; ++i) origins.Z[i] = Get_Snapped_Height(state, origins[i]);
+    if (Rules.DistanceAsTime) Ages_Along_The_Way(ages, fractions, count, state.FrameTime);
     if (Rules.HiResRotate) {
         Turn_Along_The_Way(positions, velocities, locals, fractions, count);
+        if (Rules.InheritVelocity) Particle::Add_Vector(velocities, count, Inherited);
+        for (int i = 0; i < count; ++i) positions.Put(i, Plus(positions[i], Times(velocities[i], ages[i])));
+        Particle::Copy(locals, origins, count);
     } else {
-        if (Rules.VelocityInLocalSpace) Rotate_Directions(velocities, count, *PreviousTransform);
-        std::memcpy(static_cast<void *>(positions), origins, bytes);
-        Add_Scaled_Pattern(&positions->x, fractions, count, Way);
+        const bool turns = Rules.VelocityInLocalSpace;
+        Departures departures{.Origins = origins,
+                              .Copies = locals,
+                              .Positions = positions,
+                              .Velocities = velocities,
+                              .Fractions = fractions,
+                              .Ages = ages,
+                              .Count = count,
+                              .Turn = turns ? Turn_Of(*PreviousTransform) : Mat3DClass(),
+                              .Way = Way};
+        if (Rules.InheritVelocity) departures.Inherited = Inherited;
+        Depart(departures, turns, true);
     }
-    if (Rules.InheritVelocity) Particle::Add_Vector(velocities, count, Inherited);
-    if (Rules.DistanceAsTime) Ages_Along_The_Way(ages, fractions, count, state.FrameTime);
-    Add_Moved(&positions->x, &velocities->x, ages, count);
     if (buffer.ScaleType == PARTICLE_SCALE_AT_SPAWN) {
-        Scale_Floats(&positions->x, count * 3, state.PositionScale);
+        Scale(positions, count, state.PositionScale);
         Particle::Add_Vector(positions, count, state.PositionOffset);
-        Scale_Floats(&velocities->x, count * 3, state.VelocityScale);
+        Scale(velocities, count, state.VelocityScale);
     }
-    std::memcpy(static_cast<void *>(locals), origins, bytes);
 }
 
-void vrMKPFilling::Turn_Along_The_Way(Vector3 *positions, Vector3 *velocities, const Vector3 *locals,
-                                      const float *fractions, int count) const
+void vrMKPFilling::Turn_Along_The_Way(const vrMKPVectors &positions, const vrMKPVectors &velocities,
+                                      const vrMKPConstVectors &locals, const float *fractions, int count) const
 {
     const RotationPath path(PreviousTransform->Get_Rotation(), Transform->Get_Rotation());
     const Vector3 start = PreviousTransform->Get_Translation();
@@ -247,8 +322,8 @@ void vrMKPFilling::Turn_Along_The_Way(Vector3 *positions, Vector3 *velocities, c
     path.At_Many(fractions, count, rotations);
     for (int i = 0; i < count; ++i) {
         const auto turn = Mat3DClass::From_Quaternion(rotations[i]);
-        if (Rules.VelocityInLocalSpace) velocities[i] = turn.Rotate(velocities[i]);
-        positions[i] = turn.Rotate(locals[i]) + (start + Way * fractions[i]);
+        if (Rules.VelocityInLocalSpace) velocities.Put(i, turn.Rotate(velocities[i]));
+        positions.Put(i, turn.Rotate(locals[i]) + (start + Way * fractions[i]));
     }
 }
 

@@ -94,11 +94,11 @@ private:
     void End(vrMKPBuffer &buffer) const;
 
     void Run_Clock(float *ages, float *fractions, int count);
-    void Place_Local(vrMKPBuffer &buffer, vrMKPSpan block) const;
+    void Place_Local(vrMKPBuffer &buffer, vrMKPSpan block, const float *fractions) const;
     void Place_World(vrMKPBuffer &buffer, vrMKPSpan block, const float *fractions) const;
     /// Places and turns with the rotation as it was at each birth.
-    void Turn_Along_The_Way(Vector3 *positions, Vector3 *velocities, const Vector3 *locals, const float *fractions,
-                            int count) const;
+    void Turn_Along_The_Way(const vrMKPVectors &positions, const vrMKPVectors &velocities,
+                            const vrMKPConstVectors &locals, const float *fractions, int count) const;
     Vector3 Snap_Local(const vrMKPBuffer &buffer, const Vector3 &position) const;
     float Get_Snapped_Height(const vrMKPRenderState &state, const Vector3 &worldPosition) const;
     Vector3 Get_Inherited_Velocity(const vrMKPRenderState &state) const;
@@ -138,8 +138,8 @@ void vrMKPFilling::Draw(vrMKPBuffer &buffer, vrMKPSpan block, Source &source) co
     for (int slot = block.First; slot < block.First + block.Count; ++slot) {
         Vector3 position = source.Position(random);
         if (snaps) position = Snap_Local(buffer, position);
-        buffer.ProjectileStartingPosition[slot] = position;
-        buffer.Velocity[slot] = source.Velocity(random, position);
+        buffer.ProjectileStartingPosition.Put(slot, position);
+        buffer.Velocity.Put(slot, source.Velocity(random, position));
         const uint32_t high = random.Get_Byte();
         buffer.ID[slot] = (high << 8) | random.Get_Byte();
     }

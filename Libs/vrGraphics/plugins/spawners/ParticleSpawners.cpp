@@ -254,7 +254,7 @@ void Age_Bursts(vrMKPBuffer &buffer, const vrMKPFilling &filling, const vrMKPDea
         const Vector3 position = buffer.Position[slot] + buffer.Velocity[slot] * age;
         const Vector3 toParticle = (buffer.Is_World() ? position : state.Transform.Transform(position)) - camera;
         buffer.Age[slot] = age;
-        buffer.Position[slot] = position;
+        buffer.Position.Put(slot, position);
         buffer.SortingRelativeToGroup[slot] = glm::dot(toGroup, toGroup) - glm::dot(toParticle, toParticle);
     }
 }

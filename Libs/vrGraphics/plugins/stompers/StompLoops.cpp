@@ -1,11 +1,46 @@
 #include "vrGraphics/plugins/stompers/StompLoops.h"
 
-#include "vrGraphics/particle/VectorPlanes.h"
-
-#include <cstring>
+#include "MKLib/MKDebug/Assert.h"
+#include "vrGraphics/particle/WholeRegisters.h"
 
 namespace
 {
+
+struct AgeCheck
+{
+    bool AnyDies;
+    bool AnyInvalid;
+};
+
+MK_SIMD AgeCheck Check_Ages(const float *age, const float *maxAge, int count, float dt)
+{
+    uint32_t dying = 0;
+    uint32_t invalid = 0;
+    Particle::For_Whole_Registers(count, [&](int i) MK_INLINE_LAMBDA {
+        const uint32_t dies = age[i] + dt > maxAge[i] ? ~0u : 0u;
+        const uint32_t isPositive = maxAge[i] > 0.0f ? ~0u : 0u;
+        dying |= dies;
+        invalid |= ~(dies | isPositive);
+    });
+    return {dying != 0, invalid != 0};
+}
+
+/// Whether `kills(slot)` holds for any of the run.
+template <typename Condition>
+MK_SIMD bool Kills_Any(vrMKPSpan span, Condition kills)
+{
+    const int first = span.First;
+    uint32_t any = 0;
+    Particle::For_Whole_Registers(span.Count, [&](int i) MK_INLINE_LAMBDA { any |= kills(first + i) ? ~0u : 0u; });
+    return any != 0;
+}
+
+template <typename Condition>
+MK_SIMD void Mark_All(vrMKPSpan span, Condition kills, uint8_t *__restrict dead)
+{
+    const int first = span.First;
+    Particle::For_Whole_Registers(span.Count, [&](int i) MK_INLINE_LAMBDA { dead[i] = kills(first + i) ? 1 : 0; });
+}
 
 MK_SIMD int Count_Marks(const uint8_t *dead, int count)
 {
@@ -14,141 +49,36 @@ MK_SIMD int Count_Marks(const uint8_t *dead, int count)
     return deaths;
 }
 
-MK_SIMD void Mark_Ages(const float *__restrict age, const float *__restrict maxAge, int count, float dt,
-                       uint8_t *__restrict dead)
+template <typename Condition>
+int Mark(vrMKPSpan span, const Condition &kills, uint8_t *dead)
 {
-    for (int at = 0; at < count; ++at) dead[at] = age[at] + dt > maxAge[at] ? 1 : 0;
+    Mark_All(span, kills, dead);
+    return Count_Marks(dead, span.Count);
 }
 
-MK_SIMD int Count_Ages(const float *__restrict age, const float *__restrict maxAge, int count, float dt,
-                       int *__restrict invalid)
+/// Whether there's work for a removal: in most frames nobody dies, and all is done when that is known.
+template <typename Condition>
+bool Kills_Any(const vrMKPBuffer &buffer, const Condition &kills)
 {
-    int aged = 0;
-    int bad = 0;
-    for (int at = 0; at < count; ++at) {
-        const int dies = age[at] + dt > maxAge[at] ? 1 : 0;
-        const int positive = maxAge[at] > 0.0f ? 1 : 0;
-        aged += dies;
-        bad += 1 - (dies | positive);
-    }
-    *invalid += bad;
-    return aged;
-}
-
-// What kills: whether it does a particle that a source tells of by its place.
-
-/// `SIGN` 1 for what is above the limit, -1 for what isn't.
-template <int SIGN>
-struct AtDistance
-{
-    Vector3 Center;
-    float Limit;
-
-    template <typename Points>
-    MK_INLINE bool Kills(const Points &positions, int i) const
-    {
-        const Vector3 position = positions.At(i);
-        const float x = position.x - Center.x;
-        const float y = position.y - Center.y;
-        const float z = position.z - Center.z;
-        const float squared = x * x + y * y + z * z;
-        return SIGN > 0 ? squared > Limit : squared <= Limit;
-    }
-};
-
-struct PastRow
-{
-    Vector4 Row;
-    float Sign;
-    float Limit;
-
-    template <typename Points>
-    MK_INLINE bool Kills(const Points &positions, int i) const
-    {
-        const Vector3 position = positions.At(i);
-        return (Row.x * position.x + Row.y * position.y + Row.z * position.z + Row.w) * Sign > Limit;
-    }
-};
-
-/// One of `STEP` floats each.
-template <int STEP>
-struct Coordinates
-{
-    const float *Values;
-
-    MK_INLINE float At(int i) const { return Values[i * STEP]; }
-};
-
-struct PastValue
-{
-    float Sign;
-    float Limit;
-
-    template <typename Values>
-    MK_INLINE bool Kills(const Values &values, int i) const
-    {
-        return values.At(i) * Sign > Limit;
-    }
-};
-
-struct FromValue
-{
-    float Limit;
-
-    template <typename Values>
-    MK_INLINE bool Kills(const Values &values, int i) const
-    {
-        return values.At(i) >= Limit;
-    }
-};
-
-/// Above an offset.
-struct BelowHeight
-{
-    float Offset;
-    float Limit;
-
-    template <typename Values>
-    MK_INLINE bool Kills(const Values &values, int i) const
-    {
-        return values.At(i) + Offset < Limit;
-    }
-};
-
-template <typename Source, typename Condition>
-MK_SIMD bool Kills_Any(const Source &source, int count, Condition condition)
-{
-    uint32_t any = 0;
-    for (int i = 0; i < count; ++i) any |= condition.Kills(source, i) ? ~0u : 0u;
-    return any != 0;
-}
-
-template <typename Source, typename Condition>
-MK_SIMD void Mark_All(const Source &source, int count, Condition condition, uint8_t *__restrict dead)
-{
-    for (int i = 0; i < count; ++i) dead[i] = condition.Kills(source, i) ? 1 : 0;
-}
-
-/// Most blocks lose nobody, and are done when that is known.
-template <typename Source, typename Condition>
-int Mark(const Source &source, int count, const Condition &condition, uint8_t *dead)
-{
-    if (!Kills_Any(source, count, condition)) {
-        std::memset(dead, 0, static_cast<size_t>(count));
-        return 0;
-    }
-    Mark_All(source, count, condition, dead);
-    return Count_Marks(dead, count);
+    for (const vrMKPSpan span : buffer.Live_Spans())
+        if (Kills_Any(span, kills)) return true;
+    return false;
 }
 
 template <typename Condition>
-int Mark_Points(const Vector3 *positions, int count, const Condition &condition, uint8_t *dead)
+void Remove(vrMKPBuffer &buffer, bool spawnOnDeath, const Condition &kills)
 {
-    int deaths = 0;
-    Particle::For_Points(positions, count, [&](const auto &points, int at, int size) {
-        deaths += Mark(points, size, condition, dead + at);
-    });
-    return deaths;
+    if (!Kills_Any(buffer, kills)) return;
+    StompLoops::Remove_Marked(buffer, 0.0f, spawnOnDeath,
+                              [&kills](vrMKPSpan span, uint8_t *dead) { return Mark(span, kills, dead); });
+}
+
+MK_INLINE float Squared_Distance(const Vector3 &from, const Vector3 &to)
+{
+    const float x = from.x - to.x;
+    const float y = from.y - to.y;
+    const float z = from.z - to.z;
+    return x * x + y * y + z * z;
 }
 
 /// Below a limit is above it with both signs turned.
@@ -162,58 +92,79 @@ float Sign_Of(StompLoops::Comparison comparison)
 namespace StompLoops
 {
 
-int Mark_Aged(const float *age, const float *maxAge, int count, float dt, uint8_t *dead)
+void Remove_Aged(vrMKPBuffer &buffer, float dt, bool spawnOnDeath)
 {
-    Mark_Ages(age, maxAge, count, dt, dead);
-    return Count_Marks(dead, count);
-}
-
-int Count_Aged(const float *age, const float *maxAge, int count, float dt, int &invalid)
-{
-    return Count_Ages(age, maxAge, count, dt, &invalid);
-}
-
-int Mark_Beyond(const Vector3 *positions, int count, const Vector3 &center, float squaredRadius, uint8_t *dead)
-{
-    return Mark_Points(positions, count, AtDistance<1>{center, squaredRadius}, dead);
-}
-
-int Mark_Within(const Vector3 *positions, int count, const Vector3 &center, float squaredRadius, uint8_t *dead)
-{
-    return Mark_Points(positions, count, AtDistance<-1>{center, squaredRadius}, dead);
-}
-
-int Mark_On_Axis(const Vector3 *positions, int axis, int count, Comparison comparison, float limit, uint8_t *dead)
-{
-    const float sign = Sign_Of(comparison);
-    return Mark(Coordinates<3>{&positions->x + axis}, count, PastValue{sign, limit * sign}, dead);
-}
-
-int Mark_Mapped(const Vector3 *positions, int count, const Vector4 &row, Comparison comparison, float limit,
-                uint8_t *dead)
-{
-    const float sign = Sign_Of(comparison);
-    return Mark_Points(positions, count, PastRow{row, sign, limit * sign}, dead);
-}
-
-int Mark_Below(const Vector3 *positions, int count, const vrTerrain &terrain, const Vector3 &offset, uint8_t *dead)
-{
-    const vrHeightRange range = terrain.Get_Height_Range();
-    const int low = Mark(Coordinates<3>{&positions->z}, count, BelowHeight{offset.z, range.Greatest}, dead);
-    if (low == 0 || range.Least == range.Greatest) return low;
-    int deaths = 0;
-    for (int at = 0; at < count; ++at) {
-        if (!dead[at]) continue;
-        const Vector3 point = positions[at] + offset;
-        dead[at] = point.z < range.Least || point.z < terrain.Get_Height(point.x, point.y) ? 1 : 0;
-        deaths += dead[at];
+    AgeCheck all{false, false};
+    for (const vrMKPSpan span : buffer.Live_Spans()) {
+        const AgeCheck one = Check_Ages(buffer.Age + span.First, buffer.MaxAge + span.First, span.Count, dt);
+        all = {all.AnyDies || one.AnyDies, all.AnyInvalid || one.AnyInvalid};
     }
-    return deaths;
+    MK_ASSERT(!all.AnyInvalid, "buffer->MaxAge[index] > 0.0f");
+    if (!all.AnyDies) return;
+    const auto isAged = [age = buffer.Age, maxAge = buffer.MaxAge, dt](int slot)
+                            MK_INLINE_LAMBDA { return age[slot] + dt > maxAge[slot]; };
+    Remove_Marked(buffer, dt, spawnOnDeath,
+                  [&isAged](vrMKPSpan span, uint8_t *dead) { return Mark(span, isAged, dead); });
 }
 
-int Mark_From(const float *values, int count, float limit, uint8_t *dead)
+void Remove_Beyond(vrMKPBuffer &buffer, const Vector3 &center, float squaredRadius, bool spawnOnDeath)
 {
-    return Mark(Coordinates<1>{values}, count, FromValue{limit}, dead);
+    Remove(buffer, spawnOnDeath, [positions = buffer.Position, center, squaredRadius](int slot) MK_INLINE_LAMBDA {
+        return Squared_Distance(positions[slot], center) > squaredRadius;
+    });
+}
+
+void Remove_Within(vrMKPBuffer &buffer, const Vector3 &center, float squaredRadius, bool spawnOnDeath)
+{
+    Remove(buffer, spawnOnDeath, [positions = buffer.Position, center, squaredRadius](int slot) MK_INLINE_LAMBDA {
+        return Squared_Distance(positions[slot], center) <= squaredRadius;
+    });
+}
+
+void Remove_On_Axis(vrMKPBuffer &buffer, int axis, Comparison comparison, float limit, bool spawnOnDeath)
+{
+    const float *const coordinates[] = {buffer.Position.X, buffer.Position.Y, buffer.Position.Z};
+    const float sign = Sign_Of(comparison);
+    Remove(buffer, spawnOnDeath, [values = coordinates[axis], sign, limit = limit * sign](int slot) MK_INLINE_LAMBDA {
+        return values[slot] * sign > limit;
+    });
+}
+
+void Remove_Mapped(vrMKPBuffer &buffer, const Vector4 &row, Comparison comparison, float limit, bool spawnOnDeath)
+{
+    const float sign = Sign_Of(comparison);
+    Remove(buffer, spawnOnDeath,
+           [positions = buffer.Position, row, sign, limit = limit * sign](int slot) MK_INLINE_LAMBDA {
+               const Vector3 position = positions[slot];
+               return (row.x * position.x + row.y * position.y + row.z * position.z + row.w) * sign > limit;
+           });
+}
+
+void Remove_Below(vrMKPBuffer &buffer, const vrTerrain &terrain, const Vector3 &offset, bool spawnOnDeath)
+{
+    const vrMKPConstVectors positions = buffer.WorldPosition;
+    const vrHeightRange range = terrain.Get_Height_Range();
+    const auto isLow = [heights = positions.Z, raise = offset.z, limit = range.Greatest](int slot)
+                           MK_INLINE_LAMBDA { return heights[slot] + raise < limit; };
+    if (range.Least == range.Greatest) return Remove(buffer, spawnOnDeath, isLow);
+    if (!Kills_Any(buffer, isLow)) return;
+    Remove_Marked(buffer, 0.0f, spawnOnDeath, [&](vrMKPSpan span, uint8_t *dead) {
+        if (Mark(span, isLow, dead) == 0) return 0;
+        int deaths = 0;
+        for (int at = 0; at < span.Count; ++at) {
+            if (!dead[at]) continue;
+            const Vector3 point = positions[span.First + at] + offset;
+            dead[at] = point.z < range.Least || point.z < terrain.Get_Height(point.x, point.y) ? 1 : 0;
+            deaths += dead[at];
+        }
+        return deaths;
+    });
+}
+
+void Remove_From(vrMKPBuffer &buffer, float limit, bool spawnOnDeath)
+{
+    Remove(buffer, spawnOnDeath,
+           [time = buffer.Time, limit](int slot) MK_INLINE_LAMBDA { return time[slot] >= limit; });
 }
 
 void Report_Deaths(vrMKPBuffer &buffer, vrMKPSpan span, const uint8_t *dead, float dt, bool spawnOnDeath)

@@ -1,7 +1,7 @@
 #pragma once
 
-/// The loops that find the particles which die. Each `Mark_` writes 1 (dead) or 0 for `count` particles and answers how
-/// many are dead; a comparison with what is no number spares the particle.
+/// The loops that find the particles which die. Each `Remove_` takes those out for which something holds, and tells the
+/// listeners of them where `spawnOnDeath` asks for it; a comparison with what is no number spares the particle.
 
 #include "vrGraphics/particle/vrMKPBuffer.h"
 #include "vrGraphics/particle/vrWorld.h"
@@ -15,23 +15,20 @@ enum Comparison : int
     LESS_THAN = 1
 };
 
-/// Those whose age of `dt` later is above their greatest.
-int Mark_Aged(const float *age, const float *maxAge, int count, float dt, uint8_t *dead);
-/// The same, counted only; `invalid` grows by those that live on with a greatest age that isn't positive.
-int Count_Aged(const float *age, const float *maxAge, int count, float dt, int &invalid);
+/// Those whose age of `dt` later is above their greatest. One that lives on and whose greatest age isn't positive
+/// asserts.
+void Remove_Aged(vrMKPBuffer &buffer, float dt, bool spawnOnDeath);
 /// Those beyond, or else within, the root of `squaredRadius` about a centre.
-int Mark_Beyond(const Vector3 *positions, int count, const Vector3 &center, float squaredRadius, uint8_t *dead);
-int Mark_Within(const Vector3 *positions, int count, const Vector3 &center, float squaredRadius, uint8_t *dead);
+void Remove_Beyond(vrMKPBuffer &buffer, const Vector3 &center, float squaredRadius, bool spawnOnDeath);
+void Remove_Within(vrMKPBuffer &buffer, const Vector3 &center, float squaredRadius, bool spawnOnDeath);
 /// Those whose coordinate on an axis (0 x, 1 y, 2 z) compares with `limit`.
-int Mark_On_Axis(const Vector3 *positions, int axis, int count, Comparison comparison, float limit, uint8_t *dead);
+void Remove_On_Axis(vrMKPBuffer &buffer, int axis, Comparison comparison, float limit, bool spawnOnDeath);
 /// The same for the coordinate in another frame: the dot product with `row`, its fourth number added.
-int Mark_Mapped(const Vector3 *positions, int count, const Vector4 &row, Comparison comparison, float limit,
-                uint8_t *dead);
-
+void Remove_Mapped(vrMKPBuffer &buffer, const Vector4 &row, Comparison comparison, float limit, bool spawnOnDeath);
 /// Those that `offset` puts below the ground.
-int Mark_Below(const Vector3 *positions, int count, const vrTerrain &terrain, const Vector3 &offset, uint8_t *dead);
-/// Those with a value that is no less than `limit`.
-int Mark_From(const float *values, int count, float limit, uint8_t *dead);
+void Remove_Below(vrMKPBuffer &buffer, const vrTerrain &terrain, const Vector3 &offset, bool spawnOnDeath);
+/// Those whose time is no less than `limit`.
+void Remove_From(vrMKPBuffer &buffer, float limit, bool spawnOnDeath);
 
 /// Tells the listeners of the marked ones of a run, in ring order, as they will stand `dt` later, and clears the clock.
 void Report_Deaths(vrMKPBuffer &buffer, vrMKPSpan span, const uint8_t *dead, float dt, bool spawnOnDeath);

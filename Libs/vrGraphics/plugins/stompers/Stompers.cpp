@@ -75,9 +75,7 @@ void vrMKPRadiusStomper::Stomp(vrMKPBuffer &buffer, bool spawnOnDeath) const
     const vrMKPRenderState &state = *buffer.State;
     const float radius = UseTargetRadius->Get_Value() ? state.Get_Target_Radius() : StompRadius->Get_Value();
     const Vector3 center = buffer.Is_World() ? state.Get_Position() : Vector3(0.0f);
-    StompLoops::Remove_Marked(buffer, 0.0f, spawnOnDeath, [&](vrMKPSpan span, uint8_t *dead) {
-        return StompLoops::Mark_Beyond(buffer.Position + span.First, span.Count, center, radius * radius, dead);
-    });
+    StompLoops::Remove_Beyond(buffer, center, radius * radius, spawnOnDeath);
 }
 
 float vrMKPTerrainStomper::Get_Default_Height()
@@ -94,10 +92,7 @@ void vrMKPTerrainStomper::Stomp(vrMKPBuffer &buffer, bool spawnOnDeath) const
 {
     const vrGroundPlane substitute(Get_Default_Height());
     const vrTerrain &terrain = buffer.State->Terrain ? *buffer.State->Terrain : substitute;
-    const Vector3 offset = IntersectionOffset->Get_Value();
-    StompLoops::Remove_Marked(buffer, 0.0f, spawnOnDeath, [&](vrMKPSpan span, uint8_t *dead) {
-        return StompLoops::Mark_Below(buffer.WorldPosition + span.First, span.Count, terrain, offset, dead);
-    });
+    StompLoops::Remove_Below(buffer, terrain, IntersectionOffset->Get_Value(), spawnOnDeath);
 }
 
 vrMKPBufferPluginData *vrMKPTargetStomper::Create_Buffer_Data(const vrMKPRenderState &) const
@@ -114,9 +109,7 @@ void vrMKPTargetStomper::Stomp(vrMKPBuffer &buffer, bool spawnOnDeath) const
                                       BoneName->Get_Value(), &data->Bone);
     if (!buffer.Is_World()) target = state.InverseTransform.Transform(target);
     const float radius = UseDynamicRadius->Get_Value() ? state.Get_Target_Radius() : TargetRadius->Get_Value();
-    StompLoops::Remove_Marked(buffer, 0.0f, spawnOnDeath, [&](vrMKPSpan span, uint8_t *dead) {
-        return StompLoops::Mark_Within(buffer.Position + span.First, span.Count, target, radius * radius, dead);
-    });
+    StompLoops::Remove_Within(buffer, target, radius * radius, spawnOnDeath);
 }
 
 void vrMKPAxisStomper::Stomp(vrMKPBuffer &buffer, bool spawnOnDeath) const
@@ -124,10 +117,8 @@ void vrMKPAxisStomper::Stomp(vrMKPBuffer &buffer, bool spawnOnDeath) const
     const int axis = StompAxis->Get_Value();
     const auto comparison = static_cast<StompLoops::Comparison>(KillIf->Get_Value());
     const float limit = StompValue->Get_Value();
-    const Vector4 row = buffer.State->Transform.Row[axis];
-    StompLoops::Remove_Marked(buffer, 0.0f, spawnOnDeath, [&](vrMKPSpan span, uint8_t *dead) {
-        const Vector3 *positions = buffer.Position + span.First;
-        return buffer.Is_World() ? StompLoops::Mark_On_Axis(positions, axis, span.Count, comparison, limit, dead)
-                                 : StompLoops::Mark_Mapped(positions, span.Count, row, comparison, limit, dead);
-    });
+    if (buffer.Is_World())
+        StompLoops::Remove_On_Axis(buffer, axis, comparison, limit, spawnOnDeath);
+    else
+        StompLoops::Remove_Mapped(buffer, buffer.State->Transform.Row[axis], comparison, limit, spawnOnDeath);
 }

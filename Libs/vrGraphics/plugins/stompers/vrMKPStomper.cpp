@@ -1,7 +1,7 @@
 #include "vrGraphics/plugins/stompers/vrMKPStomper.h"
 
 #include "MKLib/MKDebug/Assert.h"
-#include "MKLib/MKMath/Simd.h"
+#include "vrGraphics/particle/WholeRegisters.h"
 #include "vrGraphics/particle/vrMKPRenderState.h"
 #include "vrGraphics/plugins/stompers/StompLoops.h"
 
@@ -11,29 +11,26 @@
 namespace
 {
 
+using Particle::Change_Whole_Registers;
+using Particle::For_Whole_Registers;
+
 constexpr float MIN_LIFE = 0.01f;
 constexpr float FIXED_LIFE_VARIATION = 0.01f; ///< up to this, all particles live equally long
 
-MK_SIMD void Advance_Ages(float *__restrict age, int count, float dt)
+MK_SIMD void Advance_Ages(float *age, int count, float dt)
 {
-    for (int at = 0; at < count; ++at) age[at] += dt;
+    Change_Whole_Registers(age, count, [=](float value) MK_INLINE_LAMBDA { return value + dt; });
 }
 
-MK_SIMD void Advance_By_Life(float *__restrict age, float *__restrict time, int count, float dt, float life)
+MK_SIMD void Set_Times_By_Life(float *__restrict time, const float *__restrict age, int count, float life)
 {
-    for (int at = 0; at < count; ++at) {
-        age[at] += dt;
-        time[at] = age[at] / life;
-    }
+    For_Whole_Registers(count, [=](int i) MK_INLINE_LAMBDA { time[i] = age[i] / life; });
 }
 
-MK_SIMD void Advance_By_Max_Age(float *__restrict age, float *__restrict time, const float *__restrict maxAge,
-                                int count, float dt)
+MK_SIMD void Set_Times_By_Max_Age(float *__restrict time, const float *__restrict age, const float *__restrict maxAge,
+                                  int count)
 {
-    for (int at = 0; at < count; ++at) {
-        age[at] += dt;
-        time[at] = age[at] / maxAge[at];
-    }
+    For_Whole_Registers(count, [=](int i) MK_INLINE_LAMBDA { time[i] = age[i] / maxAge[i]; });
 }
 
 } // namespace
@@ -132,7 +129,7 @@ bool vrMKPStomper::Begin_Age(vrMKPBuffer &buffer) const
     if (buffer.HardLifetime && FixedLife)
         Remove_Expired(buffer, spawnOnDeath);
     else
-        Remove_Aged(buffer, spawnOnDeath);
+        StompLoops::Remove_Aged(buffer, buffer.State->FrameTime, spawnOnDeath);
     return buffer.ActiveCount > 0;
 }
 
@@ -150,28 +147,17 @@ void vrMKPStomper::Remove_Expired(vrMKPBuffer &buffer, bool spawnOnDeath) const
     buffer.Remove_Oldest(expired);
 }
 
-void vrMKPStomper::Remove_Aged(vrMKPBuffer &buffer, bool spawnOnDeath) const
-{
-    const float dt = buffer.State->FrameTime;
-    int invalid = 0;
-    int aged = 0;
-    for (const vrMKPSpan span : buffer.Live_Spans())
-        aged += StompLoops::Count_Aged(buffer.Age + span.First, buffer.MaxAge + span.First, span.Count, dt, invalid);
-    MK_ASSERT(invalid == 0, "buffer->MaxAge[index] > 0.0f");
-    if (aged == 0) return;
-    StompLoops::Remove_Marked(buffer, dt, spawnOnDeath, [&buffer, dt](vrMKPSpan span, uint8_t *dead) {
-        return StompLoops::Mark_Aged(buffer.Age + span.First, buffer.MaxAge + span.First, span.Count, dt, dead);
-    });
-}
-
 void vrMKPStomper::Age_Span(vrMKPBuffer &buffer, vrMKPSpan span) const
 {
     const float dt = buffer.State->FrameTime;
     float *age = buffer.Age + span.First;
     float *time = buffer.Time + span.First;
-    if (!UpdateTime->Get_Value()) return Advance_Ages(age, span.Count, dt);
-    if (buffer.HardLifetime && FixedLife) return Advance_By_Life(age, time, span.Count, dt, BaseLife);
-    Advance_By_Max_Age(age, time, buffer.MaxAge + span.First, span.Count, dt);
+    Advance_Ages(age, span.Count, dt);
+    if (!UpdateTime->Get_Value()) return;
+    if (buffer.HardLifetime && FixedLife)
+        Set_Times_By_Life(time, age, span.Count, BaseLife);
+    else
+        Set_Times_By_Max_Age(time, age, buffer.MaxAge + span.First, span.Count);
 }
 
 void vrMKPStomper::Age_Particles(vrMKPBuffer &buffer) const

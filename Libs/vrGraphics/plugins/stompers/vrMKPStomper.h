@@ -58,7 +58,6 @@ protected:
 
 private:
     void Remove_Expired(vrMKPBuffer &buffer, bool spawnOnDeath) const;
-    void Remove_Aged(vrMKPBuffer &buffer, bool spawnOnDeath) const;
 
     RangedFloatParameter *StompTime;
     RangedFloatParameter *StompTimeVariation;

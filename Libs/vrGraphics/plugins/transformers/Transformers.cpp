@@ -2,8 +2,9 @@
 
 #include "MKLib/MKDebug/Assert.h"
 #include "MKLib/Parameters/SimpleParameters.h"
+#include "vrGraphics/particle/InlineVectors.h"
 #include "vrGraphics/particle/ParticleMath.h"
-#include "vrGraphics/particle/VectorPlanes.h"
+#include "vrGraphics/particle/WholeRegisters.h"
 #include "vrGraphics/drivercommon/vrBounds.h"
 #include "vrGraphics/particle/vrHWParticleBuffer.h"
 #include "vrGraphics/particle/vrMKPRenderState.h"
@@ -11,10 +12,12 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
-#include <cstring>
 
 namespace
 {
+
+/// Particles that are tiled in one way. Few enough to be in the first cache still when their reach is known.
+constexpr int BLOCK = 512;
 
 /// How often a tile may fit into a coordinate for the remainder to be exact in double precision: the quotient of two
 /// floats well below 2^28, when rounded, never crosses a whole number.
@@ -33,12 +36,8 @@ struct Tiling
 
 struct FewRemainder
 {
-    /// Less `part` if that is no more than there is. On bits, whose order is that of floats that aren't negative.
-    MK_INLINE static float Take_Off(float value, float part)
-    {
-        const uint32_t fits = value >= part ? ~0u : 0u;
-        return value - std::bit_cast<float>(std::bit_cast<uint32_t>(part) & fits);
-    }
+    /// Less `part` if that is no more than there is.
+    MK_INLINE static float Take_Off(float value, float part) { return value >= part ? value - part : value; }
     MK_INLINE static float Of(float value, float size)
     {
         const float rest = Take_Off(Take_Off(Take_Off(std::abs(value), size * 4.0f), size * 2.0f), size);
@@ -69,23 +68,18 @@ MK_INLINE float Tile(float value, float size)
     return Remainder::Of(value + shift, size) - shift;
 }
 
-template <typename Remainder, typename Points>
-MK_INLINE void Tile_Points(Particle::Planes &__restrict to, const Points &from, int count, const Tiling &tiling,
-                           const Mat3DClass &camera)
+template <typename Remainder>
+MK_INLINE Vector3 Place(const Vector3 &point, const Tiling &tiling, const Mat3DClass &camera)
 {
-    const Vector2 size = tiling.Size;
-    for (int at = 0; at < count; ++at) {
-        const Vector3 point = from.At(at);
-        to.Put(at, camera.Transform({Tile<Remainder>(point.x, size.x), Tile<Remainder>(point.y, size.y),
-                                     point.z * tiling.Depth - tiling.ZOffset}));
-    }
+    return Particle::Map(camera, {Tile<Remainder>(point.x, tiling.Size.x), Tile<Remainder>(point.y, tiling.Size.y),
+                                  point.z * tiling.Depth - tiling.ZOffset});
 }
 
-template <typename Remainder, typename Points>
-MK_SIMD void Tile_Quickly(Particle::Planes &__restrict to, const Points &from, int count, Tiling tiling,
-                          Mat3DClass camera)
+template <typename Remainder>
+MK_SIMD void Place_Quickly(vrMKPVectors to, vrMKPConstVectors from, int count, Tiling tiling, Mat3DClass camera)
 {
-    Tile_Points<Remainder>(to, from, count, tiling, camera);
+    Particle::For_Whole_Registers(
+        count, [&](int i) MK_INLINE_LAMBDA { to.Put(i, Place<Remainder>(from[i], tiling, camera)); });
 }
 
 /// Up to which coordinate a remainder holds that is right for so many tiles.
@@ -102,39 +96,35 @@ struct Reach
     float Y;
 };
 
-/// The greatest coordinates, or infinity where one is no number.
-template <typename Points>
-MK_SIMD Reach Find_Reach(const Points &from, int count)
+/// The greatest coordinates, or infinity or no number where one is that.
+MK_SIMD Reach Find_Reach(vrMKPConstVectors from, int count)
 {
     // On bits, which have the order of the floats, with what is no number on top.
-    uint32_t greatestX = 0;
-    uint32_t greatestY = 0;
-    for (int at = 0; at < count; ++at) {
-        const Vector3 point = from.At(at);
-        const uint32_t x = std::bit_cast<uint32_t>(point.x) & 0x7fffffffu;
-        const uint32_t y = std::bit_cast<uint32_t>(point.y) & 0x7fffffffu;
+    int32_t greatestX = 0;
+    int32_t greatestY = 0;
+    Particle::For_Whole_Registers(count, [&](int i) MK_INLINE_LAMBDA {
+        const int32_t x = std::bit_cast<int32_t>(from.X[i]) & 0x7fffffff;
+        const int32_t y = std::bit_cast<int32_t>(from.Y[i]) & 0x7fffffff;
         greatestX = x > greatestX ? x : greatestX;
         greatestY = y > greatestY ? y : greatestY;
-    }
+    });
     return {std::bit_cast<float>(greatestX), std::bit_cast<float>(greatestY)};
 }
 
 /// A block of particles. No comparison holds for what is no number.
-template <typename Points>
-void Tile_Block(Vector3 *to, const Points &from, int count, const Tiling &tiling, const Mat3DClass &camera)
+void Place_Block(const vrMKPVectors &to, const vrMKPConstVectors &from, int count, const Tiling &tiling,
+                 const Mat3DClass &camera)
 {
     const Reach reach = Find_Reach(from, count);
     const auto isWithin = [&](float tiles) {
         return reach.X < Limit_For(tiling.Size.x, tiles) && reach.Y < Limit_For(tiling.Size.y, tiles);
     };
-    Particle::Planes tiled;
     if (isWithin(FEW_TILES - 1.0f)) // a half is added
-        Tile_Quickly<FewRemainder>(tiled, from, count, tiling, camera);
+        Place_Quickly<FewRemainder>(to, from, count, tiling, camera);
     else if (isWithin(MAX_TILES))
-        Tile_Quickly<FastRemainder>(tiled, from, count, tiling, camera);
+        Place_Quickly<FastRemainder>(to, from, count, tiling, camera);
     else
-        Tile_Points<AnyRemainder>(tiled, from, count, tiling, camera);
-    Particle::Join(to, tiled, count);
+        for (int i = 0; i < count; ++i) to.Put(i, Place<AnyRemainder>(from[i], tiling, camera));
 }
 
 } // namespace
@@ -152,9 +142,8 @@ void vrMKPLocalTransformer::Transform_Companion(vrMKPBuffer &buffer) const
 
 void vrMKPWorldTransformer::Transform_Span(vrMKPBuffer &buffer, vrMKPSpan span) const
 {
-    if (buffer.WorldPosition == buffer.Position) return;
-    std::memcpy(static_cast<void *>(buffer.WorldPosition + span.First), buffer.Position + span.First,
-                static_cast<size_t>(span.Count) * sizeof(Vector3));
+    if (buffer.Shares_World_Positions()) return;
+    Particle::Copy(buffer.WorldPosition + span.First, buffer.Position + span.First, span.Count);
 }
 
 void vrMKPWorldTransformer::Transform_Companion(vrMKPBuffer &buffer) const
@@ -175,14 +164,13 @@ void vrMKPScreenTransformer::Transform_For_View(vrMKPBuffer *buffer, const Mat3D
     if (!MK_VERIFY(buffer && camera, "buffer == NULL || camera == NULL")) return;
     const Tiling tiling{
         {Width->Get_Value(), Height->Get_Value()}, EnableZClamp->Get_Value() ? 0.0f : 1.0f, ZOffset->Get_Value()};
-    for (const vrMKPSpan span : buffer->Live_Spans())
-        for (int done = 0; done < span.Count; done += Particle::Planes::BLOCK) {
+    for (const vrMKPSpan span : buffer->Live_Spans()) {
+        for (int done = 0; done < span.Count; done += BLOCK) {
             const int slot = span.First + done;
-            Particle::For_Points(buffer->Position + slot, std::min(Particle::Planes::BLOCK, span.Count - done),
-                                 [&](const auto &points, int at, int count) {
-                                     Tile_Block(buffer->WorldPosition + slot + at, points, count, tiling, *camera);
-                                 });
+            Place_Block(buffer->WorldPosition + slot, buffer->Position + slot, std::min(BLOCK, span.Count - done),
+                        tiling, *camera);
         }
+    }
     // The camera looks down the negative of its third axis, so that this is the place in front of it.
     bounds.Center = camera->Get_Translation() - Particle::Unit(camera->Get_Axis(2)) * tiling.ZOffset;
     bounds.Extent = Vector3(VIEW_BOUNDS_EXTENT);

@@ -1,7 +1,6 @@
 #include "vrGraphics/plugins/visualizers/QuadBlock.h"
 
 #include "MKLib/MKMath/Simd.h"
-#include "vrGraphics/particle/VectorPlanes.h"
 #include "vrGraphics/plugins/visualizers/WordRows.h"
 
 #include <algorithm>
@@ -75,18 +74,12 @@ vrMKPParticleRun::vrMKPParticleRun(const vrMKPSortEntry *entries, int count, boo
     First = !isSorted && last - first == count - 1 ? first : -1;
 }
 
-void vrMKPParticleRun::Fetch(const Vector3 *channel, float *x, float *y, float *z) const
+vrMKPConstVectors vrMKPParticleRun::Fetch(const vrMKPConstVectors &channel, Particle::Planes &room) const
 {
-    if (First >= 0) {
-        Particle::Split(x, y, z, channel + First, Count);
-        return;
-    }
-    for (int at = 0; at < Count; ++at) {
-        const Vector3 &value = channel[Entries[at].Index];
-        x[at] = value.x;
-        y[at] = value.y;
-        z[at] = value.z;
-    }
+    if (First >= 0) return channel + First;
+    const vrMKPConstVectors from = channel;
+    for (int at = 0; at < Count; ++at) room.Put(at, from[static_cast<int>(Entries[at].Index)]);
+    return room;
 }
 
 void vrMKPParticleRun::Fetch(const Vector2 *channel, float *x, float *y) const

@@ -4,6 +4,7 @@
 /// channels, a kind works out the corners in planes of floats, and `vrMKPQuadBlock` writes the vertices.
 
 #include "vrGraphics/drivercommon/vrVertices.h"
+#include "vrGraphics/particle/VectorPlanes.h"
 #include "vrGraphics/plugins/visualizers/vrMKPSimpleVisualizerData.h"
 
 /// A block of particles in the order of a draw.
@@ -26,8 +27,7 @@ public:
         else
             for (int at = 0; at < Count; ++at) work(static_cast<size_t>(Entries[at].Index), 1);
     }
-    // The values of a channel, taken apart into an array for each component.
-    void Fetch(const Vector3 *channel, float *x, float *y, float *z) const;
+    /// The values of a channel, taken apart into an array for each component.
     void Fetch(const Vector2 *channel, float *x, float *y) const;
     /// `room` with the values of a channel of one word each, or the place in the channel where they are.
     template <typename T>
@@ -35,9 +35,13 @@ public:
     {
         static_assert(sizeof(T) == sizeof(uint32_t));
         if (First >= 0) return channel + First;
-        for (int at = 0; at < Count; ++at) room[at] = channel[Entries[at].Index];
+        const vrMKPSortEntry *const entries = Entries;
+        const int count = Count;
+        for (int at = 0; at < count; ++at) room[at] = channel[entries[at].Index];
         return room;
     }
+    /// The same for a channel of vectors.
+    vrMKPConstVectors Fetch(const vrMKPConstVectors &channel, Particle::Planes &room) const;
 
 private:
     const vrMKPSortEntry *Entries;
@@ -70,9 +74,8 @@ struct vrMKPQuadBlock
     int Count = 0;
 
     // What was fetched: the world position, half the width and height as they are drawn, the edges of the texture.
-    alignas(64) Plane PositionX;
-    alignas(64) Plane PositionY;
-    alignas(64) Plane PositionZ;
+    vrMKPConstVectors Position; ///< in the channel itself, or in the room for it
+    Particle::Planes PositionRoom;
     alignas(64) Plane Width;
     alignas(64) Plane Height;
     alignas(64) Plane U[2]; ///< left, right

@@ -17,8 +17,8 @@ MK_INLINE void Place(vrMKPQuadBlock::Plane *corners, int at, float center, float
     corners[3][at] = center - bottomLeft;
 }
 
-MK_SIMD void Turn(vrMKPQuadBlock &__restrict quads, const uint32_t *__restrict rotations, const float *__restrict sines,
-                  const float *__restrict cosines, Vector3 x, Vector3 y)
+MK_SIMD void Turn(vrMKPQuadBlock &__restrict quads, vrMKPConstVectors centers, const uint32_t *__restrict rotations,
+                  const float *__restrict sines, const float *__restrict cosines, Vector3 x, Vector3 y)
 {
     const int count = quads.Count;
     for (int at = 0; at < count; ++at) {
@@ -32,9 +32,9 @@ MK_SIMD void Turn(vrMKPQuadBlock &__restrict quads, const uint32_t *__restrict r
         const float y0 = height * cosine - width * sine;
         const float x1 = height * sine - width * cosine;
         const float y1 = -height * cosine - width * sine;
-        Place(quads.X, at, quads.PositionX[at], x.x * x0 + y.x * y0, x.x * x1 + y.x * y1);
-        Place(quads.Y, at, quads.PositionY[at], x.y * x0 + y.y * y0, x.y * x1 + y.y * y1);
-        Place(quads.Z, at, quads.PositionZ[at], x.z * x0 + y.z * y0, x.z * x1 + y.z * y1);
+        Place(quads.X, at, centers.X[at], x.x * x0 + y.x * y0, x.x * x1 + y.x * y1);
+        Place(quads.Y, at, centers.Y[at], x.y * x0 + y.y * y0, x.y * x1 + y.y * y1);
+        Place(quads.Z, at, centers.Z[at], x.z * x0 + y.z * y0, x.z * x1 + y.z * y1);
     }
 }
 
@@ -57,7 +57,7 @@ MK_SIMD void Turn_Axis(vrMKPQuadBlock &__restrict quads, const uint32_t *__restr
 void Turn_Corners(vrMKPQuadBlock &quads, const uint32_t *rotations, const vrMKPQuadAxes &axes)
 {
     const vrMKPSharedTables &tables = vrMKPSharedTables::Get();
-    Turn(quads, rotations, tables.Sine.data(), tables.Cosine.data(), axes.X, axes.Y);
+    Turn(quads, quads.Position, rotations, tables.Sine.data(), tables.Cosine.data(), axes.X, axes.Y);
 }
 
 void Turn_Tangents(vrMKPQuadBlock &quads, const uint32_t *rotations, const vrMKPQuadAxes &axes)

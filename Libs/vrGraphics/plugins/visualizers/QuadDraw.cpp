@@ -26,32 +26,83 @@ bool Is_On(const vrMKPAspect &aspect)
              std::fabs(aspect.Maximum - 1.0f) <= ASPECT_TOLERANCE);
 }
 
-float Distance_Squared(const Vector3 &a, const Vector3 &b)
+MK_INLINE float Distance_Squared(const Vector3 &a, const Vector3 &b)
 {
     const Vector3 way = Particle::Minus(a, b);
     return Particle::Dot(way, way);
 }
 
-/// Back to front: the farthest has the least key.
-void Key_By_Distance(vrMKPSortEntry *entries, int count, const Vector3 *positions, const Vector3 &camera)
+// Keys are for back to front: the farthest has the least. The next two write whole entries, whose keys alone would go
+// one by one.
+
+MK_SIMD void Put_Keys(vrMKPSortEntry *__restrict entries, const uint32_t *__restrict slots, vrMKPConstVectors positions,
+                      int count, Vector3 camera)
 {
-    for (int at = 0; at < count; ++at) entries[at].Key = -Distance_Squared(positions[entries[at].Index], camera);
+    for (int at = 0; at < count; ++at) {
+        entries[at].Key = -Distance_Squared(positions[at], camera);
+        entries[at].Index = slots[at];
+    }
 }
 
-/// Old particles keep their place relative to the emitter, which they note as long as they are young.
-void Key_Young_By_Distance(vrMKPSortEntry *entries, int count, vrMKPBuffer &buffer, const Vector3 &camera, float maxAge)
+/// Where particles stand relative to the emitter, which they note as long as they are young.
+struct Places
+{
+    const float *Noted;
+    float *New;
+    const float *Ages;
+    float MaxAge;
+    float Base; ///< the emitter's distance
+};
+
+MK_SIMD void Put_Young_Keys(vrMKPSortEntry *__restrict entries, const uint32_t *__restrict slots,
+                            vrMKPConstVectors positions, int count, Vector3 camera, Places places)
+{
+    float *__restrict const noted = places.New;
+    for (int at = 0; at < count; ++at) {
+        const float key = -Distance_Squared(positions[at], camera);
+        const uint32_t isYoung = Particle::As_Mask(places.Ages[at] < places.MaxAge);
+        const float old = places.Noted[at];
+        noted[at] = Particle::Select_Bits(isYoung, places.Base + key, old);
+        entries[at].Key = Particle::Select_Bits(isYoung, key, old - places.Base);
+        entries[at].Index = slots[at];
+    }
+}
+
+/// Calls `put(run, first)` for blocks of the entries.
+template <typename Put>
+void For_Runs(const vrMKPSortEntry *entries, int count, Put &&put)
+{
+    for (int first = 0; first < count; first += vrMKPParticleRun::SIZE)
+        put(vrMKPParticleRun(entries + first, std::min(count - first, vrMKPParticleRun::SIZE), false), first);
+}
+
+void Key_By_Distance(vrMKPSortEntry *entries, const vrMKPBuffer &buffer, const Vector3 &camera)
+{
+    Particle::Planes room;
+    For_Runs(entries, buffer.VisibleCount, [&](const vrMKPParticleRun &run, int first) {
+        Put_Keys(entries + first, buffer.Render + first, run.Fetch(buffer.WorldPosition, room), run.Get_Count(),
+                 camera);
+    });
+}
+
+void Key_Young_By_Distance(vrMKPSortEntry *entries, vrMKPBuffer &buffer, const Vector3 &camera, float maxAge)
 {
     const float base = Distance_Squared(camera, buffer.State->Get_Position());
-    for (int at = 0; at < count; ++at) {
-        const uint32_t slot = entries[at].Index;
-        if (buffer.Age[slot] < maxAge) {
-            const float key = -Distance_Squared(buffer.WorldPosition[slot], camera);
-            entries[at].Key = key;
-            buffer.SortingRelativeToGroup[slot] = base + key;
-        } else {
-            entries[at].Key = buffer.SortingRelativeToGroup[slot] - base;
-        }
-    }
+    Particle::Planes room;
+    float ageRoom[vrMKPParticleRun::SIZE];
+    float placeRoom[vrMKPParticleRun::SIZE];
+    float newPlaces[vrMKPParticleRun::SIZE];
+    For_Runs(entries, buffer.VisibleCount, [&](const vrMKPParticleRun &run, int first) {
+        const Places places{run.Fetch(buffer.SortingRelativeToGroup, placeRoom), newPlaces,
+                            run.Fetch(buffer.Age, ageRoom), maxAge, base};
+        Put_Young_Keys(entries + first, buffer.Render + first, run.Fetch(buffer.WorldPosition, room), run.Get_Count(),
+                       camera, places);
+        const float *from = newPlaces;
+        run.For_Slots([&](size_t slot, int count) {
+            std::copy_n(from, count, buffer.SortingRelativeToGroup + slot);
+            from += count;
+        });
+    });
 }
 
 MK_SIMD void List(vrMKPSortEntry *__restrict entries, const uint32_t *__restrict slots, int count)
@@ -134,9 +185,9 @@ void vrMKPQuadDraw::Sort(const vrMKPSorting &sorting)
     // One alone notes its place too, for the time when it's old.
     const Vector3 camera = Camera.Get_Translation();
     if (sorting.MaxAge < 0.0f)
-        Key_By_Distance(entries.data(), count, Buffer->WorldPosition, camera);
+        Key_By_Distance(entries.data(), *Buffer, camera);
     else
-        Key_Young_By_Distance(entries.data(), count, *Buffer, camera, sorting.MaxAge);
+        Key_Young_By_Distance(entries.data(), *Buffer, camera, sorting.MaxAge);
     IsSorted = count > 1;
     if (IsSorted) Sort_Entries(entries, Data->SortRoom);
 }
@@ -162,7 +213,7 @@ void vrMKPQuadDraw::Fetch(const vrMKPParticleRun &run, const vrMKPAspect &aspect
 {
     const int count = run.Get_Count();
     quads.Count = count;
-    run.Fetch(Buffer->WorldPosition, quads.PositionX, quads.PositionY, quads.PositionZ);
+    quads.Position = run.Fetch(Buffer->WorldPosition, quads.PositionRoom);
     run.Fetch(Buffer->Size, quads.Width, quads.Height);
     Multiply(quads.Width, count, SizeMultiplier);
     Multiply(quads.Height, count, SizeMultiplier);

@@ -18,10 +18,9 @@ using Plane = float[SIZE];
 /// Points of a row and the links between each of them and the next.
 struct LinkBlock
 {
-    int Count = 0; ///< of points
-    alignas(64) Plane X;
-    alignas(64) Plane Y;
-    alignas(64) Plane Z;
+    int Count = 0;            ///< of points
+    vrMKPConstVectors Points; ///< in the channel itself, or in the room for them
+    Particle::Planes PointRoom;
     alignas(64) Plane Length;
     // Of links, and in the end of points.
     alignas(64) Plane SideX;
@@ -34,14 +33,11 @@ struct LinkBlock
     int Get_Links() const { return Count - 1; }
 };
 
-MK_SIMD void Measure_Lengths(float *__restrict lengths, const float *__restrict x, const float *__restrict y,
-                             const float *__restrict z, int links)
+MK_SIMD void Measure_Lengths(float *__restrict lengths, vrMKPConstVectors points, int links)
 {
     for (int at = 0; at < links; ++at) {
-        const float wayX = x[at + 1] - x[at];
-        const float wayY = y[at + 1] - y[at];
-        const float wayZ = z[at + 1] - z[at];
-        lengths[at] = std::sqrt(wayX * wayX + wayY * wayY + wayZ * wayZ);
+        const Vector3 way = Particle::Minus(points[at + 1], points[at]);
+        lengths[at] = std::sqrt(Particle::Dot(way, way));
     }
 }
 
@@ -63,10 +59,10 @@ int Fetch_Links(LinkBlock &block, const vrMKPBuffer &buffer, vrMKPRibbonPoints p
 {
     block.Count = static_cast<int>(std::min<size_t>(points.size(), SIZE));
     const vrMKPParticleRun run(points.data(), block.Count, false);
-    run.Fetch(buffer.WorldPosition, block.X, block.Y, block.Z);
+    block.Points = run.Fetch(buffer.WorldPosition, block.PointRoom);
     float room[SIZE];
     const float *ages = run.Fetch(buffer.Age, room);
-    Measure_Lengths(block.Length, block.X, block.Y, block.Z, block.Get_Links());
+    Measure_Lengths(block.Length, block.Points, block.Get_Links());
     return Find_Breaks(block.Broken, block.Length, ages, block.Get_Links(), style.BreakDistance, style.GreatestGap);
 }
 
@@ -83,10 +79,10 @@ float Sum(const float *values, int count)
 }
 
 /// Across the view and across each link; zero where there is no such direction.
-MK_SIMD void Find_Sides(LinkBlock &__restrict block, int links, Vector3 viewAxis)
+MK_SIMD void Find_Sides(LinkBlock &__restrict block, vrMKPConstVectors points, int links, Vector3 viewAxis)
 {
     for (int at = 0; at < links; ++at) {
-        const Vector3 way{block.X[at + 1] - block.X[at], block.Y[at + 1] - block.Y[at], block.Z[at + 1] - block.Z[at]};
+        const Vector3 way = Particle::Minus(points[at + 1], points[at]);
         const float length = block.Length[at];
         const Vector3 direction = Particle::Times(way, length > 0.0f ? 1.0f / length : 1.0f);
         const Vector3 side = Particle::Unit(Particle::Cross(viewAxis, direction));
@@ -108,20 +104,20 @@ MK_SIMD void Find_Fades(float *__restrict fades, const float *__restrict travell
 }
 
 /// Corners on both sides of the points, as those of the quads that begin there.
-MK_SIMD void Spread(vrMKPQuadBlock &__restrict quads, const LinkBlock &__restrict block, int count,
-                    float sizeMultiplier)
+MK_SIMD void Spread(vrMKPQuadBlock &__restrict quads, const LinkBlock &__restrict block, vrMKPConstVectors points,
+                    int count, float sizeMultiplier)
 {
     for (int at = 0; at < count; ++at) {
         const float width = quads.Height[at] * sizeMultiplier;
         const float x = block.SideX[at] * width;
         const float y = block.SideY[at] * width;
         const float z = block.SideZ[at] * width;
-        quads.X[0][at] = block.X[at] + x;
-        quads.Y[0][at] = block.Y[at] + y;
-        quads.Z[0][at] = block.Z[at] + z;
-        quads.X[1][at] = block.X[at] - x;
-        quads.Y[1][at] = block.Y[at] - y;
-        quads.Z[1][at] = block.Z[at] - z;
+        quads.X[0][at] = points.X[at] + x;
+        quads.Y[0][at] = points.Y[at] + y;
+        quads.Z[0][at] = points.Z[at] + z;
+        quads.X[1][at] = points.X[at] - x;
+        quads.Y[1][at] = points.Y[at] - y;
+        quads.Z[1][at] = points.Z[at] - z;
     }
 }
 
@@ -228,12 +224,12 @@ private:
         const vrMKPBuffer &buffer = *Draw.Buffer;
         const vrMKPParticleRun run(points.data(), static_cast<int>(points.size()), false);
         Block.Count = run.Get_Count();
-        run.Fetch(buffer.WorldPosition, Block.X, Block.Y, Block.Z);
+        Block.Points = run.Fetch(buffer.WorldPosition, Block.PointRoom);
         run.Fetch(buffer.Size, Quads.Width, Quads.Height);
         run.Fetch(buffer.UV, Quads.U[0], Quads.V[0]);
         run.Fetch(buffer.DUV, Quads.U[1], Quads.V[1]);
-        Measure_Lengths(Block.Length, Block.X, Block.Y, Block.Z, Block.Get_Links());
-        Find_Sides(Block, Block.Get_Links(), Style.ViewAxis);
+        Measure_Lengths(Block.Length, Block.Points, Block.Get_Links());
+        Find_Sides(Block, Block.Points, Block.Get_Links(), Style.ViewAxis);
         return run;
     }
 
@@ -249,7 +245,7 @@ private:
         Add(Quads.V[1], Quads.V[0], points);
         vrColor room[SIZE];
         Draw.Colors.Convert_Faded(Quads.Color, run.Fetch(Draw.Buffer->Color, room), Block.Fade, points);
-        Spread(Quads, Block, points, Draw.SizeMultiplier);
+        Spread(Quads, Block, Block.Points, points, Draw.SizeMultiplier);
         const size_t bytes = static_cast<size_t>(links) * sizeof(float);
         for (auto *plane : {Quads.X, Quads.Y, Quads.Z}) {
             std::memcpy(plane[2], plane[1] + 1, bytes);

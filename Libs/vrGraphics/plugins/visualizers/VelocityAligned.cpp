@@ -76,12 +76,13 @@ void vrMKPVelocityAlignedVisualizer::Do_Pre_Visualize(vrMKPBuffer &buffer, const
     const Mat3DClass turn = Find_Turn(buffer);
     const float rate = 1.0f / frameTime;
     Particle::Planes velocities;
-    Particle::Planes previous;
+    Particle::Planes positionRoom;
+    Particle::Planes previousRoom;
     vrMKPQuadBlock quads(TextureRotation->Get_Value());
     draw.Write_Quads(quads, Get_Aspect(), [&](const vrMKPParticleRun &run, vrMKPQuadBlock &block) {
-        run.Fetch(buffer.Position, velocities.X, velocities.Y, velocities.Z);
-        run.Fetch(buffer.PreviousPosition, previous.X, previous.Y, previous.Z);
-        VelocityQuads::Find_Velocities(velocities, previous, block.Count, rate, turn);
+        const vrMKPConstVectors positions = run.Fetch(buffer.Position, positionRoom);
+        const vrMKPConstVectors previous = run.Fetch(buffer.PreviousPosition, previousRoom);
+        VelocityQuads::Find_Velocities(velocities, positions, previous, block.Count, rate, turn);
         float room[vrMKPParticleRun::SIZE];
         VelocityQuads::Align(kind.Alignment, block, velocities, run.Fetch(buffer.Time, room), view);
     });

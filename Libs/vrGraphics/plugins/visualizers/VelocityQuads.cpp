@@ -104,13 +104,13 @@ MK_INLINE void Put(float *x, float *y, float *z, int at, const Vector3 &vector)
 }
 
 template <vrMKPAlignment ALIGNMENT, bool IS_STEP>
-MK_SIMD void Align_Block(vrMKPQuadBlock &__restrict quads, const Planes &__restrict velocities,
-                         const float *__restrict ages, vrMKPVelocityView view)
+MK_SIMD void Align_Block(vrMKPQuadBlock &__restrict quads, vrMKPConstVectors positions,
+                         const Planes &__restrict velocities, const float *__restrict ages, vrMKPVelocityView view)
 {
     const int count = quads.Count;
     for (int at = 0; at < count; ++at) {
-        const Vector3 position{quads.PositionX[at], quads.PositionY[at], quads.PositionZ[at]};
-        const Direction motion = Find_Motion<ALIGNMENT>(velocities.At(at), view.Axis);
+        const Vector3 position = positions[at];
+        const Direction motion = Find_Motion<ALIGNMENT>(velocities[at], view.Axis);
         Axes axes;
         Find_Axes<ALIGNMENT>(axes, position, motion.Unit, view);
         const float stretch = Stretch<IS_STEP>(view.Stretch, motion.Length);
@@ -142,7 +142,7 @@ MK_SIMD void Measure_Block(VelocityQuads::Measures &__restrict measures, const f
     const float multiplier = measures.SizeMultiplier;
     const float lift = measures.Lift;
     for (int at = 0; at < count; ++at) {
-        const Direction motion = Find_Motion<ALIGNMENT>(velocities.At(at), axis);
+        const Direction motion = Find_Motion<ALIGNMENT>(velocities[at], axis);
         const float stretch = Stretch<IS_STEP>(stretches, motion.Length);
         const float aspect = Particle::Unit_ID(ids[at]) * span + minimum;
         const float radius =
@@ -152,11 +152,11 @@ MK_SIMD void Measure_Block(VelocityQuads::Measures &__restrict measures, const f
     }
 }
 
-MK_SIMD void Velocities_Of(Planes &__restrict velocities, const Planes &__restrict previous, int count, float rate,
-                           Mat3DClass transform)
+MK_SIMD void Velocities_Of(Planes &__restrict velocities, vrMKPConstVectors positions, vrMKPConstVectors previous,
+                           int count, float rate, Mat3DClass transform)
 {
     for (int at = 0; at < count; ++at) {
-        const Vector3 velocity = Times(Minus(velocities.At(at), previous.At(at)), rate);
+        const Vector3 velocity = Times(Minus(positions[at], previous[at]), rate);
         velocities.Put(at, Particle::Turn(transform, velocity));
     }
 }
@@ -165,9 +165,9 @@ template <vrMKPAlignment ALIGNMENT>
 void Align_As(vrMKPQuadBlock &quads, const Planes &velocities, const float *ages, const vrMKPVelocityView &view)
 {
     if (view.Stretch.Range == 0.0f)
-        Align_Block<ALIGNMENT, true>(quads, velocities, ages, view);
+        Align_Block<ALIGNMENT, true>(quads, quads.Position, velocities, ages, view);
     else
-        Align_Block<ALIGNMENT, false>(quads, velocities, ages, view);
+        Align_Block<ALIGNMENT, false>(quads, quads.Position, velocities, ages, view);
 }
 
 template <vrMKPAlignment ALIGNMENT>
@@ -187,9 +187,10 @@ void Measure_As(VelocityQuads::Measures &measures, const vrMKPBuffer &buffer, vr
 namespace VelocityQuads
 {
 
-void Find_Velocities(Planes &velocities, const Planes &previous, int count, float rate, const Mat3DClass &transform)
+void Find_Velocities(Planes &velocities, const vrMKPConstVectors &positions, const vrMKPConstVectors &previous,
+                     int count, float rate, const Mat3DClass &transform)
 {
-    Velocities_Of(velocities, previous, count, rate, transform);
+    Velocities_Of(velocities, positions, previous, count, rate, transform);
 }
 
 void Align(vrMKPAlignment alignment, vrMKPQuadBlock &quads, const Planes &velocities, const float *ages,
@@ -209,10 +210,8 @@ void Measures::Measure(vrMKPAlignment alignment, const vrMKPBuffer &buffer, vrMK
                        const Mat3DClass &transform, const vrMKPVelocityView &view)
 {
     Planes velocities;
-    Planes previous;
-    Particle::Split(velocities, buffer.Position + span.First, span.Count);
-    Particle::Split(previous, buffer.PreviousPosition + span.First, span.Count);
-    Velocities_Of(velocities, previous, span.Count, rate, transform);
+    Velocities_Of(velocities, buffer.Position + span.First, buffer.PreviousPosition + span.First, span.Count, rate,
+                  transform);
     if (alignment == vrMKPAlignment::AXIS)
         Measure_As<vrMKPAlignment::AXIS>(*this, buffer, span, velocities, view);
     else if (alignment == vrMKPAlignment::PLANAR)

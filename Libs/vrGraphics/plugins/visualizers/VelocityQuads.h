@@ -1,7 +1,7 @@
 #pragma once
 
-/// The loops of the quads that follow their particle's motion. They work on planes of a block, and know of neither
-/// parameters nor buffers.
+/// The loops of the quads that follow their particle's motion. They work on the arrays of a block, and know nothing of
+/// parameters.
 
 #include "MKLib/MKMath/Mat3D.h"
 #include "vrGraphics/particle/VectorPlanes.h"
@@ -52,9 +52,9 @@ struct vrMKPVelocityView
 namespace VelocityQuads
 {
 
-/// Turns positions into velocities, units a second in the world: (position - previous) * rate, turned by the transform.
-void Find_Velocities(Particle::Planes &velocities, const Particle::Planes &previous, int count, float rate,
-                     const Mat3DClass &transform);
+/// Units a second in the world: (position - previous) * rate, turned by the transform.
+void Find_Velocities(Particle::Planes &velocities, const vrMKPConstVectors &positions,
+                     const vrMKPConstVectors &previous, int count, float rate, const Mat3DClass &transform);
 /// Corners, normals, tangents and binormals of `quads.Count` quads. Ages are 0 to 1, from birth to death.
 void Align(vrMKPAlignment alignment, vrMKPQuadBlock &quads, const Particle::Planes &velocities, const float *ages,
            const vrMKPVelocityView &view);

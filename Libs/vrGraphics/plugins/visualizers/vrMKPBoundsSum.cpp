@@ -20,7 +20,7 @@ enum class Radii
 /// The arrays of a run, and how its radii come about.
 struct Source
 {
-    const float *Positions;
+    vrMKPConstVectors Positions;
     const float *Sizes;
     const uint32_t *IDs;
     float SizeScale;
@@ -43,16 +43,16 @@ template <Radii RADII>
 MK_INLINE void Merge(const Source &source, int at, int lane, Axes &least, Axes &greatest, Axes &sum)
 {
     const float radius = Radius<RADII>(source, at);
+    const float position[3] = {source.Positions.X[at], source.Positions.Y[at], source.Positions.Z[at]};
     for (int axis = 0; axis < 3; ++axis) {
-        const float position = source.Positions[at * 3 + axis];
-        float middle = position;
+        float middle = position[axis];
         if constexpr (RADII == Radii::GIVEN)
             if (axis == 2) middle += source.Lifts[at];
         const float low = middle - radius;
         const float high = middle + radius;
         least[axis][lane] = low < least[axis][lane] ? low : least[axis][lane];
         greatest[axis][lane] = high > greatest[axis][lane] ? high : greatest[axis][lane];
-        sum[axis][lane] += position;
+        sum[axis][lane] += position[axis];
     }
 }
 
@@ -79,18 +79,24 @@ MK_SIMD void Merge_All_Rows(const Source &source, int first, int count, Axes &le
     Merge_Rows<RADII>(source, first, count, least, greatest, sum);
 }
 
+/// A part of a row, which is too short for wide registers.
+template <Radii RADII>
+void Merge_Part(const Source &source, int first, int count, int lane, Axes &__restrict least, Axes &__restrict greatest,
+                Axes &__restrict sum)
+{
+    for (int at = 0; at < count; ++at) Merge<RADII>(source, first + at, lane + at, least, greatest, sum);
+}
+
 /// Adds `count` particles behind the `before` that are there already.
 template <Radii RADII>
 void Add(const Source &source, int before, int count, Axes &least, Axes &greatest, Axes &sum)
 {
-    const auto mergeSingles = [&](int from, int to) {
-        for (int at = from; at < to; ++at) Merge<RADII>(source, at, (before + at) % LANES, least, greatest, sum);
-    };
-    const int head = std::min((LANES - before % LANES) % LANES, count);
+    const int lane = before % LANES;
+    const int head = std::min((LANES - lane) % LANES, count);
     const int rows = (count - head) / LANES * LANES;
-    mergeSingles(0, head);
+    Merge_Part<RADII>(source, 0, head, lane, least, greatest, sum);
     Merge_All_Rows<RADII>(source, head, rows, least, greatest, sum);
-    mergeSingles(head + rows, count);
+    Merge_Part<RADII>(source, head + rows, count - head - rows, 0, least, greatest, sum);
 }
 
 template <typename Join>
@@ -127,7 +133,7 @@ void vrMKPBoundsSum::Add_Span(const vrMKPBuffer &buffer, vrMKPSpan span, const f
 {
     if (span.Count <= 0) return;
     if (Count == 0) Start_At(buffer.WorldPosition[span.First]);
-    const Source source{&buffer.WorldPosition[span.First].x,
+    const Source source{buffer.WorldPosition + span.First,
                         &buffer.Size[span.First].x,
                         buffer.ID + span.First,
                         SizeScale,
