@@ -1,8 +1,6 @@
 #include "Samples/AllocationCount.h"
 
 #include <atomic>
-#include <cstdlib>
-#include <new>
 
 namespace
 {
@@ -27,7 +25,8 @@ size_t MKTest::Get_Allocation_Count()
 
 #if defined(__GLIBC__) && !defined(MK_SANITIZED_ALLOCATOR)
 
-// All ways to memory lead through these, and the C library has them under a second name.
+// All ways to memory lead through these, and the C library has them under a second name. A sanitizer has an allocator
+// of its own, which stays.
 extern "C" {
 void *__libc_malloc(size_t size);
 void *__libc_calloc(size_t count, size_t size);
@@ -57,32 +56,6 @@ void *aligned_alloc(size_t alignment, size_t size)
     ++Count;
     return __libc_memalign(alignment, size);
 }
-}
-
-#else
-
-// A sanitizer has an allocator of its own, which stays; what the language allocates is counted.
-void *operator new(size_t size)
-{
-    ++Count;
-    if (void *memory = std::malloc(size)) return memory;
-    throw std::bad_alloc();
-}
-
-void *operator new(size_t size, const std::nothrow_t &) noexcept
-{
-    ++Count;
-    return std::malloc(size);
-}
-
-void operator delete(void *memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void *memory, size_t) noexcept
-{
-    std::free(memory);
 }
 
 #endif

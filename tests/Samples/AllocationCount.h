@@ -5,7 +5,7 @@
 namespace MKTest
 {
 
-/// How often this program asked for memory, by whatever way. A test links this where it wants to know.
+/// How often this program asked for memory, by whatever way; 0 where it can't be counted.
 size_t Get_Allocation_Count();
 
 } // namespace MKTest

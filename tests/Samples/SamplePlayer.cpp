@@ -2,6 +2,7 @@
 
 #include "vro/EffectFile.h"
 
+#include "vrGraphics/drivercommon/vrGraphicsDriver.h"
 #include "vrGraphics/drivercommon/vrRenderContext.h"
 #include "vrGraphics/effect/vrMKPGameState.h"
 
@@ -61,6 +62,8 @@ SamplePlayer::SamplePlayer(const std::string &path)
     Game.Dynamic[vrMKPRenderState::DYNAMIC_TARGET_RADIUS] = Target.Get_Flight_Seconds(START, PROJECTILE_SPEED);
 
     Scene->Set_Camera(Mat3DClass::Look_At(CAMERA, Vector3(0.0f)));
+    Camera->Set_Depth_Range(5.0f, 10000.0f);
+    Camera->Set_Transform(Scene->Get_Camera());
     Scene->Set_Wind(Vector3(15.0f, 6.0f, 0.0f));
     Scene->Set_Sun_Direction(Vector3(0.6f, 0.0f, 0.8f));
     Scene->Set_Terrain(&Ground);
@@ -107,6 +110,14 @@ void SamplePlayer::Run_Frame()
         particle.Pre_Render_Transform(Scene->Get_Camera());
         particle.Select_Visible_Particles({.Camera = Scene->Get_Camera()});
     });
+}
+
+void SamplePlayer::Draw()
+{
+    TheGraphicsDriver->Begin_Frame();
+    Scene->Render(Camera.Get(), VR_RENDER_MODE_NORMAL, false);
+    TheGraphicsDriver->End_Frame();
+    TheGraphicsDriver->Page_Flip(true);
 }
 
 void SamplePlayer::Run_Seconds(float seconds)

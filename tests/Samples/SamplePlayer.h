@@ -34,7 +34,8 @@ public:
     void Run_Seconds(float seconds);
     /// Back to the start, in the world and in the seeds.
     void Restart();
-    vrSimpleScene &Get_Scene() { return *Scene; }
+    /// On the driver that there is.
+    void Draw();
 
     /// Calls visit(renderable, layer, particle) for each layer, in the file's order.
     template <typename Visit>
@@ -63,6 +64,7 @@ private:
     vrMKPGameState Game;
     SmartPtr<vrMKParticleEmitter> Emitter;
     SmartPtr<vrSimpleScene> Scene{new vrSimpleScene};
+    SmartPtr<vrCamera> Camera{new vrCamera};
     int Frame = 0; ///< those that ran
 };
 

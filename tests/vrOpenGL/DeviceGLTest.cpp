@@ -81,17 +81,7 @@ private:
 
 } // namespace
 
-TEST_F(DeviceGLTest, TellsWhichWayItWasMadeAndStaysTheOnlyOne)
-{
-    EXPECT_THAT(Surface->Describe(), testing::HasSubstr(Driver().Get_Renderer_Name()));
-    Driver().Set_Renderer_Type(VR_RENDERER_LIGHT_PRE_PASS, true);
-    EXPECT_EQ(Driver().Get_Renderer_Type(), VR_RENDERER_FORWARD);
-    vrOpenGLDevice second(*Surface);
-    EXPECT_FALSE(second.Init());
-    EXPECT_TRUE(Reports.Has_Assert("TheGraphicsDriver == NULL"));
-}
-
-TEST_F(DeviceGLTest, SaysWhyThereIsNoDeviceAndDrawsNothing)
+TEST_F(DeviceGLTest, SaysWhyThereIsNoDeviceAndDrawsNothingMeanwhile)
 {
     Device.reset();
     FailingSurface surface(*Surface);
@@ -102,20 +92,28 @@ TEST_F(DeviceGLTest, SaysWhyThereIsNoDeviceAndDrawsNothing)
     ASSERT_TRUE(device.Init());
     EXPECT_FALSE(device.Create_Device(error));
     EXPECT_THAT(error, testing::HasSubstr("failing surface"));
-    EXPECT_FALSE(device.Is_Device_Operational());
-    EXPECT_FALSE(Driver().Begin_Frame());
-    EXPECT_FALSE(vrGraphicsDriver::Is_Inside_Frame());
 
     vrLitVertex *vertices = nullptr;
     const auto shader = Make_Color();
-    EXPECT_EQ(shader->Begin(nullptr, 0, 1), 0);
     EXPECT_FALSE(Driver().Begin_Lit_Vertices(VR_PRIMITIVE_QUADS, 4, &vertices));
-    EXPECT_EQ(vertices, nullptr);
     EXPECT_FALSE(Driver().Read_Back_Buffer(Picture));
 
     // What was made meanwhile works as soon as there is a device.
     surface.Fails = false;
     ASSERT_TRUE(device.Create_Device(error)) << error;
+    Expect_Draws(*shader);
+
+    // Then it goes, and stays away for some frames.
+    surface.Fails = true;
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_FALSE(device.Is_Device_Operational());
+        EXPECT_FALSE(Driver().Begin_Frame());
+        Driver().Page_Flip(true);
+        EXPECT_EQ(shader->Begin(nullptr, 0, 1), 0);
+    }
+    EXPECT_EQ(Reports.Count_Logs("is lost"), 1);
+    surface.Fails = false;
+    EXPECT_TRUE(device.Is_Device_Operational());
     Expect_Draws(*shader);
 }
 
@@ -128,16 +126,16 @@ TEST_F(DeviceGLTest, FollowsTheSizeOfItsSurface)
     EXPECT_EQ(Driver().Get_Width(), 20);
     EXPECT_EQ(scene->Get_Height(), 10);
     Begin();
-    EXPECT_EQ(Driver().Get_Viewport(), (vrViewport{0, 0, 20, 10}));
+    Driver().Set_Viewport({8, 4, 12, 6});
     Draw_Quad(*shader, -1, 1, 1, -1, VR_WHITE);
     End();
     EXPECT_THAT(At(19, 9), ElementsAre(255, 255, 255));
+    EXPECT_THAT(At(7, 4), ElementsAre(0, 0, 0));
 
     for (const int size : {0, -7}) {
         Surface->Set_Size(size, size);
         Device->Resize_Back_Buffer(size, -1);
         EXPECT_FALSE(Device->Is_Device_Operational());
-        EXPECT_FALSE(Driver().Begin_Frame());
         EXPECT_EQ(Driver().Get_Width(), 20);
     }
     Device->Resize_Back_Buffer(2'000'000'000, 1);
@@ -165,7 +163,6 @@ TEST_F(DeviceGLTest, DrawsTheSameAfterTheContextWasLost)
         EXPECT_FALSE(Driver().Read_Back_Buffer(Picture));
         EXPECT_TRUE(Device->Is_Device_Operational()) << round;
     }
-    EXPECT_EQ(Reports.Count_Logs("is lost"), 3);
     EXPECT_EQ(Reports.Count_Logs("The graphics device is back"), 3);
 }
 
@@ -185,28 +182,6 @@ TEST_F(DeviceGLTest, EndsAFrameWhoseContextIsLostInItsMiddle)
     Driver().Page_Flip(true);
     EXPECT_FALSE(vrGraphicsDriver::Is_Inside_Frame());
     ASSERT_TRUE(Device->Is_Device_Operational());
-    Expect_Draws(*shader);
-}
-
-TEST_F(DeviceGLTest, SkipsFramesWhileTheDeviceStaysAway)
-{
-    Device.reset();
-    FailingSurface surface(*Surface);
-    vrOpenGLDevice device(surface);
-    std::string error;
-    ASSERT_TRUE(device.Init());
-    ASSERT_TRUE(device.Create_Device(error)) << error;
-    const auto shader = Make_Color();
-    surface.Fails = true;
-    for (int i = 0; i < 3; ++i) {
-        EXPECT_FALSE(device.Is_Device_Operational());
-        EXPECT_FALSE(Driver().Begin_Frame());
-        Driver().Page_Flip(true);
-        EXPECT_EQ(shader->Begin(nullptr, 0, 1), 0);
-    }
-    EXPECT_EQ(Reports.Count_Logs("is lost"), 1);
-    surface.Fails = false;
-    EXPECT_TRUE(device.Is_Device_Operational());
     Expect_Draws(*shader);
 }
 
@@ -239,14 +214,8 @@ TEST_F(DeviceGLTest, OutlivesWhatIsHeldOfIt)
 
 TEST_F(DeviceGLTest, RefusesTargetsThatItCannotMake)
 {
-    const struct
-    {
-        int Width, Height, Format;
-    } rows[] = {{0, 8, 0}, {1 << 30, 8, 0}, {8, 8, 99}, {8, 8, -1}};
-    for (const auto &row : rows) {
-        Reports.Clear();
-        EXPECT_FALSE(Driver().Create_Render_Target("bad", row.Width, row.Height, row.Format, 0, 0));
-        EXPECT_TRUE(Reports.Has_Log("The render target bad of"));
-    }
+    for (const auto &[width, height, format] : {std::tuple{0, 8, 0}, {1 << 30, 8, 0}, {8, 8, 99}, {8, 8, -1}})
+        EXPECT_FALSE(Driver().Create_Render_Target("bad", width, height, format, 0, 0));
+    EXPECT_EQ(Reports.Count_Logs("The render target bad of"), 4);
     EXPECT_FALSE(Driver().Create_Depth_Buffer(0, 0, 1, 0, 0));
 }

@@ -11,9 +11,7 @@ using testing::ElementsAre;
 namespace
 {
 
-class EffectsGLTest : public GLTestCase
-{
-};
+using EffectsGLTest = GLTestCase;
 
 std::vector<float> Fill(std::string_view name, const EngineParameterSource &source)
 {
@@ -64,9 +62,7 @@ TEST_F(EffectsGLTest, TellsFileAndLineOfAnErrorAndDrawsAllTheSame)
     Folder.Write("Part.mksh", "shared fragment\n{\nvec4 Part()\n{\nreturn nowhere;\n}\n}\n");
     const auto broken = Make_Effect("Broken", "outColor = Part();", "include \"Part.mksh\"\n");
     EXPECT_TRUE(broken->Is_Missing_Effect());
-    EXPECT_TRUE(Reports.Has_Log(" Shader Broken failed to compile!\r\nErrors: ")) << Reports.Get_Text();
     EXPECT_TRUE(Reports.Has_Log("Part.mksh:5")) << Reports.Get_Text();
-    EXPECT_TRUE(Reports.Has_Log("nowhere")) << Reports.Get_Text();
     EXPECT_FALSE(Reports.Has_Log("Broken.mks:")) << Reports.Get_Text();
     Make_Effect("Own", "\n\n\noutColor = nowhere;");
     EXPECT_TRUE(Reports.Has_Log("Own.mks:20")) << Reports.Get_Text();
@@ -94,8 +90,11 @@ TEST_F(EffectsGLTest, GivesEachInstanceItsOwnValues)
     const SmartPtr<vrShaderInstance> second(first->Clone());
     second->Set_Float(second->Get_Parameter_Index("SHADE"), 1.0f);
     second->Set_Bool(second->Get_Parameter_Index("Lit"), false);
-    second->Set_Float(second->Get_Parameter_Index("Lit"), 9.0f); // of another type: ignored
-    second->Set_Float(-1, 9.0f);
+    // What has no such index, or another type, is ignored.
+    for (const int wrong : {-1, 3, 1 << 20, second->Get_Parameter_Index("Lit")}) second->Set_Float(wrong, 9.0f);
+    float none = 5.0f;
+    EXPECT_FALSE(second->Get_Float(second->Get_Parameter_Index("Lit"), none));
+    EXPECT_EQ(none, 0.0f);
     Begin();
     Draw_Quad(*first, -1, 1, 0, -1, 0);
     Draw_Quad(*second, 0, 1, 1, -1, 0);
@@ -136,7 +135,6 @@ TEST_F(EffectsGLTest, FillsInWhatTheEngineKnows)
     environment.FogFar = 50.0f;
     environment.FogDensity = 0.25f;
     environment.FogEnabled = true;
-    environment.Time = 7.5f;
     Driver().Set_Environment(environment);
     const vrRenderContext context(camera.Get());
     const EngineParameterSource source = Driver().Get_Parameter_Source(&context);
@@ -144,7 +142,6 @@ TEST_F(EffectsGLTest, FillsInWhatTheEngineKnows)
     EXPECT_THAT(Fill("g_EyePos", source), ElementsAre(1.0f, 2.0f, 3.0f, 1.0f));
     EXPECT_THAT(Fill("g_EyeObjPos", source), ElementsAre(-9.0f, 2.0f, 3.0f, 1.0f));
     EXPECT_THAT(Fill("g_FogValues", source), ElementsAre(5.0f, 50.0f, 0.25f, 1.0f));
-    EXPECT_THAT(Fill("g_ElapsedTime", source), ElementsAre(7.5f));
     EXPECT_THAT(Fill("g_NearFar", source), ElementsAre(2.0f, 100.0f));
     EXPECT_THAT(Fill("g_ResolutionConstants", source), ElementsAre(64.0f, 64.0f, 1.0f / 64.0f, 1.0f / 64.0f));
     // The camera's own frame: the last column of world and view is where the object's origin lies, seen from the eye.
@@ -154,12 +151,4 @@ TEST_F(EffectsGLTest, FillsInWhatTheEngineKnows)
     EXPECT_THAT(std::vector<float>(inverse.begin() + 12, inverse.end()), ElementsAre(-10.0f, 0.0f, 0.0f, 1.0f));
     Driver().Set_Viewport({16, 0, 32, 64});
     EXPECT_THAT(Fill("ScreenspaceUVTransform", source), ElementsAre(0.25f, -0.5f, 0.5f, 0.5f));
-}
-
-TEST_F(EffectsGLTest, AssertsAContextWhereAParameterNeedsOne)
-{
-    EXPECT_THAT(Fill("g_DistanceFadeValues", Driver().Get_Parameter_Source(nullptr)), testing::Each(0.0f));
-    EXPECT_EQ(
-        Reports.Count_Asserts("effect->Get_Current_Render_Context() != NULL && \"Render context is NULL. Call Brem.\""),
-        1);
 }

@@ -1,5 +1,4 @@
 #include "common/Reports.h"
-#include "vrGraphics/drivercommon/vrRenderModeType.h"
 #include "vrOpenGL/vrEGLSurface.h"
 #include "vro/OffscreenView.h"
 #include "vro/RenderOptions.h"
@@ -83,13 +82,14 @@ struct Hook
     {
         return &Call<Result, Types...>;
     }
+    /// Once more does no harm: the first call of all puts the device's own function into the pointer.
     static void Install(void (*note)(const Arguments &))
     {
         Note = note;
+        if (POINTER == Stand_In(POINTER)) return;
         Original = POINTER;
-        POINTER = Stand_In(Original);
+        POINTER = Stand_In(POINTER);
     }
-    static void Remove() { POINTER = Original; }
 };
 
 std::string Join(const Arguments &arguments, size_t first)
@@ -117,7 +117,6 @@ struct Hooks
     {
         (Hook<POINTERS>::Install([](const Arguments &a) { NOTE(Name_Of<POINTERS>(), a); }), ...);
     }
-    static void Remove() { (Hook<POINTERS>::Remove(), ...); }
 };
 
 using States =
@@ -133,10 +132,6 @@ using Queries = Hooks<epoxy_glGetIntegerv, epoxy_glGetFloatv, epoxy_glGetBoolean
                       epoxy_glGetVertexAttribiv, epoxy_glGetBufferParameteriv, epoxy_glFinish>;
 using Counts = Hooks<epoxy_glMapBufferRange, epoxy_glBufferData, epoxy_glBufferSubData, epoxy_glTexImage2D,
                      epoxy_glDrawElementsBaseVertex, epoxy_glDrawArrays, epoxy_glClear, epoxy_glBlitFramebuffer>;
-/// Those whose state is that of what another call chose.
-using Special =
-    Hooks<epoxy_glEnable, epoxy_glDisable, epoxy_glActiveTexture, epoxy_glBindTexture, epoxy_glUseProgram,
-          epoxy_glBindVertexArray, epoxy_glBindBuffer, epoxy_glUniform1f, epoxy_glUniform1i, epoxy_glReadPixels>;
 
 void Install_Hooks()
 {
@@ -159,16 +154,6 @@ void Install_Hooks()
     Hook<epoxy_glUniform1i>::Install([](A a) { Trace::Set("uniform" + Trace::Program + a[0], a[1]); });
     // The frame is over: its picture is taken.
     Hook<epoxy_glReadPixels>::Install([](A) { Trace::IsOn = false; });
-}
-
-void Remove_Hooks()
-{
-    Trace::IsOn = false;
-    States::Remove();
-    KeyedStates::Remove();
-    Queries::Remove();
-    Counts::Remove();
-    Special::Remove();
 }
 
 /// A sample that is on the screen, with all post-effects.
@@ -196,8 +181,7 @@ void Expect_Lean_Frame(const std::string &name, int frames, const std::string &b
     Install_Hooks();
     Trace::Start();
     EXPECT_TRUE(view->Draw(stage->Get_Scene(), rgba, error)) << error;
-    Remove_Hooks();
-
+    Trace::IsOn = false;
     EXPECT_THAT(Trace::Queries, IsEmpty()) << name;
     EXPECT_THAT(Trace::Repeated, IsEmpty()) << name;
     const int draws = Trace::Counts["epoxy_glDrawElementsBaseVertex"] + Trace::Counts["epoxy_glDrawArrays"];

@@ -47,10 +47,11 @@ std::vector<int> GLTestCase::At(int x, int y) const
 }
 
 SmartPtr<vrShaderInstance> GLTestCase::Make_Effect(std::string_view name, std::string_view fragment,
-                                                   std::string_view declarations)
+                                                   std::string_view declarations, std::string_view depth)
 {
     std::string text(declarations);
-    text += "technique GLOBAL_LOD_0\n{\npass\n{\nblend opaque\ndepth none\nrasterize cull_none\n"
+    text += "technique GLOBAL_LOD_0\n{\npass\n{\nblend opaque\ndepth " + std::string(depth) +
+            "\nrasterize cull_none\n"
             "vertex\n{\nout vec2 uv; out vec4 color; out vec3 normal; out vec3 tangent; out vec3 binormal;\n"
             "void main() { uv = inUV; color = inColor; normal = inNormal; tangent = inTangent; binormal = inBinormal;\n"
             "gl_Position = vec4(inPosition, 1.0); }\n}\n"

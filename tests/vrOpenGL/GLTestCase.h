@@ -34,7 +34,7 @@ protected:
     /// Writes an effect whose vertices are on the screen already; `fragment` is the body of its main, in which `uv`
     /// and `color` are the vertex's.
     SmartPtr<vrShaderInstance> Make_Effect(std::string_view name, std::string_view fragment,
-                                           std::string_view declarations = "");
+                                           std::string_view declarations = "", std::string_view depth = "none");
     /// Writes a file of an effect as it is.
     SmartPtr<vrShaderInstance> Make_Effect_File(std::string_view name, std::string_view text);
     /// Draws a quad of lit vertices; x to the right and y up, -1 to 1.

@@ -17,39 +17,13 @@ namespace
 constexpr vrColor RED = Pack_Color(255, 0, 0, 255);
 constexpr vrColor GREEN = Pack_Color(0, 255, 0, 255);
 
-/// Tests the depth, and takes the corners of its quads for places on the screen.
-constexpr const char *EFFECT = R"(
-technique GLOBAL_LOD_0
-{
-    pass
-    {
-        blend opaque
-        depth test
-        rasterize cull_none
-        vertex
-        {
-            out vec4 color;
-            void main() { color = inColor; gl_Position = vec4(inPosition, 1.0); }
-        }
-        fragment
-        {
-            in vec4 color;
-            void main() { outColor = color; }
-        }
-    }
-}
-)";
-
-class ParticlesGLTest : public GLTestCase
-{
-};
-
+using ParticlesGLTest = GLTestCase;
 } // namespace
 
 // A red quad covers the left half, and a green particle lies behind it, as wide as the picture.
 TEST_F(ParticlesGLTest, ShowThroughWhatIsNearerWithTheDepthTestDisabled)
 {
-    Make_Effect_File("ParticleBillboardAdditive", EFFECT);
+    Make_Effect("ParticleBillboardAdditive", "outColor = color;", "", "test");
     vrMKPBillboardVisualizer visualizer;
     visualizer.Load_Assets(false, nullptr);
     auto &disabled = dynamic_cast<BoolParameter &>(*visualizer.Get_Parameter_By_Name("Disable Depth Test"));
@@ -59,33 +33,28 @@ TEST_F(ParticlesGLTest, ShowThroughWhatIsNearerWithTheDepthTestDisabled)
     const SmartPtr<vrCamera> camera(new vrCamera);
     vrRenderContext context(camera.Get());
 
-    const struct
-    {
-        vrRenderModeType Mode;
-        bool Disabled;
-        int DepthState;
-    } rows[] = {
+    const std::tuple<vrRenderModeType, bool, int> rows[] = {
         {VR_RENDER_MODE_NORMAL, false, VR_DEPTH_TEST},
         {VR_RENDER_MODE_NORMAL, true, VR_DEPTH_NONE},
         {VR_RENDER_MODE_OFFSCREEN, true, VR_DEPTH_NONE_OFFSCREEN},
         {VR_RENDER_MODE_NORMAL, false, VR_DEPTH_TEST}, // nothing of the others is left
     };
-    for (const auto &row : rows) {
-        disabled.Set_Value(row.Disabled);
+    for (const auto &[mode, isDisabled, depthState] : rows) {
+        disabled.Set_Value(isDisabled);
         Begin();
         Driver().Set_Screen_Space(true);
         Driver().Begin_Primitive_State(0, 0, VR_DEPTH_TEST_WRITE);
         vrRenderUtils::Render_2D_Quad(-1, 1, 0, -1, -0.5f, {}, {}, RED);
         Driver().End_Primitive_State();
         Driver().Set_Screen_Space(false);
-        Driver().Set_Render_Mode(row.Mode, nullptr);
+        Driver().Set_Render_Mode(mode, nullptr);
         visualizer.Select_Visible_Particles(*built.Buffer, {});
         visualizer.Pre_Visualize(*built.Buffer, {});
         visualizer.Visualize(*built.Buffer, context);
-        EXPECT_EQ(Driver().Get_Render_State_Block().m_depthStencilState, row.DepthState);
-        EXPECT_EQ(Driver().Get_Render_Mode(), row.Mode);
+        EXPECT_EQ(Driver().Get_Render_State_Block().m_depthStencilState, depthState);
+        EXPECT_EQ(Driver().Get_Render_Mode(), mode);
         End();
-        EXPECT_EQ(At(16, 32)[1], row.Disabled ? 255 : 0) << row.Mode << ", " << row.Disabled;
+        EXPECT_EQ(At(16, 32)[1], isDisabled ? 255 : 0) << mode << ", " << isDisabled;
         EXPECT_THAT(At(48, 32), ElementsAre(0, 255, 0));
     }
     EXPECT_EQ(Reports.Get_Asserts().size(), 0u) << Reports.Get_Text();

@@ -1,4 +1,3 @@
-#include "Code/EmitterData.h"
 #include "Code/ParticleData.h"
 #include "Code/VisualizerParameters.h"
 #include "MKLib/Parameters/SimpleParameters.h"
@@ -61,17 +60,6 @@ TEST_F(HeatConversion, OnlyTheCurrentRowIsConverted)
     EXPECT_THAT(tool.Modified_Names(), ElementsAre("fire", "smoke"));
 }
 
-TEST_F(HeatConversion, TheButtonIsOnForOldHeatAlone)
-{
-    for (const int row : {1, 2}) {
-        tool.Select({row});
-        EXPECT_FALSE(tool.form->Click_Convert_To_Heat()) << row;
-    }
-    tool.Select({0});
-    EXPECT_TRUE(tool.form->Click_Convert_To_Heat());
-    EXPECT_FALSE(tool.form->Click_Convert_To_Heat());
-}
-
 TEST_F(HeatConversion, AHeatRowThatIsConvertedAgainLosesItsValues)
 {
     tool.Select({2});
@@ -79,17 +67,6 @@ TEST_F(HeatConversion, AHeatRowThatIsConvertedAgainLosesItsValues)
     tool.core.Convert_To_Heat_Button_Click(nullptr, EventArgs());
     EXPECT_EQ(tool.Row(2).Get_HeatDistanceCutoff(), 1000.0f);
     EXPECT_EQ(tool.Row(2).Get_HeatDistortionScale(), 1.0f);
-}
-
-TEST_F(HeatConversion, TheFileHoldsTheNewVisualizer)
-{
-    ASSERT_TRUE(tool.form->Click_Convert_To_Heat());
-    ASSERT_TRUE(tool.form->Edit_Current("HeatDistortionScale", "0.5"));
-    tool.form->Click_Save();
-    tool.Scan();
-    EXPECT_TRUE(tool.Row(0).Get_UsesHeatVisualizer());
-    EXPECT_EQ(tool.Row(0).Get_HeatDistortionScale(), 0.5f);
-    EXPECT_EQ(tool.Row(0).Get_HeatDistanceCutoff(), 1000.0f);
 }
 
 TEST_F(HeatConversion, WithoutACurrentRowNothingHappens)

@@ -3,7 +3,6 @@
 #include "Code/ParticleProperties.h"
 #include "Tools/Code/ToolFixture.h"
 
-#include <functional>
 #include <gtest/gtest.h>
 #include <limits>
 
@@ -58,22 +57,15 @@ TEST_F(ParticleDataTest, ASliderWritesAndReadsByTheTable)
     }
 }
 
-TEST_F(ParticleDataTest, WholeNumbersAreTruncatedTowardZero)
+TEST_F(ParticleDataTest, WholeNumbersAreTruncatedAndWhatNoneHoldsIsTheLeast)
 {
-    ParticleData &row = tool.Row(0);
-    row.Set_DynamicLODNearDistance(-19.9f);
-    EXPECT_EQ(row.Get_DynamicLODNearDistancePerThousandth(), -1);
-    row.Set_MinimumDynamicLOD(-0.0019f);
-    EXPECT_EQ(row.Get_MinimumDynamicLODPerThousandth(), -1);
-}
-
-TEST_F(ParticleDataTest, WhatNoWholeNumberHoldsReadsAsTheLeast)
-{
-    ParticleData &row = tool.Row(0);
-    for (const float value : {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(), -3e38f})
-    {
-        row.Set_DynamicLODNearDistance(value);
-        EXPECT_EQ(row.Get_DynamicLODNearDistancePerThousandth(), std::numeric_limits<int32_t>::min()) << value;
+    using Limits = std::numeric_limits<float>;
+    constexpr int32_t LEAST = std::numeric_limits<int32_t>::min();
+    const std::pair<float, int32_t> rows[] = {
+        {-19.9f, -1}, {Limits::quiet_NaN(), LEAST}, {Limits::infinity(), LEAST}, {-3e38f, LEAST}};
+    for (const auto &[value, shown] : rows) {
+        tool.Row(0).Set_DynamicLODNearDistance(value);
+        EXPECT_EQ(tool.Row(0).Get_DynamicLODNearDistancePerThousandth(), shown) << value;
     }
 }
 
@@ -138,51 +130,6 @@ TEST_F(ParticleDataTest, LightingNeedsItsSwitch)
     EXPECT_TRUE(tool.Row(1).Get_SceneLightingAdjustments()) << "a row that did nothing replicates nothing";
     tool.Row(1).Set_SceneLightingAdjustments(false);
     EXPECT_FALSE(tool.Row(1).Get_SceneLightingAdjustments());
-}
-
-TEST_F(ParticleDataTest, AnEditReachesEverySelectedRowAsItWasMade)
-{
-    tool.Add_Emitter("smoke.vro", {Plain_Layer("a"), Plain_Layer("b")});
-    tool.Scan();
-    tool.Select({1, 2, 4});
-    // 333 on the slider of one row is 333 on that of the others, and not a copy of the value.
-    tool.Row(2).Set_MinimumDynamicLODPerThousandth(333);
-    tool.Row(2).Set_DynamicLODFarDistance(123.0f);
-    for (const int row : {1, 2, 4}) {
-        EXPECT_EQ(tool.Row(row).Get_MinimumDynamicLOD(), 0.333f) << row;
-        EXPECT_EQ(tool.Row(row).Get_DynamicLODFarDistance(), 123.0f) << row;
-    }
-    for (const int row : {0, 3}) {
-        EXPECT_NE(tool.Row(row).Get_MinimumDynamicLOD(), 0.333f) << row;
-        EXPECT_NE(tool.Row(row).Get_DynamicLODFarDistance(), 123.0f) << row;
-    }
-}
-
-TEST(ParticleProperties, TextsOfTheWrongKindAreRefused)
-{
-    Tool tool;
-    tool.Add_Emitter("fire.vro", {Plain_Layer()});
-    tool.Scan();
-    const struct
-    {
-        const char *property;
-        const char *text;
-        bool taken;
-    } rows[] = {
-        {"GlobalLOD", "Medium", true},
-        {"GlobalLOD", "2", true},
-        {"MinimumDynamicLOD", "0.5", true},
-        {"MinimumDynamicLOD", "nan", false},
-        {"MinimumDynamicLOD", "0.5 ", false},
-        {"DynamicLODNearDistancePerThousandth", "1.5", false},
-        {"DynamicLODNearDistancePerThousandth", "99999999999", false},
-        {"SceneLightingAdjustments", "0", false},
-    };
-    for (const auto &row : rows) {
-        EXPECT_EQ(tool.form->Edit_Current(row.property, row.text), row.taken) << row.property << " " << row.text;
-    }
-    EXPECT_FALSE(tool.form->Edit_Current("SupportsHeat", "true")) << "only read";
-    EXPECT_FALSE(tool.form->Edit_Current("NoSuchProperty", "1"));
 }
 
 } // namespace

@@ -1,4 +1,3 @@
-#include "Code/EmitterData.h"
 #include "Code/ParticleData.h"
 #include "Tools/Code/RecordingPreview.h"
 #include "Tools/Code/ToolFixture.h"
@@ -66,7 +65,7 @@ TEST(PreviewStart, WithoutADeviceTheWindowStaysHiddenAndTheEditorModeIsOn)
     EXPECT_THAT(record.Take(), ElementsAre("free scene", "destroy"));
 }
 
-TEST_F(Preview, ASelectionShowsItsEmitterOnce)
+TEST_F(Preview, ASelectionShowsItsEmitterOnceAndAConversionRestartsIt)
 {
     tool.form->Set_Preview(true);
     record.Take();
@@ -76,34 +75,12 @@ TEST_F(Preview, ASelectionShowsItsEmitterOnce)
     EXPECT_THAT(record.Take(), ElementsAre("remove smoke", "add fire"));
     tool.Select({0});
     EXPECT_THAT(record.Take(), IsEmpty()) << "a row of the same emitter resets nothing";
-    tool.application.Fire_Timers();
-    EXPECT_THAT(record.Take(), ElementsAre("update by 0", "render axes background"));
-    EXPECT_EQ(View().Get_State().particlesSimulated, 70);
-    EXPECT_EQ(View().Get_State().particlesRendered, 30);
-}
-
-TEST_F(Preview, WithTheToggleOffASelectionWaitsForIt)
-{
-    tool.Select({2});
-    EXPECT_THAT(record.Take(), IsEmpty());
-    tool.form->Set_Preview(true);
-    EXPECT_THAT(record.Take(), ElementsAre("add smoke", "background "));
-    tool.form->Set_Preview(false);
-    EXPECT_FALSE(View().Get_State().visible);
-    tool.application.Fire_Timers();
-    EXPECT_THAT(record.Take(), IsEmpty());
-}
-
-TEST_F(Preview, AConversionRestartsTheEmitter)
-{
-    tool.form->Set_Preview(true);
-    tool.Select({2});
-    tool.Select({0});
-    record.Take();
     ASSERT_TRUE(tool.form->Click_Convert_To_Heat());
     EXPECT_THAT(record.Take(), ElementsAre("remove fire", "add fire"));
     tool.application.Fire_Timers();
     EXPECT_THAT(record.Take(), ElementsAre("update by 0", "render axes background"));
+    EXPECT_EQ(View().Get_State().particlesSimulated, 70);
+    EXPECT_EQ(View().Get_State().particlesRendered, 30);
 }
 
 TEST_F(Preview, ShutdownTakesTheEmitterOutAheadOfSceneAndDevice)
@@ -116,20 +93,6 @@ TEST_F(Preview, ShutdownTakesTheEmitterOutAheadOfSceneAndDevice)
     EXPECT_EQ(tool.application.Get_View_Form(), nullptr);
     tool.application.Fire_Timers();
     EXPECT_THAT(record.Take(), IsEmpty());
-}
-
-TEST_F(Preview, ARescanKeepsTheOldEmitterInTheScene)
-{
-    tool.form->Set_Preview(true);
-    tool.Select({2});
-    const EmitterData *shown = tool.core.Get_Preview_Emitter();
-    record.Take();
-    tool.Scan();
-    EXPECT_EQ(tool.core.Get_Preview_Emitter(), shown);
-    EXPECT_EQ(tool.core.Get_Current_Emitter(), shown);
-    record.Take();
-    tool.Select({2});
-    EXPECT_THAT(record.Take(), ElementsAre("remove smoke", "add smoke")) << "the new set's emitter is another one";
 }
 
 TEST_F(Preview, ABackgroundIsKeptByItsFileName)

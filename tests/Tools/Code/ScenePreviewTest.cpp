@@ -80,24 +80,6 @@ protected:
         [this](ViewPanel &view, std::string &) { return std::make_unique<FragileDevice>(view, isLost); }};
 };
 
-TEST_F(ScenePreviewTest, AnEmitterPlaysAndIsDrawn)
-{
-    const auto emitter = vro::Make_Steady(120, vro::WorkloadViewer::Billboard);
-    preview.Add_Emitter(*emitter);
-    EXPECT_TRUE(preview.Is_Alive(*emitter));
-    Play(1.0f);
-    const auto draws = Draw();
-    ASSERT_EQ(draws.size(), 1u);
-    const PreviewStatistics statistics = preview.Get_Statistics();
-    EXPECT_GT(statistics.ParticlesRendered, 30);
-    EXPECT_EQ(draws[0].VertexCount, 4 * statistics.ParticlesRendered);
-    EXPECT_GT(statistics.ParticlesSimulated, 0);
-    EXPECT_EQ(statistics.Draws, 1);
-
-    preview.Remove_Emitter(*emitter);
-    EXPECT_TRUE(Draw().empty());
-}
-
 TEST_F(ScenePreviewTest, SwitchesAndTheCameraReachTheScene)
 {
     const auto emitter = vro::Make_Steady(10, vro::WorkloadViewer::Billboard);
@@ -122,19 +104,8 @@ TEST_F(ScenePreviewTest, SwitchesAndTheCameraReachTheScene)
     EXPECT_EQ(state.Terrain->Get_Height(7.0f, 8.0f), 0.0f);
     EXPECT_NE(state.TargetPosition, Vector3(0.0f));
     preview.Enable_Ground_Plane(false);
-    preview.Enable_Target(false);
     Play(STEP);
     EXPECT_EQ(state.Terrain, nullptr);
-    EXPECT_EQ(state.TargetPosition, Vector3(0.0f));
-}
-
-TEST_F(ScenePreviewTest, TheAxesAreThreeColouredLines)
-{
-    const auto draws = Draw(true);
-    ASSERT_EQ(draws.at(0).Get_Vertices<vrPrimVertex>().size(), 6u);
-    const auto vertices = draws[0].Get_Vertices<vrPrimVertex>();
-    EXPECT_EQ(vertices[5].Position, Vector3(0.0f, 0.0f, 30.0f));
-    EXPECT_EQ(vertices[5].Color, 0xffff0000u);
 }
 
 TEST_F(ScenePreviewTest, TheMouseTurnsTheCameraOnlyWhileAButtonIsHeld)
@@ -188,8 +159,13 @@ TEST_F(ScenePreviewTest, ALostDeviceSkipsFramesAndTheSimulationGoesOn)
         EXPECT_EQ(preview.Get_Statistics().ParticlesRendered, 0);
     }
     isLost = false;
-    EXPECT_FALSE(Draw().empty());
+    const auto draws = Draw(true);
+    ASSERT_EQ(draws.size(), 2u);
+    EXPECT_EQ(draws[0].VertexCount, 4 * count);
+    EXPECT_EQ(draws[1].Get_Vertices<vrPrimVertex>().size(), 6u) << "three axes";
     EXPECT_EQ(preview.Get_Statistics().ParticlesRendered, count);
+    preview.Remove_Emitter(*emitter);
+    EXPECT_TRUE(Draw().empty());
 }
 
 TEST(ScenePreviewStart, WithoutADeviceSaysWhy)

@@ -1,7 +1,6 @@
 #include "Tools/Code/ToolFixture.h"
 
 #include "Code/EmitterData.h"
-#include "Code/ParticleData.h"
 #include "Code/VisualizerParameters.h"
 #include "MKLib/ChunkFile/ChunkFileReader.h"
 #include "MKLib/ChunkFile/ChunkFileWriter.h"
@@ -98,19 +97,23 @@ void Set_Read_Only(const std::string &path, bool readOnly)
                     readOnly ? fs::perm_options::remove : fs::perm_options::add);
 }
 
-Tool::Tool(std::unique_ptr<PreviewDriver> preview)
-    : currentDirectory(directory.Make_Directory("run")), core(std::move(preview))
+void Workplace::Add_Emitter(const std::string &fileName, const std::vector<Layer> &layers)
+{
+    Write_Emitter(Model_Path(fileName), layers);
+}
+
+void Workplace::Bring_Up(ApplicationCore &core) const
 {
     directory.Make_Directory("game/Art/Models");
     core.Get_Settings().WorkingDirectory = directory / "game";
     if (!core.Initialize()) throw std::runtime_error("the core doesn't come up");
-    form = std::make_unique<HeadlessMainForm>(core);
-    form->Activate();
 }
 
-void Tool::Add_Emitter(const std::string &fileName, const std::vector<Layer> &layers)
+Tool::Tool(std::unique_ptr<PreviewDriver> preview) : core(std::move(preview))
 {
-    Write_Emitter(Model_Path(fileName), layers);
+    Bring_Up(core);
+    form = std::make_unique<HeadlessMainForm>(core);
+    form->Activate();
 }
 
 void Tool::Scan()

@@ -50,16 +50,26 @@ int Read_Level(const std::string &path, int layer = 0);
 /// Takes every write permission away, or gives it to the owner.
 void Set_Read_Only(const std::string &path, bool readOnly);
 
-/// A working directory below a fresh one, which is the current directory for as long as it lives, and the tool on it: a
-/// core that is up, with a headless main form. Reports are collected.
-class Tool
+/// A working directory below a fresh one, which is the current directory for as long as it lives. Reports are
+/// collected.
+struct Workplace
+{
+    /// A path in Art/Models, where a scan looks.
+    std::string Model_Path(const std::string &fileName) const { return directory / ("game/Art/Models/" + fileName); }
+    void Add_Emitter(const std::string &fileName, const std::vector<Layer> &layers);
+    void Bring_Up(ApplicationCore &core) const;
+
+    MKTest::Reports reports;
+    MKTest::TempDirectory directory;
+    MKTest::CurrentDirectory currentDirectory{directory.Make_Directory("run")};
+};
+
+/// The tool at its place: a core that is up, with a headless main form.
+class Tool : public Workplace
 {
 public:
     explicit Tool(std::unique_ptr<PreviewDriver> preview = std::make_unique<NoPreview>());
 
-    /// A path in Art/Models, where a scan looks.
-    std::string Model_Path(const std::string &fileName) const { return directory / ("game/Art/Models/" + fileName); }
-    void Add_Emitter(const std::string &fileName, const std::vector<Layer> &layers);
     /// Expects the scan to go well.
     void Scan();
     ParticleData &Row(int index) { return *form->Get_Particle_Data_Source().Get_Row(index); }
@@ -69,9 +79,6 @@ public:
     std::vector<std::string> Box_Texts() const;
     std::vector<std::string> Modified_Names() const;
 
-    MKTest::Reports reports;
-    MKTest::TempDirectory directory;
-    MKTest::CurrentDirectory currentDirectory;
     HeadlessApplication application;
     ApplicationCore core;
     std::unique_ptr<HeadlessMainForm> form;

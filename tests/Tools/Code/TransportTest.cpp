@@ -33,18 +33,6 @@ protected:
     Tool tool{std::make_unique<RecordingPreview>(record)};
 };
 
-TEST_F(Transport, APauseHoldsTheSceneAndStillDraws)
-{
-    tool.core.Pause_Click(nullptr, EventArgs());
-    EXPECT_TRUE(View().Get_State().paused);
-    record.Take();
-    EXPECT_THAT(Tick(), IsEmpty());
-    EXPECT_THAT(record.Take(), ElementsAre("render axes background"));
-    tool.core.Pause_Click(nullptr, EventArgs());
-    EXPECT_FALSE(View().Get_State().paused);
-    EXPECT_EQ(Tick().size(), 1u);
-}
-
 TEST_F(Transport, EachStepIsAThirtiethOfASecondAndPauses)
 {
     tool.core.Single_Step_Click(nullptr, EventArgs());
@@ -52,14 +40,10 @@ TEST_F(Transport, EachStepIsAThirtiethOfASecondAndPauses)
     EXPECT_TRUE(View().Get_State().paused);
     EXPECT_THAT(Tick(), ElementsAre(1.0f / 30.0f, 1.0f / 30.0f));
     EXPECT_THAT(Tick(), IsEmpty());
-}
-
-TEST_F(Transport, StepsThatWereNotTakenAreForgottenByPlaying)
-{
     tool.core.Single_Step_Click(nullptr, EventArgs());
     tool.core.Pause_Click(nullptr, EventArgs());
     tool.core.Pause_Click(nullptr, EventArgs());
-    EXPECT_THAT(Tick(), IsEmpty());
+    EXPECT_THAT(Tick(), IsEmpty()) << "playing forgets a step that wasn't taken";
 }
 
 TEST_F(Transport, SpeedScalesTheTimeWithinItsLimits)
@@ -87,17 +71,6 @@ TEST_F(Transport, SpeedScalesTheTimeWithinItsLimits)
         EXPECT_GE(steps[0], least * factor * 0.999f) << what;
         EXPECT_LE(steps[0], most * factor * 1.001f) << what;
     }
-}
-
-TEST_F(Transport, GroundAndTargetReachThePreview)
-{
-    record.Take();
-    tool.core.Ground_Plane_Click(nullptr, EventArgs());
-    tool.core.Target_Click(nullptr, EventArgs());
-    tool.core.Target_Click(nullptr, EventArgs());
-    EXPECT_THAT(record.Take(), ElementsAre("ground on", "target on", "target off"));
-    EXPECT_TRUE(View().Get_State().groundPlane);
-    EXPECT_FALSE(View().Get_State().target);
 }
 
 } // namespace

@@ -2,7 +2,6 @@
 
 #include "Code/ParticleData.h"
 
-#include <QAction>
 #include <QApplication>
 #include <QLabel>
 #include <QMessageBox>
@@ -81,12 +80,9 @@ void BoxAnswers::Look()
 }
 
 DesktopTool::DesktopTool(std::unique_ptr<PreviewDriver> preview)
-    : currentDirectory(directory.Make_Directory("run")), application(Get_Desktop()),
-      core(std::make_unique<ApplicationCore>(std::move(preview)))
+    : application(Get_Desktop()), core(std::make_unique<ApplicationCore>(std::move(preview)))
 {
-    directory.Make_Directory("game/Art/Models");
-    core->Get_Settings().WorkingDirectory = directory / "game";
-    if (!core->Initialize()) throw std::runtime_error("the core doesn't come up");
+    Bring_Up(*core);
 }
 
 DesktopTool::~DesktopTool()
@@ -100,11 +96,6 @@ void DesktopTool::Open()
     form = std::make_unique<DesktopMainForm>(application, *core);
     form->Open();
     Activate(*form);
-}
-
-void DesktopTool::Add_Emitter(const std::string &fileName, const std::vector<Layer> &layers)
-{
-    Write_Emitter(Model_Path(fileName), layers);
 }
 
 void DesktopTool::Scan()

@@ -43,8 +43,8 @@ private:
     QTimer timer;
 };
 
-/// The tool in its real window, on a working directory of its own; see Tool for the headless twin.
-class DesktopTool
+/// The tool in its real window; see Tool for the headless twin.
+class DesktopTool : public Workplace
 {
 public:
     explicit DesktopTool(std::unique_ptr<PreviewDriver> preview = std::make_unique<NoPreview>());
@@ -53,8 +53,6 @@ public:
     DesktopTool &operator=(const DesktopTool &) = delete;
 
     void Open();
-    std::string Model_Path(const std::string &fileName) const { return directory / ("game/Art/Models/" + fileName); }
-    void Add_Emitter(const std::string &fileName, const std::vector<Layer> &layers);
     /// By the key, as a user does it.
     void Scan();
 
@@ -68,9 +66,6 @@ public:
     std::vector<std::string> Selected_Names();
     QString Label_Text(const char *name);
 
-    MKTest::Reports reports;
-    MKTest::TempDirectory directory;
-    MKTest::CurrentDirectory currentDirectory;
     DesktopApplication &application;
     std::unique_ptr<ApplicationCore> core;
     std::unique_ptr<DesktopMainForm> form;

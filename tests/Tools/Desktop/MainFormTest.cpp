@@ -1,6 +1,5 @@
 #include "Code/ParticleData.h"
 #include "Code/RunTool.h"
-#include "MKLib/ChunkFile/ChunkFileWriter.h"
 #include "MKLib/File/File.h"
 #include "Desktop/DesktopProgressDialog.h"
 #include "Tools/Code/FakeP4.h"
@@ -27,7 +26,6 @@
 using namespace ToolTest;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 namespace
 {
@@ -98,78 +96,58 @@ TEST_F(Form, AReadOnlyFileIsCheckedOutAndTheWindowSaysWhatItWaitsFor)
     EXPECT_FALSE(QGuiApplication::overrideCursor());
 }
 
-TEST_F(Form, ARefusedCheckOutAsksForARetryAndCancelLeavesAllAsItWas)
+TEST_F(Form, ACheckOutThatIsRefusedOrDeclinedLeavesAllAsItWas)
 {
     const FakeP4 p4(tool.directory, REFUSE);
     Edit(0);
     Set_Read_Only(tool.Model_Path("fire.vro"), true);
-    BoxAnswers answers("Cancel");
-    tool.Press_Key(Qt::Key_S, Qt::ControlModifier);
-    EXPECT_THAT(answers.texts, ElementsAre(HasSubstr("Unable to check out file.\nMake sure")));
-    EXPECT_TRUE(tool.Row(0).Get_Modified());
-}
-
-TEST_F(Form, WithoutAutoCheckoutTheUserIsAskedAndMayDecline)
-{
-    const FakeP4 p4(tool.directory, MAKE_WRITABLE);
+    {
+        BoxAnswers answers("Cancel");
+        tool.Press_Key(Qt::Key_S, Qt::ControlModifier);
+        EXPECT_THAT(answers.texts, ElementsAre(HasSubstr("Unable to check out file.\nMake sure")));
+    }
     tool.form->Get_Actions().AutoCheckout->trigger();
-    EXPECT_FALSE(tool.core->Get_Settings().AutoCheckout);
-    Edit(0);
-    Set_Read_Only(tool.Model_Path("fire.vro"), true);
     BoxAnswers answers("No");
     tool.Press_Key(Qt::Key_S, Qt::ControlModifier);
     EXPECT_THAT(answers.texts, ElementsAre("Checkout 'fire' from perforce?"));
-    EXPECT_EQ(p4.Calls(), "");
+    EXPECT_EQ(p4.Calls(), "[edit][" + tool.Model_Path("fire.vro") + "]\n") << "once";
     EXPECT_TRUE(tool.Row(0).Get_Modified());
 }
 
-TEST_F(Form, ClosingWithUnsavedChangesAsks)
+TEST_F(Form, ClosingAndScanningWithUnsavedChangesAsk)
 {
     Edit(0);
     {
         BoxAnswers answers("No");
         EXPECT_FALSE(tool.form->close());
-        EXPECT_THAT(answers.texts, ElementsAre(HasSubstr("Continue Closing Anyway?")));
+        tool.Scan();
+        ASSERT_EQ(answers.texts.size(), 2u);
+        EXPECT_THAT(answers.texts[0], HasSubstr("Continue Closing Anyway?"));
     }
     EXPECT_TRUE(tool.form->isVisible());
-    EXPECT_TRUE(tool.Row(0).Get_Modified());
-    BoxAnswers answers("Yes");
-    EXPECT_TRUE(tool.form->close());
-    EXPECT_THAT(MKTest::Read_Text_File("FlareTrimSettings.xml"), HasSubstr("<MainFormLocationSet>true<"));
-}
-
-TEST_F(Form, ARescanWithUnsavedChangesAsks)
-{
-    Edit(0);
-    {
-        BoxAnswers answers("No");
-        tool.Scan();
-        EXPECT_EQ(answers.texts.size(), 1u);
-    }
     EXPECT_EQ(tool.Row(0).Get_DynamicLODNearDistance(), 7.0f);
     BoxAnswers answers("Yes");
     tool.Scan();
-    EXPECT_EQ(answers.texts.size(), 1u);
     EXPECT_NE(tool.Row(0).Get_DynamicLODNearDistance(), 7.0f);
     EXPECT_FALSE(tool.form->isWindowModified());
+    Edit(0);
+    EXPECT_TRUE(tool.form->close());
+    EXPECT_EQ(answers.texts.size(), 2u);
+    EXPECT_THAT(MKTest::Read_Text_File("FlareTrimSettings.xml"), HasSubstr("<MainFormLocationSet>true<"));
 }
 
 TEST_F(Form, AFailedScanSaysWhyAndAnotherOneBringsTheGridBack)
 {
     {
-        FileClass file(tool.Model_Path("zinc.vro"));
-        ChunkFileWriterClass writer(&file, 128, 0, false); // plain, so that half of it still begins as an emitter
-        ASSERT_TRUE(Make_Emitter({Plain_Layer("z")})->Save(&writer) && writer.Close());
+        FileClass holder(tool.Model_Path("smoke.vro"));
+        ASSERT_TRUE(holder.Open(MKPlatform::FILE_OPEN_EXCLUSIVE_READ));
+        tool.Scan();
     }
-    const MKTest::Bytes whole = MKTest::Read_Whole_File(tool.Model_Path("zinc.vro"));
-    MKTest::Write_Whole_File(tool.Model_Path("zinc.vro"), whole.data(), whole.size() / 2);
-    tool.Scan();
+    EXPECT_TRUE(tool.reports.Has_Log(tool.Model_Path("smoke.vro") + " can't be opened: Device or resource busy"));
     EXPECT_EQ(tool.form->Get_Model().Get_Count(), 0);
     EXPECT_FALSE(tool.form->Get_Actions().Save->isEnabled());
-    EXPECT_THAT(tool.Label_Text("gridMessage").toStdString(),
-                HasSubstr("zinc.vro is an emitter file that can't be loaded"));
+    EXPECT_THAT(tool.Label_Text("gridMessage").toStdString(), HasSubstr("smoke.vro"));
     EXPECT_TRUE(tool.form->findChild<QLabel *>("gridMessage")->isVisible());
-    std::filesystem::remove(tool.Model_Path("zinc.vro"));
     tool.Scan();
     EXPECT_EQ(tool.form->Get_Model().Get_Count(), 2);
     EXPECT_FALSE(tool.form->findChild<QLabel *>("gridMessage")->isVisible());
@@ -195,21 +173,6 @@ TEST_F(Form, WithoutADeviceTheToolSaysThatThereIsNoPreview)
 {
     EXPECT_FALSE(tool.form->Get_Actions().Preview->isEnabled());
     EXPECT_EQ(tool.Label_Text("previewState"), "No preview: there is no graphics device");
-}
-
-TEST(Progress, CountsFromTheFirstFileAndSaysThatThereIsNone)
-{
-    const struct
-    {
-        int count, done;
-        const char *text;
-    } cases[] = {{0, 0, "0 of 0"}, {3, 0, "1 of 3"}, {3, 2, "3 of 3"}};
-    for (const auto &[count, done, text] : cases) {
-        DesktopProgressDialog dialog(Get_Desktop(), nullptr);
-        dialog.Set_Step_Count(count);
-        dialog.Set_Steps(done);
-        EXPECT_EQ(dialog.findChild<QLabel *>("progressCount")->text(), text);
-    }
 }
 
 TEST(Progress, ALongNameKeepsTheDialogsWidth)
@@ -244,69 +207,60 @@ TEST(Boxes, ThatAnErrorEndsAnswerWhatChangesNothing)
     }
 }
 
-TEST(Placement, OfAFirstStartFitsTheScreen)
+class Placement : public testing::Test
 {
-    DesktopTool tool;
-    tool.Open();
-    const QSize screen = tool.form->screen()->availableSize();
-    EXPECT_LE(tool.form->width(), screen.width());
-    EXPECT_LE(tool.form->height(), screen.height());
-}
+protected:
+    /// Opens the window where the settings of the last run have it.
+    void Open(Point location, Size size, bool isMaximized = false)
+    {
+        ApplicationSettings &settings = tool.core->Get_Settings();
+        settings.MainFormLocationSet = true;
+        settings.MainFormMaximized = isMaximized;
+        settings.MainFormLocation = location;
+        settings.MainFormSize = size;
+        tool.Open();
+    }
 
-TEST(Placement, IsRestoredBeforeTheWindowShows)
-{
     DesktopTool tool;
-    ApplicationSettings &settings = tool.core->Get_Settings();
-    settings.MainFormLocationSet = true;
-    settings.MainFormLocation = {40, 30};
-    settings.MainFormSize = {700, 500};
-    tool.Open();
+};
+
+TEST_F(Placement, IsRestoredBeforeTheWindowShows)
+{
+    Open({40, 30}, {700, 500});
     EXPECT_EQ(tool.form->Get_Location(), (Point{40, 30}));
     EXPECT_EQ(tool.form->Get_Size(), (Size{700, 500}));
 }
 
-TEST(Placement, OfAMaximisedWindowIsTheOneThatItGoesBackTo)
+TEST_F(Placement, OfAMaximisedWindowIsTheOneThatItGoesBackTo)
 {
-    DesktopTool tool;
-    ApplicationSettings &settings = tool.core->Get_Settings();
-    settings.MainFormLocationSet = true;
-    settings.MainFormMaximized = true;
-    settings.MainFormLocation = {40, 30};
-    settings.MainFormSize = {700, 500};
-    tool.Open();
+    Open({40, 30}, {700, 500}, true);
     EXPECT_TRUE(tool.form->isMaximized());
     tool.form->close();
-    EXPECT_TRUE(tool.core->Get_Settings().MainFormMaximized);
-    EXPECT_EQ(tool.core->Get_Settings().MainFormLocation, (Point{40, 30}));
-    EXPECT_EQ(tool.core->Get_Settings().MainFormSize, (Size{700, 500}));
+    const ApplicationSettings saved = ApplicationSettings::Load("FlareTrimSettings.xml");
+    EXPECT_TRUE(saved.MainFormMaximized);
+    EXPECT_EQ(saved.MainFormLocation, (Point{40, 30}));
+    EXPECT_EQ(saved.MainFormSize, (Size{700, 500}));
 }
 
-TEST(Placement, OnAScreenThatIsGoneOrTooSmallComesIntoReach)
+class PlacementOutOfReach : public Placement, public testing::WithParamInterface<std::pair<Point, Size>>
 {
-    const QRect screen =
-        QGuiApplication::primaryScreen() ? QGuiApplication::primaryScreen()->availableGeometry() : QRect();
-    const struct
-    {
-        const char *what;
-        Point location;
-        Size size;
-    } cases[] = {{"right of all screens", {5000, 100}, {600, 400}},
-                 {"above", {100, -3000}, {600, 400}},
-                 {"larger than the screen", {0, 0}, {9000, 9000}},
-                 {"where no number goes", {INT_MAX, INT_MIN}, {600, 400}},
-                 {"without a size", {-4000, 0}, {0, 0}}};
-    for (const auto &[what, location, size] : cases) {
-        DesktopTool tool;
-        ApplicationSettings &settings = tool.core->Get_Settings();
-        settings.MainFormLocationSet = true;
-        settings.MainFormLocation = location;
-        settings.MainFormSize = size;
-        tool.Open();
-        const QRect title(tool.form->pos(), QSize(tool.form->width(), 24));
-        EXPECT_GE(screen.intersected(title).width(), 80) << what;
-        EXPECT_LE(tool.form->width(), screen.width()) << what;
-        EXPECT_LE(tool.form->height(), screen.height()) << what;
-    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Places, PlacementOutOfReach,
+                         testing::Values(std::pair(Point{5000, 100}, Size{600, 400}),
+                                         std::pair(Point{100, -3000}, Size{600, 400}),
+                                         std::pair(Point{0, 0}, Size{9000, 9000}),
+                                         std::pair(Point{INT_MAX, INT_MIN}, Size{600, 400}),
+                                         std::pair(Point{-4000, 0}, Size{0, 0})));
+
+TEST_P(PlacementOutOfReach, ComesIntoIt)
+{
+    Open(GetParam().first, GetParam().second);
+    const QRect screen = tool.form->screen()->availableGeometry();
+    const QRect title(tool.form->pos(), QSize(tool.form->width(), 24));
+    EXPECT_GE(screen.intersected(title).width(), 80);
+    EXPECT_LE(tool.form->width(), screen.width());
+    EXPECT_LE(tool.form->height(), screen.height());
 }
 
 /// What ends a run when the working directory is gone is the message box of the entry point.
@@ -321,50 +275,6 @@ TEST(WholeRun, AMissingWorkingDirectoryEndsInTheExceptionsBox)
     EXPECT_EQ(Run_Tool(application, std::make_unique<NoPreview>()), 0);
     EXPECT_THAT(answers.texts, ElementsAre(HasSubstr("Exception: The emitter files can't be listed.")));
     EXPECT_EQ(application.Get_Main_Form(), nullptr);
-    application.Set_Session(nullptr);
-}
-
-TEST(WholeRun, TwoModifiedEffectsOfOneNameEndInTheExceptionsBox)
-{
-    MKTest::Reports reports;
-    const MKTest::TempDirectory directory;
-    const MKTest::CurrentDirectory current(directory.Make_Directory("run"));
-    directory.Make_Directory("Art/Models");
-    const std::string file = directory / "Art/Models/fire.vro";
-    Write_Emitter(file, {Plain_Layer()});
-    std::filesystem::copy_file(file, directory / "Art/Models/fire.VRO"); // an emitter is named as its file
-    DesktopApplication &application = Get_Desktop();
-    application.Set_Session([&](DesktopMainForm &form) {
-        form.Get_Actions().Scan->trigger();
-        form.Get_Table().Select_Source_Rows({0, 1});
-        const int column = Find_Particle_Column("DynamicLODNearDistance");
-        EXPECT_EQ(form.Get_Model().Get_Count(), 2);
-        form.Get_Model().setData(form.Get_Model().index(0, column), "7");
-        application.Leave();
-    });
-    BoxAnswers answers("OK");
-    EXPECT_EQ(Run_Tool(application, std::make_unique<NoPreview>()), 0);
-    EXPECT_THAT(answers.texts, ElementsAre(HasSubstr("Exception: Two modified emitters are named 'fire'")));
-    application.Set_Session(nullptr);
-}
-
-TEST(WholeRun, UnreadableSettingsGiveTheDefaultsAndCloseWritesThemAnew)
-{
-    MKTest::Reports reports;
-    const MKTest::TempDirectory directory;
-    const MKTest::CurrentDirectory current(directory.Make_Directory("run"));
-    directory.Write("run/FlareTrimSettings.xml", "<ApplicationSettings><ViewMode>");
-    DesktopApplication &application = Get_Desktop();
-    bool autoCheckout = false;
-    application.Set_Session([&](DesktopMainForm &form) {
-        autoCheckout = form.Get_Auto_Checkout();
-        form.close();
-    });
-    BoxAnswers answers("OK");
-    EXPECT_EQ(Run_Tool(application, std::make_unique<NoPreview>()), 0);
-    EXPECT_THAT(answers.texts, IsEmpty());
-    EXPECT_TRUE(autoCheckout);
-    EXPECT_THAT(MKTest::Read_Text_File("FlareTrimSettings.xml"), HasSubstr("<ViewMode>4</ViewMode>"));
     application.Set_Session(nullptr);
 }
 

@@ -1,6 +1,6 @@
 #include "Tools/vro/VroProgram.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 #include <regex>
 #include <set>
 
@@ -59,13 +59,4 @@ TEST(Documentation, ThePluginReferenceIsTheEnginesOwn)
     const std::string page = shop.Directory / "reference.md";
     ASSERT_EQ(std::system((std::string(SAMPLE_MAKER) + " reference '" + page + "'").c_str()), 0);
     EXPECT_EQ(Read_Text_File(page), Read_Text_File(PROJECT_ROOT "/docs/plugin-reference.md"));
-}
-
-TEST(Documentation, ManualAndCompletionKnowEveryEncoding)
-{
-    const std::string completion = Read_Text_File(PROJECT_ROOT "/completions/vro.bash");
-    for (const char *encoding : {"zlib", "binary", "xml", "sectioned", "zlib-sectioned"}) {
-        EXPECT_THAT(Manual_Page(), testing::HasSubstr(encoding));
-        EXPECT_THAT(completion, testing::HasSubstr(encoding));
-    }
 }

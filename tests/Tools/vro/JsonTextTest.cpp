@@ -61,13 +61,3 @@ TEST(JsonText, AFloatSurvivesReadersThatGoByWayOfADouble)
     EXPECT_EQ(static_cast<float>(std::strtod(Text_Of(value).c_str(), nullptr)), value);
     EXPECT_EQ(Read_Float(Parse_Json(Text_Of(value)), ""), value);
 }
-
-TEST(JsonText, KeepsWhatFitsInALineTogether)
-{
-    const Json parameter = {{"id", 9}, {"value", Json::array({1.5, "a\"b", nullptr, true})}};
-    EXPECT_EQ(To_Text(parameter), "{ \"id\": 9, \"value\": [1.5, \"a\\\"b\", null, true] }\n");
-    EXPECT_EQ(To_Text(Json::object()), "{}\n");
-    EXPECT_EQ(To_Text(Json::array()), "[]\n");
-    const Json wide = {{"text", std::string(130, 'x')}, {"list", Json::array()}};
-    EXPECT_EQ(To_Text(wide), "{\n  \"text\": \"" + std::string(130, 'x') + "\",\n  \"list\": []\n}\n");
-}

@@ -6,23 +6,8 @@
 
 #include <gmock/gmock.h>
 
-using testing::ElementsAre;
 using testing::HasSubstr;
 using vro::RenderOptions;
-
-TEST(RenderOptions, TextsBecomeValues)
-{
-    RenderOptions options;
-    EXPECT_EQ(vro::Parse_Size("320x200", options), "");
-    EXPECT_EQ(options.Width, 320);
-    EXPECT_EQ(options.Height, 200);
-    EXPECT_EQ(vro::Parse_Background("1,0,255", options), "");
-    EXPECT_THAT(options.Background, ElementsAre(1, 0, 255));
-    EXPECT_EQ(vro::Parse_Background("sky.tga", options), "");
-    EXPECT_EQ(options.BackgroundPicture, "sky.tga");
-    EXPECT_EQ(vro::Parse_Post_Fx("heat,hdr", options), "");
-    EXPECT_EQ(options.PostFxMask, 2u | 8u);
-}
 
 TEST(RenderOptions, WhatIsDrawnFollowsTheOutput)
 {

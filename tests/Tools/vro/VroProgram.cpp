@@ -5,15 +5,11 @@
 #include "vro/EffectJson.h"
 #include "vro/JsonReading.h"
 
+#include "MKLib/File/File.h"
 #include "vrGraphics/effect/vrMKParticleEmitter.h"
 
-#include <cerrno>
-#include <filesystem>
-#include <poll.h>
-#include <spawn.h>
+#include <cstdlib>
 #include <stdexcept>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace vroTest
 {
@@ -28,83 +24,22 @@ std::string Quoted(const std::string &argument)
     return text + "'";
 }
 
-struct Pipe
-{
-    Pipe()
-    {
-        if (::pipe(Ends) != 0) throw std::runtime_error("no pipe");
-    }
-    ~Pipe()
-    {
-        Close(0);
-        Close(1);
-    }
-    void Close(int end)
-    {
-        if (Ends[end] >= 0) ::close(Ends[end]);
-        Ends[end] = -1;
-    }
-
-    int Ends[2];
-};
-
-/// Takes from both pipes as it comes, so that neither fills up and holds the program.
-void Drain(Pipe &out, std::string &outText, Pipe &err, std::string &errText)
-{
-    pollfd waiting[] = {{out.Ends[0], POLLIN, 0}, {err.Ends[0], POLLIN, 0}};
-    std::string *texts[] = {&outText, &errText};
-    char buffer[4096];
-    while (waiting[0].fd >= 0 || waiting[1].fd >= 0) {
-        if (::poll(waiting, 2, -1) < 0) {
-            if (errno == EINTR) continue; // of a test that was stopped and goes on
-            throw std::runtime_error("poll failed");
-        }
-        for (int index = 0; index < 2; ++index) {
-            if (waiting[index].fd < 0 || waiting[index].revents == 0) continue;
-            const ssize_t count = ::read(waiting[index].fd, buffer, sizeof buffer);
-            if (count > 0)
-                texts[index]->append(buffer, static_cast<size_t>(count));
-            else
-                waiting[index].fd = -1;
-        }
-    }
-}
-
-Outcome Run_Shell(const std::string &line)
-{
-    Pipe out;
-    Pipe err;
-    posix_spawn_file_actions_t actions;
-    ::posix_spawn_file_actions_init(&actions);
-    ::posix_spawn_file_actions_adddup2(&actions, out.Ends[1], STDOUT_FILENO);
-    ::posix_spawn_file_actions_adddup2(&actions, err.Ends[1], STDERR_FILENO);
-    for (const int end : {out.Ends[0], out.Ends[1], err.Ends[0], err.Ends[1]})
-        ::posix_spawn_file_actions_addclose(&actions, end);
-    const char *words[] = {"sh", "-c", line.c_str(), nullptr};
-    pid_t child = 0;
-    const int failure = ::posix_spawn(&child, "/bin/sh", &actions, nullptr, const_cast<char *const *>(words), environ);
-    ::posix_spawn_file_actions_destroy(&actions);
-    if (failure != 0) throw std::runtime_error("the shell can't be started");
-    out.Close(1);
-    err.Close(1);
-    Outcome outcome;
-    Drain(out, outcome.Out, err, outcome.Err);
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    outcome.Code = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
-    return outcome;
-}
-
 } // namespace
 
 Outcome Workshop::Vro(const std::vector<std::string> &arguments, const std::string &input,
                       const std::string &shell) const
 {
-    const MKTest::TempDirectory inputDirectory;
-    const std::string inputPath = inputDirectory.Write("input", input);
+    const MKTest::TempDirectory streams;
+    const auto place = [&streams](const char *name) { return Quoted(streams / name); };
     std::string line = "cd " + Quoted(Directory.Get_Path()) + " && " + shell + " " + Quoted(VRO_PROGRAM);
     for (const std::string &argument : arguments) line += " " + Quoted(argument);
-    return Run_Shell(line + " < " + Quoted(inputPath));
+    streams.Write("in", input);
+    // What the program says goes through pipes: a limit on its files isn't one on theirs.
+    line = "{ { ( " + line + " < " + place("in") + " ); echo $? > " + place("code") + "; } 2>&3 | cat > " +
+           place("out") + "; } 3>&1 | cat > " + place("err");
+    if (std::system(line.c_str()) != 0) throw std::runtime_error("the shell can't run " + line);
+    return {std::stoi(MKTest::Read_Text_File(streams / "code")), MKTest::Read_Text_File(streams / "out"),
+            MKTest::Read_Text_File(streams / "err")};
 }
 
 std::string Workshop::Build(const std::string &name, const std::string &json, const std::string &encoding) const
@@ -122,6 +57,16 @@ std::string Workshop::Dump(const std::string &path)
     const auto emitter = vro::Load_Effect(path, error);
     if (!emitter) throw std::runtime_error(path + ": " + error);
     return vro::To_Text(vro::Effect_To_Json(*emitter));
+}
+
+vrPicture Load_Picture(const std::string &path)
+{
+    vrPicture picture;
+    std::string error = "can't be opened";
+    FileClass file(path);
+    if (!file.Open(MKPlatform::FILE_OPEN_GENERIC_READ) || !picture.Load(file, error))
+        throw std::runtime_error(path + ": " + error);
+    return picture;
 }
 
 std::string Layer_Json(const std::string &name, const std::string &visualizer)

@@ -2,6 +2,7 @@
 
 #include "MKLib/RefCount.h"
 #include "common/TempFiles.h"
+#include "vrGraphics/drivercommon/vrPicture.h"
 
 #include <string>
 #include <vector>
@@ -14,7 +15,7 @@ namespace vroTest
 /// What a run of the program left behind.
 struct Outcome
 {
-    int Code = -1; ///< its exit code, or minus the signal that ended it
+    int Code = -1; ///< its exit code; beyond 128 a signal ended it
     std::string Out;
     std::string Err;
 };
@@ -35,6 +36,9 @@ public:
 
     MKTest::TempDirectory Directory;
 };
+
+/// Throws when it isn't a picture's.
+vrPicture Load_Picture(const std::string &path);
 
 /// One layer of a working directory's emitter.
 std::string Layer_Json(const std::string &name, const std::string &visualizer);

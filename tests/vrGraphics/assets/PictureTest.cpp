@@ -51,7 +51,6 @@ TEST(Picture, EveryKindBecomesFourBytesAPixel)
         {"grey, 16 bits",
          B(2, 1, B::GREY, 16).Build({{0x80, 0, 0x7f, 0xff}}),
          {128, 128, 128, 255, 127, 127, 127, 255}},
-        {"colour", B(2, 1, B::RGB).Build({{1, 2, 3, 4, 5, 6}}), {1, 2, 3, 255, 4, 5, 6, 255}},
         {"colour and alpha", B(2, 1, B::RGBA).Build({{1, 2, 3, 9, 4, 5, 6, 0}}), {1, 2, 3, 9, 4, 5, 6, 0}},
         {"palette with alpha",
          B(2, 1, B::PALETTE).With("PLTE", {9, 8, 7, 6, 5, 4}).With("tRNS", {77}).Build({{1, 0}}),
@@ -67,8 +66,6 @@ TEST(Picture, EveryKindBecomesFourBytesAPixel)
         vrPicture picture;
         std::string error;
         ASSERT_TRUE(Load(row.file, picture, error)) << row.what << ": " << error;
-        EXPECT_EQ(picture.Get_Width(), 2) << row.what;
-        EXPECT_EQ(picture.Get_Height(), 1) << row.what;
         EXPECT_EQ(std::vector<int>(picture.Get_Pixels().begin(), picture.Get_Pixels().end()), row.pixels) << row.what;
     }
 }
@@ -94,12 +91,10 @@ TEST(Picture, WhatIsNoPictureIsRefusedWithItsReason)
         const char *reason;
     } rows[] = {
         {"nothing", {}, "the file is empty"},
-        {"text", {'h', 'e', 'l', 'l', 'o', ',', ' ', 'y', 'o', 'u'}, "not a PNG picture"},
         {"the signature alone", Prefix(GREY, 8), "the file ends early"},
         {"header of a wrong checksum", With_Byte(GREY, HEADER_CRC, GREY[HEADER_CRC] ^ 1), "CRC"},
         {"no width", B(0, 1, B::GREY).Build({{1}}), "IHDR"},
         {"fewer rows than stated", B(1, 2, B::GREY).Build({{1}}), "Not enough image data"},
-        {"too wide", B(16385, 1, B::GREY).Build({{1}}), "a picture of 16385 by 1 pixels is too large"},
         {"too high", B(1, 2000000000, B::GREY).Build({{1}}), "a picture of 1 by 2000000000 pixels is too large"},
         {"too large in all", B(16384, 4097, B::GREY).Build({{1}}), "at most 16384 a side and 67108864 in all"},
     };

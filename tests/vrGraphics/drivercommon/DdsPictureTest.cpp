@@ -4,12 +4,11 @@
 
 #include "MKLib/File/RAMFile.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <sstream>
 
 using namespace MKTest;
-using testing::HasSubstr;
 
 namespace
 {
@@ -36,11 +35,11 @@ bool Read_Cube(const Bytes &bytes, std::array<vrPicture2D, 6> &faces, std::strin
 }
 
 /// Extended header: the form, a flat picture, no cube, one of it.
-Bytes Extended(uint32_t form, uint32_t dimension = 3)
+Bytes Extended(uint32_t form)
 {
     Bytes bytes(20);
     Set_32(bytes, 0, form);
-    Set_32(bytes, 4, dimension);
+    Set_32(bytes, 4, 3);
     Set_32(bytes, 12, 1);
     return bytes;
 }
@@ -66,8 +65,6 @@ TEST(DdsPicture, BlocksDecodeByHand)
         {"BC3 of six alphas",
          Dds_Header(4, 4, 1, "DXT5") + Bytes{30, 80, 0b10101010, 0b00001111, 0, 0, 0, 0} + RED_OVER_BLUE,
          "ff000028 0000ff46 aa005500 5500aaff"},
-        {"an extended header", Dds_Header(4, 4, 1, "DX10") + Extended(72) + RED_OVER_BLUE,
-         "ff0000ff 0000ffff aa0055ff 5500aaff"},
     });
 }
 
@@ -79,7 +76,6 @@ TEST(DdsPicture, TexelsAreReadByTheirMasks)
         // 5, 6 and 5 bits: 31, 21 and 0 become 255, 21 * 255 / 63 = 85 and 0
         {"16 bits", Dds_Header(1, 1, 16, {0xf800, 0x7e0, 0x1f, 0}) + Bytes{0xa0, 0xfa}, "ff5500ff"},
         {"a mask of all bits", Dds_Header(1, 1, 32, {0xffffffff, 0, 0, 0}) + Bytes{255, 255, 255, 255}, "ff0000ff"},
-        {"extended, red first", Dds_Header(1, 1, 1, "DX10") + Extended(28) + Bytes{1, 2, 3, 4}, "01020304"},
         {"extended, blue first", Dds_Header(1, 1, 1, "DX10") + Extended(87) + Bytes{1, 2, 3, 4}, "03020104"},
     });
 }
@@ -95,7 +91,6 @@ TEST(DdsPicture, LevelsHalveDownToOne)
     for (const auto &level : picture.Levels)
         levels << level.Width << 'x' << level.Height << ':' << level.Bytes.size() << ' ';
     EXPECT_EQ(levels.str(), "5x2:16 2x1:8 1x1:8 ");
-    EXPECT_EQ(Decode_Picture(picture).size(), 5u * 2 * 4);
 }
 
 TEST(DdsPicture, ACubeHasSixFacesInOrder)
@@ -106,9 +101,7 @@ TEST(DdsPicture, ACubeHasSixFacesInOrder)
     ASSERT_TRUE(Read_Cube(file, faces, error)) << error;
     for (uint8_t face = 0; face < 6; ++face) EXPECT_EQ(faces[face].Levels.at(0).Bytes.at(0), face);
     EXPECT_FALSE(Read_Cube(Bytes(file.begin(), file.end() - 1), faces, error));
-    EXPECT_THAT(error, HasSubstr("take 48 bytes, 47 are left"));
     EXPECT_FALSE(Read_Cube(Dds_Header(4, 4, 1, "DXT1") + Bytes(48), faces, error));
-    EXPECT_EQ(error, "not a cube");
     Bytes holed = file;
     Set_32(holed, 112, CUBE & ~0x400u);
     EXPECT_FALSE(Read_Cube(holed, faces, error));
@@ -123,14 +116,12 @@ TEST(DdsPicture, WhatIsNoPictureIsRefusedWithItsReason)
     Set_32(formless, 80, 0);
     Expect_Refused({
         {"the signature alone", {'D', 'D', 'S', ' '}, "a DDS header takes 128 bytes, 4 are there"},
-        {"no header behind it", Bytes{'D', 'D', 'S', ' '} + Bytes(124), "not a DDS picture"},
         {"no height", Dds_Header(4, 0, 1, "DXT1"), "a picture of 4 by 0 texels"},
         {"a side of 2^32 - 1", Dds_Header(-1, -1, 1, "DXT1"), "a picture of 4294967295 by 4294967295 texels"},
         // 4096 by 1024 blocks of 16 bytes, refused before there is memory for them
         {"blocks that aren't there", Dds_Header(16384, 4096, 1, "DXT5"), "1 levels take 67108864 bytes, 0 are left"},
         {"an unknown form", Dds_Header(4, 4, 1, "ATI2") + Bytes(16), "of the form 843666497, which isn't known"},
         {"a cut extended header", Dds_Header(4, 4, 1, "DX10") + Bytes(19), "inside of its extended header"},
-        {"a line", Dds_Header(4, 1, 1, "DX10") + Extended(72, 2), "isn't flat"},
         {"depth", volume, "with depth"},
         {"no form", formless, "doesn't say its form"},
         {"7 bits", Dds_Header(1, 1, 7, {1, 2, 4, 0}) + Bytes(4), "7 bits a texel"},

@@ -3,7 +3,6 @@
 #include "common/Reports.h"
 #include "vrGraphics/drivercommon/PictureFiles.h"
 #include "vrGraphics/drivercommon/vrGraphicsStats.h"
-#include "vrGraphics/drivercommon/vrParticleScratch.h"
 #include "vrGraphics/nulldriver/vrNullDriverMethods.h"
 
 #include <gmock/gmock.h>
@@ -11,7 +10,6 @@
 #include <cmath>
 
 using namespace MKTest;
-using testing::ElementsAre;
 using testing::HasSubstr;
 
 namespace
@@ -61,7 +59,6 @@ TEST_F(Driver, TexturesAreFoundInTheOrderOfTheFolders)
     Directory.Write("first/c.dds", Dds_Header(4, 4, 1, "DXT1") + Bytes(8));
     Directory.Write("second/c.tga", Grey_Tga(5, 1));
     Directory.Write("second/d.dds", Dds_Header(8, 4, 1, "DXT1") + Bytes(16));
-    Directory.Write("second/d.tga.bak", Grey_Tga(7, 1));
     Directory.Write("second/e.png", Grey_Tga(9, 1)); // by what it holds, whatever its name
     Directory.Write("second/sub/f.tga", Grey_Tga(10, 1));
     const struct
@@ -79,7 +76,6 @@ TEST_F(Driver, TexturesAreFoundInTheOrderOfTheFolders)
         {"a folder inside of the folders", "sub/f.tga", 10},
         {"out of the folders", "..\\second\\a.tga", 0},
         {"out of them from inside", "sub\\../..\\second\\a.tga", 0},
-        {"nothing", "", 0},
     };
     for (const auto &row : rows) EXPECT_EQ(Width_Of(row.name), row.width) << row.what;
     EXPECT_EQ(Width_Of(Directory / "first/a.tga"), 0) << "from the root";
@@ -118,40 +114,6 @@ TEST_F(Driver, OneNameIsOneTextureUntilItIsFreed)
     EXPECT_EQ(Width_Of("a.tga"), 2);
 }
 
-TEST_F(Driver, AFrameIsOpenBetweenItsEnds)
-{
-    TheGraphicsDriver->End_Frame();
-    EXPECT_TRUE(
-        Told.Has_Assert("vrGraphicsDriver::m_bInsideFrame && \"Ending a frame when currently not inside frame. \""));
-
-    EXPECT_TRUE(TheGraphicsDriver->Begin_Frame());
-    EXPECT_TRUE(vrGraphicsDriver::Is_Inside_Frame());
-    EXPECT_NE(ParticleScratch::Allocate(4, VR_LIT_VERTEX), nullptr);
-    TheGraphicsDriver->End_Frame();
-    EXPECT_FALSE(vrGraphicsDriver::Is_Inside_Frame());
-    EXPECT_EQ(ParticleScratch::Get_Used_Bytes(), 0u);
-}
-
-TEST_F(Driver, StateBlocksAreCheckedAndPassedOnWhenTheyDiffer)
-{
-    vrGraphicsStats::Get_Stats(true);
-    vrRenderStateBlock block;
-    TheGraphicsDriver->Set_Render_State_Block(block);
-    TheGraphicsDriver->Set_Render_State_Block(block);
-    block.m_blendState = VR_BLEND_ADDITIVE;
-    TheGraphicsDriver->Set_Render_State_Block(block);
-    EXPECT_EQ(vrGraphicsStats::Get_Stats(true).StateChanges, 2);
-    EXPECT_TRUE(Told.Get_Asserts().empty());
-
-    block.m_rasterizeState = VR_RENDER_STATE_INVALID;
-    block.m_blendState = VR_RENDER_STATE_INVALID;
-    TheGraphicsDriver->Set_Render_State_Block(block);
-    EXPECT_THAT(
-        Told.Get_Asserts(),
-        ElementsAre("(rs.m_rasterizeState != VR_RENDER_STATE_INVALID) && \"Invalid rasterize state. Call Brem.\"",
-                    "(rs.m_blendState != VR_RENDER_STATE_INVALID) && \"Invalid blend state. Call Brem.\""));
-}
-
 TEST_F(Driver, StatisticsStandUntilSomethingNewWasCounted)
 {
     vrGraphicsStats::Get_Stats(true);
@@ -163,40 +125,22 @@ TEST_F(Driver, StatisticsStandUntilSomethingNewWasCounted)
     EXPECT_EQ(vrGraphicsStats::Get_Stats(true).ParticlesSimulated, 0);
 }
 
-TEST(DriverStatics, FeaturesAndPathsNeedNoDriver)
-{
-    EXPECT_EQ(vrGraphicsDriver::Get_Toggleable_States(), 0xFFFFFFFEE7DBFFFFu);
-    vrGraphicsDriver::Enable(0x200000, true);
-    EXPECT_EQ(vrGraphicsDriver::Get_Toggleable_States(), 0xFFFFFFFEE7FBFFFFu);
-    vrGraphicsDriver::Enable(0x200000, false);
-    EXPECT_TRUE(vrGraphicsDriver::Is_Enabled(0x3));
-    EXPECT_FALSE(vrGraphicsDriver::Is_Enabled(0x200001)) << "all of the bits are asked for";
-
-    vrGraphicsDriver::Clear_Effects_Path();
-    vrGraphicsDriver::Add_Effects_Path("..\\Shaders");
-    vrGraphicsDriver::Add_Effects_Path("..\\Shaders\\Particle\\");
-    EXPECT_THAT(vrGraphicsDriver::Get_Effects_Path(), ElementsAre("..\\Shaders\\", "..\\Shaders\\Particle\\"));
-    vrGraphicsDriver::Clear_Effects_Path();
-}
-
 TEST(DriverStatics, GammaMakesTheTablesOfBothWays)
 {
     const Reports reports;
     vrGraphicsDriver::Set_Gamma(2.0f);
-    EXPECT_EQ(vrGraphicsDriver::Get_Gamma_Table(0).Convert(0.5f), 0.25f);
+    const auto square = [](float channel) { return vrGraphicsDriver::Get_Gamma_Table(0).Convert(channel); };
+    EXPECT_EQ(square(512.49f / 1024.0f), 0.25f); // the nearest of 1024 steps
+    EXPECT_EQ(square(512.51f / 1024.0f), 513.0f * 513.0f / (1024.0f * 1024.0f));
+    EXPECT_EQ(square(INFINITY), 1.0f);
+    EXPECT_EQ(square(-0.5f), 0.0f);
+    EXPECT_EQ(square(std::nanf("")), 0.0f);
+    EXPECT_EQ(vrGraphicsDriver::Get_Gamma_Table(0).Convert({0.5f, 1.0f, 0.0f, 3.0f}),
+              (RGBAClass{0.25f, 1.0f, 0.0f, 3.0f}));
     EXPECT_EQ(vrGraphicsDriver::Get_Gamma_Table(1).Convert(0.25f), 0.5f);
     for (const float exponent : {0.0f, -1.0f, std::nanf("")}) {
         vrGraphicsDriver::Set_Gamma(exponent);
         EXPECT_EQ(vrGraphicsDriver::Get_Gamma_Table(0).Convert(0.5f), 0.5f) << exponent;
     }
     EXPECT_EQ(reports.Count_Asserts("exponent > 0.0f"), 3);
-}
-
-TEST(DriverStatics, AChainNeedsANameAndADriver)
-{
-    Reports reports;
-    EXPECT_FALSE(vrGraphicsDriver::Load_PostFxs_Chain(nullptr));
-    EXPECT_TRUE(reports.Has_Assert("file_name && \"PostFxs chain file name is NULL. Call Brem.\""));
-    EXPECT_FALSE(vrGraphicsDriver::Load_PostFxs_Chain("Chain.xml"));
-    EXPECT_TRUE(reports.Has_Log("VorenLog: The post-effects of Chain.xml can't be loaded"));
 }

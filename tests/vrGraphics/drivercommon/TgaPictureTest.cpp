@@ -37,14 +37,13 @@ Bytes With_Name(Bytes header, uint8_t length)
 TEST(TgaPicture, EveryFormBecomesFourBytesATexelFromTheTop)
 {
     Expect_Texels({
-        {"24 bits, from the bottom", Tga_Header(2, 1, 2, 24, 0) + Bytes{3, 2, 1, 6, 5, 4}, "040506ff 010203ff"},
+        {"from the bottom", Tga_Header(2, 1, 2, 24, 0) + Bytes{3, 2, 1, 6, 5, 4}, "040506ff 010203ff"},
         {"from the right", Tga_Header(2, 2, 1, 24, TOP | RIGHT) + Bytes{3, 2, 1, 6, 5, 4}, "040506ff 010203ff"},
         {"32 bits", Tga_Header(2, 1, 1, 32, TOP | 8) + Bytes{3, 2, 1, 0x80}, "01020380"},
         // 0x7c00 is all of red and 0x83ff alpha with all of green and blue; 0x4210 is 16 of 31 each: 16 * 8 + 16 / 4
         {"16 bits", Tga_Header(2, 3, 1, 16, TOP) + Bytes{0x00, 0x7c, 0xff, 0x83, 0x10, 0x42},
          "ff0000ff 00ffffff 848484ff"},
         {"16 bits with alpha", Tga_Header(2, 2, 1, 16, TOP | 1) + Bytes{0x00, 0x7c, 0xff, 0x83}, "ff000000 00ffffff"},
-        {"grey", Tga_Header(3, 2, 1, 8, TOP) + Bytes{7, 250}, "070707ff fafafaff"},
         {"grey and alpha", Tga_Header(3, 1, 1, 16, TOP | 8) + Bytes{7, 9}, "07070709"},
         {"palette that starts at 2",
          With_Palette(Tga_Header(1, 3, 1, 8, TOP), 2, 2, 24) + Bytes{3, 2, 1, 6, 5, 4} + Bytes{3, 2, 0},
@@ -63,10 +62,8 @@ TEST(TgaPicture, WhatIsNoPictureIsRefusedWithItsReason)
     Expect_Refused({
         {"nothing", {}, "the file is empty"},
         {"seventeen bytes", Bytes(17), "17 bytes are too short"},
-        {"no kind", Tga_Header(0, 1, 1, 24, 0) + Bytes(3), "neither a PNG, a DDS nor a TGA"},
         {"colour of 8 bits", Tga_Header(2, 1, 1, 8, 0) + Bytes(1), "neither a PNG, a DDS nor a TGA"},
         {"a palette that isn't there", Tga_Header(1, 1, 1, 8, 0) + Bytes(1), "neither a PNG, a DDS nor a TGA"},
-        {"no width", Tga_Header(2, 0, 1, 24, 0), "a picture of 0 by 1 texels"},
         {"too wide", Tga_Header(2, 16385, 1, 24, 0), "a picture of 16385 by 1 texels, expected 1 to 16384 a side"},
         {"too large in all", Tga_Header(10, 16384, 4097, 24, 0), "at most 67108864 in all"},
         // refused before there is memory for it: 16384 x 4096 texels of 3 bytes, and runs of 2^26 / 128 times 4 bytes
@@ -108,5 +105,4 @@ TEST(TgaPicture, WhatIsWrittenIsReadBack)
     EXPECT_EQ(picture.Levels.at(0).Width, WIDTH);
     EXPECT_EQ(picture.Levels.at(0).Bytes, pixels);
     EXPECT_FALSE(Write_Tga(file, 65536, 1, pixels.data(), error));
-    EXPECT_EQ(error, "a picture of 65536 by 1 texels can't be written");
 }

@@ -9,14 +9,15 @@
 namespace MKTest
 {
 
-bool LoadedEmitter::Has_Finding(std::string_view place, std::string_view found, std::string_view becomes) const
+testing::AssertionResult LoadedEmitter::Has_Finding(std::string_view place, std::string_view found,
+                                                    std::string_view becomes) const
 {
     for (const LoadReport::Finding &finding : findings) {
         if (finding.Place == place && finding.Found.find(found) != std::string::npos &&
             finding.Result.find(becomes) != std::string::npos)
-            return true;
+            return testing::AssertionSuccess();
     }
-    return false;
+    return testing::AssertionFailure() << Describe_Findings();
 }
 
 std::string LoadedEmitter::Describe_Findings() const

@@ -7,6 +7,8 @@
 #include "vrGraphics/effect/vrMKParticleEmitter.h"
 #include "vrGraphics/effect/vrMKParticleGroup.h"
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,7 +35,7 @@ struct LoadedEmitter
     vrMKParticleGroup &Group_At(int index) const { return Get<vrMKParticleGroup>(index); }
     vrMKParticle &Layer_At(int group, int layer) const { return *Group_At(group).Get_Particle(layer); }
     /// Whether some finding has these parts.
-    bool Has_Finding(std::string_view place, std::string_view found, std::string_view result) const;
+    testing::AssertionResult Has_Finding(std::string_view place, std::string_view found, std::string_view result) const;
     std::string Describe_Findings() const;
 };
 

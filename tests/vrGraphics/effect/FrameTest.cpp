@@ -2,16 +2,10 @@
 
 #include "common/Reports.h"
 
-#include "MKLib/Parameters/EnumParameter.h"
-#include "MKLib/Parameters/KeyedParameters.h"
 #include "MKLib/Parameters/ShapeParameter.h"
 #include "MKLib/Parameters/SimpleParameters.h"
-#include "vrGraphics/effect/vrMKPContext.h"
 #include "vrGraphics/scene/vrSimpleScene.h"
 
-#include <gmock/gmock.h>
-
-#include <cstring>
 #include <limits>
 
 namespace
@@ -145,46 +139,13 @@ TEST(Frame, WhatRunsAheadOfAStartIsBoundedByTheRingThatItComesToHave)
         << reports.Get_Text();
 }
 
-TEST(Frame, ALayerRunsByItsQualityChanceIndexAndHiding)
+TEST(Frame, ALayerWithoutAChanceDoesNotRun)
 {
-    const struct
-    {
-        const char *what;
-        void (*arrange)(Stage &, vrMKParticle &);
-        bool runs;
-    } cases[] = {
-        {"no chance", [](Stage &, vrMKParticle &l) { Set(l.Get_Spawner(), "Probability", 0.0f); }, false},
-        {"too low a quality",
-         [](Stage &, vrMKParticle &l) {
-             l.Get_Spawner()->Set_LOD(4);
-             vrMKPSpawner::Set_Global_LOD(0.75f);
-         },
-         false},
-        {"just enough quality",
-         [](Stage &, vrMKParticle &l) {
-             l.Get_Spawner()->Set_LOD(3);
-             vrMKPSpawner::Set_Global_LOD(0.75f);
-         },
-         true},
-        {"another index",
-         [](Stage &s, vrMKParticle &l) {
-             dynamic_cast<MaskParameter &>(*l.Get_Spawner()->Get_Parameter_By_Name("Alt Indices")).Set_Value(0b100);
-             s.Emitter->Set_Alt_Index(1);
-         },
-         false},
-        {"hidden, endless", [](Stage &s, vrMKParticle &) { s.Emitter->Set_Hidden(true); }, false},
-    };
-    for (const auto &row : cases) {
-        SCOPED_TRACE(row.what);
-        Stage stage;
-        stage.Emitter->Set_Remove_On_Depleted(false);
-        vrMKParticle &layer = stage.Add_Layer();
-        row.arrange(stage, layer);
-        stage.Play(3);
-        const vrMKPBuffer *buffer = layer.Get_Buffer();
-        EXPECT_EQ(buffer && buffer->ActiveCount > 0, row.runs);
-        vrMKPSpawner::Set_Global_LOD_Level(4);
-    }
+    Stage stage;
+    stage.Emitter->Set_Remove_On_Depleted(false);
+    Set(stage.Add_Layer().Get_Spawner(), "Probability", 0.0f);
+    stage.Play(3);
+    EXPECT_FALSE(stage.Group->Get_Particle(0)->Get_Buffer());
 }
 
 TEST(Frame, AnEffectWithAnEndKeepsTheQualityThatItStartedWith)
@@ -220,21 +181,6 @@ TEST(Frame, AHardwareLayerPlaysBesideItsBufferCountsCyclesAndEnds)
     EXPECT_NE(stage.Emitter->Get_Scene(), nullptr);
     stage.Play(4);
     EXPECT_EQ(stage.Emitter->Get_Scene(), nullptr);
-}
-
-TEST(Frame, ASpentEmitterLeavesItsScene)
-{
-    const EditorMode editor(true);
-    Stage stage;
-    Set(stage.Add_Layer().Get_Spawner(), "Stop Time", 0.5f);
-    Set(stage.Add_Layer("late").Get_Spawner(), "Stop Time", 0.2f);
-    Set(stage.Group->Get_Particle(1)->Get_Spawner(), "Start Delay", 0.4f);
-    stage.Play(14); // 0.5 s of spawning, the last of 1 s of life
-    EXPECT_NE(stage.Emitter->Get_Scene(), nullptr);
-    stage.Play(4);
-    EXPECT_EQ(stage.Emitter->Get_Scene(), nullptr);
-    EXPECT_TRUE(stage.Emitter->Is_Depleted());
-    EXPECT_EQ(stage.Emitter->Get_Particle_Renderable_Count(), 1); // an editor keeps the definition
 }
 
 TEST(Frame, ARestartPlaysTheSameAgain)
@@ -329,57 +275,26 @@ TEST(Frame, CapacitiesOfAnySizePlayOrAreRefusedByName)
 
 TEST(Frame, ScaleTurnsIntoSizesAndTheTransformIsFreeOfIt)
 {
-    const struct
-    {
-        float scale;
-        float multiplier;
-        float positionScale;
-    } cases[] = {
-        {1.0f, 1.0f, 1.0f}, {1.004f, 1.003f, 1.0f}, {3.0f, 2.5f, 3.0f}, {0.5f, 0.5f, 0.5f}, {0.0f, 0.01f, 0.01f}};
-    for (const auto &row : cases) {
-        SCOPED_TRACE(row.scale);
+    const std::tuple<float, float, float> cases[] = {
+        {1.004f, 1.003f, 1.0f}, {3.0f, 2.5f, 3.0f}, {0.5f, 0.5f, 0.5f}, {0.0f, 0.01f, 0.01f}};
+    for (const auto &[scale, multiplier, positionScale] : cases) {
+        SCOPED_TRACE(scale);
         Stage stage;
         stage.Add_Layer();
         stage.Group->Set_Scale_Enabled(true);
-        Mat3DClass place = Mat3DClass().Scaled(row.scale);
+        Mat3DClass place = Mat3DClass().Scaled(scale);
         place.Set_Translation({10.0f, 0.0f, 0.0f});
         stage.Emitter->Set_Transform(place);
         stage.Play(1);
         const vrMKPRenderState &state = stage.Group->Get_State();
-        EXPECT_NEAR(state.RenderSizeMultiplier, row.multiplier, 1e-5f);
-        EXPECT_NEAR(state.PositionScale, row.positionScale, 1e-5f);
-        EXPECT_NEAR(state.PositionOffset.x, 10.0f - 10.0f * row.positionScale, 1e-4f);
+        EXPECT_NEAR(state.RenderSizeMultiplier, multiplier, 1e-5f);
+        EXPECT_NEAR(state.PositionScale, positionScale, 1e-5f);
+        EXPECT_NEAR(state.PositionOffset.x, 10.0f - 10.0f * positionScale, 1e-4f);
         EXPECT_EQ(state.Get_Position(), Vector3(10.0f, 0.0f, 0.0f));
-        if (row.scale > 0.0f) {
+        if (scale > 0.0f) {
             EXPECT_NEAR(state.Transform.Get_Uniform_Scale(), 1.0f, 1e-5f);
         }
     }
-}
-
-TEST(Frame, DeathsReachTheirListenerAndFaultsAreNamed)
-{
-    Stage stage;
-    vrMKParticle &parent = stage.Add_Layer("parent");
-    Set(parent.Get_Stomper(), "Spawn on Age", true);
-    vrMKParticle &child = stage.Add_Layer("child", 40);
-    dynamic_cast<StringParameterClass &>(*child.Get_Spawner()->Get_Parameter_By_Name("Parent Name"))
-        .Set_Value("PARENT");
-    Set(child.Get_Spawner(), "Particles / Death", 3.0f);
-    stage.Play(8);
-    EXPECT_EQ(stage.Live(1), 0);
-    stage.Play(4);
-    EXPECT_GT(stage.Live(1), 0);
-    EXPECT_EQ(stage.Live(1) % 3, 0);
-
-    const MKTest::Reports reports;
-    stage.Group->On_Parent_Particle_Death(nullptr, {}, {}, 0.0f, nullptr);
-    stage.Group->On_Parent_Particle_Death(&parent, {}, {}, 0.0f, nullptr);
-    parent.Set_Spawner(nullptr);
-    stage.Group->On_Parent_Particle_Death(&parent, {}, {}, 0.0f, nullptr);
-    EXPECT_THAT(reports.Get_Asserts(),
-                testing::ElementsAre("particle == NULL",
-                                     "particle->Get_Spawner()->Get_Plugin_Class() != vrMKPPlugin::kvrMKPDeathSpawner",
-                                     "particle->Get_Spawner() == NULL"));
 }
 
 TEST(Frame, TheLastDeathOfAnEffectStillBursts)

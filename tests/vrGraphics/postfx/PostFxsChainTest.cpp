@@ -53,7 +53,6 @@ TEST_F(PostFxsChain, ReadsEffectsAndTheirStepsInOrder)
         << Reports.Get_Text();
     ASSERT_EQ(Chain.Get_Effects().size(), 3u);
     const vrPostFx &bloom = *Chain.Get_Effects()[0];
-    EXPECT_EQ(bloom.Name, "Bloom");
     EXPECT_EQ(bloom.Type, vrPostFx::VR_POSTFX_TYPE_ENGINE_BLOOM);
     EXPECT_EQ(bloom.Priority, 3);
     EXPECT_FALSE(Chain.Get_Effects()[1]->Enabled);
@@ -63,10 +62,8 @@ TEST_F(PostFxsChain, ReadsEffectsAndTheirStepsInOrder)
 
     ASSERT_EQ(bloom.Steps.size(), 2u);
     const vrPostFxStep &blur = bloom.Steps[0];
-    EXPECT_EQ(blur.Name, "Blur.xml");
     EXPECT_EQ(blur.InputMode, FROM_IRT1);
     EXPECT_EQ(blur.OutputMode, TO_IRT0);
-    EXPECT_EQ(blur.QuadMaxX, 0.5f);
     EXPECT_EQ(blur.QuadMaxY, 0.25f);
     ASSERT_EQ(blur.Params.size(), 2u);
     EXPECT_EQ(blur.Params[0].Value, &bloom.Params.at("Threshold"));
@@ -75,31 +72,15 @@ TEST_F(PostFxsChain, ReadsEffectsAndTheirStepsInOrder)
     EXPECT_TRUE(Reports.Has_Log("of the step Blur.xml has no parameter Unknown"));
     blur.Set_Params();
     EXPECT_THAT(Driver.Lines, ElementsAre("set Direction 3.00 -4.0", "set Threshold 0.75"));
-
-    EXPECT_EQ(bloom.Steps[1].InputMode, FROM_MAIN_RT);
     EXPECT_EQ(bloom.Steps[1].OutputMode, TO_MAIN_RT);
-    EXPECT_EQ(bloom.Steps[1].QuadMaxX, 1.0f);
-}
-
-TEST_F(PostFxsChain, AssertsParamsOfOneNameAndKeepsTheFirst)
-{
-    EXPECT_TRUE(Load("<C><PostFx><Steps><Step template_file='Plain.xml'><Params>"
-                     "<Param name='A' type='float' value='1'/><Param name='A' type='float' value='2'/>"
-                     "</Params></Step></Steps></PostFx></C>"));
-    EXPECT_EQ(Reports.Count_Asserts("false && \"Conflicting param names in a postfx. Call Brem.\""), 1);
-    EXPECT_EQ(Chain.Get_Effects()[0]->Params.at("A").Numbers[0], 1.0f);
 }
 
 TEST_F(PostFxsChain, TellsWhatItCouldNotRead)
 {
-    Folder.Write("PostFxSteps/NoShader.xml", "<S><InputMode>FROM_IRT0</InputMode></S>");
     Folder.Write("PostFxSteps/Lost.xml", "<S><Shader>Lost</Shader></S>");
     Folder.Write("PostFxSteps/BadMode.xml", "<S><Shader>A</Shader><InputMode>FROM_NOWHERE</InputMode></S>");
-    Folder.Write("PostFxSteps/BadQuad.xml", "<S><Shader>A</Shader><QuadMax>0 1</QuadMax></S>");
     Folder.Write("PostFxSteps/HugeQuad.xml", "<S><Shader>A</Shader><QuadMax>1 nan</QuadMax></S>");
     Folder.Write("PostFxSteps/BadSet.xml", "<S><Shader>A</Shader><SetParam name='A' type='float' value='one'/></S>");
-    Folder.Write("PostFxSteps/BadKind.xml", "<S><Shader>A</Shader><SetParam name='A' type='int' value='1'/></S>");
-    Folder.Write("PostFxSteps/NoParams.xml", "<S><Shader>A</Shader><Params/></S>");
     Folder.Write("PostFxSteps/Broken.xml", "<S><Shader>A</S>");
     Driver.MissingShaders = {"Lost"};
     constexpr const char *ENTRY = "ERROR: Failed to parse a PostFx entry";
@@ -108,37 +89,24 @@ TEST_F(PostFxsChain, TellsWhatItCouldNotRead)
     const auto step = [](const std::string &file, const std::string &inside = "") {
         return "<Steps><Step template_file='" + file + "'>" + inside + "</Step></Steps>";
     };
-    const struct
-    {
-        std::string inside;
-        std::vector<const char *> logs;
-    } rows[] = {
+    const std::pair<std::string, std::vector<const char *>> rows[] = {
         {"", {"ERROR: Failed to perform inital descend while parsing a <PostFx>", ENTRY}},
         {"<Type>BLOOM</Type>", {"unknown effect type 'BLOOM'", ENTRY}},
-        {"<Priority>high</Priority>", {"not a priority: 'high'", ENTRY}},
         {"<Steps/>", {"ERROR: Failed to perform inital descend while parsing <Steps>", STEPS, ENTRY}},
-        {step(""), {"can't read the file", STEP, STEPS, ENTRY}},
         {step("None.xml"), {"PostFxSteps\\None.xml'", STEP, STEPS, ENTRY}},
         {step("..\\PostFxSteps\\Plain.xml"), {"can't read the file", STEP}},
         {step("Lost.xml"), {"no shader for the step 'Lost.xml'", STEP}},
-        {step("NoShader.xml"), {"no shader for the step 'NoShader.xml'", STEP}},
         {step("BadMode.xml"), {"unknown input mode 'FROM_NOWHERE'", "a step can't be read: 'BadMode.xml'", STEP}},
-        {step("BadQuad.xml"), {"QuadMax isn't above 0 and up to 1: '0 1'", STEP}},
         {step("HugeQuad.xml"), {"not two numbers in QuadMax: '1 nan'", STEP}},
         {step("BadSet.xml"), {"not the numbers of a float: 'one'", "ERROR: Failed to set PostFxStep param", STEP}},
-        {step("BadKind.xml"), {"unknown type of a param: 'int'", "ERROR: Failed to set PostFxStep param", STEP}},
-        {step("NoParams.xml"),
-         {"ERROR: Failed to perform inital descend while parsing <Params>", "ERROR: Failed to parse <Params>", STEP}},
         {step("Broken.xml"), {"Broken.xml is refused", "can't read the file", STEP}},
-        {step("Plain.xml", "just text"),
-         {"ERROR: Failed to perform inital descend while parsing <Step> from PostFx file", STEP}},
         {step("Plain.xml", "<Params/>"), {"ERROR: Failed to parse <Params>", STEP, STEPS, ENTRY}},
         {step("Plain.xml", "<Params><Param type='float' value='1'/></Params>"),
          {"a param without a name has the value '1'", "ERROR: Failed to parse <Params>"}},
     };
-    for (const auto &row : rows) {
-        EXPECT_FALSE(Load("<C><PostFx><Name>Whole</Name></PostFx><PostFx>" + row.inside + "</PostFx></C>"));
-        for (const char *log : row.logs) EXPECT_THAT(Reports.Get_Text(), HasSubstr(log)) << row.inside;
+    for (const auto &[inside, logs] : rows) {
+        EXPECT_FALSE(Load("<C><PostFx><Name>Whole</Name></PostFx><PostFx>" + inside + "</PostFx></C>"));
+        for (const char *log : logs) EXPECT_THAT(Reports.Get_Text(), HasSubstr(log)) << inside;
         ASSERT_EQ(Chain.Get_Effects().size(), 2u) << "what was read stays";
         EXPECT_EQ(Chain.Get_Effects()[0]->Name, "Whole");
     }
@@ -146,11 +114,9 @@ TEST_F(PostFxsChain, TellsWhatItCouldNotRead)
 
 TEST_F(PostFxsChain, RefusesFilesThatAreNotThereOrNotXml)
 {
-    EXPECT_TRUE(Load("<C>text<Other/></C>"));
     EXPECT_FALSE(Chain.Load_Template("None.xml", Driver));
     EXPECT_TRUE(Reports.Has_Log("PostFxsChains\\None.xml'"));
     EXPECT_FALSE(Load("<C><PostFx>"));
-    EXPECT_FALSE(Load(""));
 }
 
 TEST_F(PostFxsChain, HoldsNoMoreThanItsLimits)

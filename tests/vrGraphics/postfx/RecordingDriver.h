@@ -79,7 +79,6 @@ public:
     vrRenderModeType Mode = VR_RENDER_MODE_NORMAL;
     vrViewport Viewport{0, 0, 64, 32};
     vrLitVertex Vertices[4] = {};
-    bool HasVertices = true;
 
     RecordingDriver()
     {
@@ -158,7 +157,7 @@ protected:
     void *Begin_Draw(vrPrimVertexType type, vrPrimitiveKind kind, int count, int, uint16_t **) override
     {
         const bool isQuad = type == VR_LIT_VERTEX && kind == VR_PRIMITIVE_QUADS && count == 4;
-        return HasVertices && isQuad ? Vertices : nullptr;
+        return isQuad ? Vertices : nullptr;
     }
     void End_Draw(vrPrimVertexType) override {}
 

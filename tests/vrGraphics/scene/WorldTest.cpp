@@ -1,6 +1,5 @@
 #include "vrGraphics/scene/vrGroundPlane.h"
 #include "vrGraphics/scene/vrHeightField.h"
-#include "vrGraphics/scene/vrMovingTarget.h"
 #include "vrGraphics/scene/vrSimpleCarrier.h"
 
 #include "MKLib/Random.h"
@@ -43,17 +42,11 @@ void Expect_Near(const Vector3 &actual, const Vector3 &expected, const char *wha
 
 } // namespace
 
+// In the middle 15 far and 5 near, three to one.
 TEST(HeightField, IsBilinearBetweenItsHeightsAndGoesOnBeyondItsEdges)
 {
-    const struct
-    {
-        float x, y, height;
-    } rows[] = {
-        {-10, 5, 0},  {10, 5, 20},      {10, -5, 0}, {-5, 5, 5}, {5, 2.5, 12.5}, // 15 far and 5 near, three to one
-        {100, 0, 10}, {-100, -100, 20},
-    };
-    for (const auto &row : rows)
-        EXPECT_FLOAT_EQ(CROSSED.Get_Height(row.x, row.y), row.height) << row.x << ", " << row.y;
+    const Vector3 places[] = {{-10, 5, 0}, {-5, 5, 5}, {5, 2.5, 12.5}, {100, 0, 10}, {-100, -100, 20}};
+    for (const Vector3 &at : places) EXPECT_FLOAT_EQ(CROSSED.Get_Height(at.x, at.y), at.z) << at.x << ", " << at.y;
     EXPECT_FLOAT_EQ(vrHeightField({51}, 1, 1, 1.0f, 1.0f, 10.0f).Get_Height(7.0f, -7.0f), 2.0f);
     EXPECT_EQ(CROSSED.Get_Height(NAN_VALUE, 0.0f), 0.0f);
     EXPECT_EQ(CROSSED.Get_Height(0.0f, INFINITE), 0.0f);
@@ -63,35 +56,23 @@ TEST(Ground, AWayHitsItWhereItFirstGoesThroughFromAbove)
 {
     const float steep = 0.5f / std::sqrt(1.5f);
     const float root = HALF_ROOT;
+    const Vector3 up(0.0f, 0.0f, 1.0f), slope(-root, 0.0f, root), bulge(-steep, steep, 2 * steep),
+        far(-0.5f, -0.5f, root);
     const Way ways[] = {
-        {"straight down", PLANE, {1, 2, 5}, {1, 2, 1}, true, {1, 2, 3}, {0, 0, 1}},
-        {"aslant", PLANE, {0, 0, 7}, {8, 4, -1}, true, {4, 2, 3}, {0, 0, 1}},
+        {"aslant", PLANE, {0, 0, 7}, {8, 4, -1}, true, {4, 2, 3}, up},
         {"onto the ground", PLANE, {1, 2, 5}, {1, 2, 3}, false},
         {"from far off", PLANE, {0, 0, INFINITE}, {0, 0, 1}, false},
-        {"down on a ramp", RAMP, {0, 1, 10}, {0, 1, 0}, true, {0, 1, 5}, {-root, 0, root}},
-        {"level into a ramp", RAMP, {-5, 0, 2}, {5, 0, 2}, true, {-3, 0, 2}, {-root, 0, root}},
+        {"level into a ramp", RAMP, {-5, 0, 2}, {5, 0, 2}, true, {-3, 0, 2}, slope},
         {"level out of a ramp", RAMP, {5, 0, 2}, {-5, 0, 2}, false},
-        {"into a ramp from beyond its edge", RAMP, {-20, 3, 5}, {20, 3, 5}, true, {0, 3, 5}, {-root, 0, root}},
+        {"into a ramp from beyond its edge", RAMP, {-20, 3, 5}, {20, 3, 5}, true, {0, 3, 5}, slope},
         {"onto a ramp", RAMP, {0, 1, 10}, {0, 1, 5}, false},
-        {"from a ramp down", RAMP, {0, 1, 5}, {0, 1, 4}, true, {0, 1, 5}, {-root, 0, root}},
+        {"from a ramp down", RAMP, {0, 1, 5}, {0, 1, 4}, true, {0, 1, 5}, slope},
         {"nowhere over a ramp", RAMP, {0, 1, 5}, {0, NAN_VALUE, 4}, false},
         // Along the diagonal a = b = t the saddle is 4 t (1 - t), with its top of 1 in the middle: 3/4 at t = 1/4.
-        {"into a saddle's bulge",
-         SADDLE,
-         {-1, 1, 0.75f},
-         {1, -1, 0.75f},
-         true,
-         {-0.5f, 0.5f, 0.75f},
-         {-steep, steep, 2 * steep}},
-        {"past a saddle's bulge", SADDLE, {-1, 1, 1.0f}, {1, -1, 1.0f}, false},
+        {"into a bulge", SADDLE, {-1, 1, 0.75f}, {1, -1, 0.75f}, true, {-0.5f, 0.5f, 0.75f}, bulge},
+        {"past a bulge", SADDLE, {-1, 1, 1.0f}, {1, -1, 1.0f}, false},
         // Along the other one it is 2 - 4 t (1 - t): 3/2 at t = 1/2 -+ sqrt(1/8), the first of which is the way out.
-        {"out of the ground and in again",
-         SADDLE,
-         {-1, -1, 1.5f},
-         {1, 1, 1.5f},
-         true,
-         {root, root, 1.5f},
-         {-root / std::sqrt(2.0f), -root / std::sqrt(2.0f), root}},
+        {"out and in again", SADDLE, {-1, -1, 1.5f}, {1, 1, 1.5f}, true, {root, root, 1.5f}, far},
     };
     for (const Way &way : ways) {
         Vector3 hit;
@@ -135,13 +116,6 @@ TEST(HeightField, NoWayTunnelsThroughASeam)
     EXPECT_GT(hits, 1000);
 }
 
-TEST(MovingTarget, MovesAtItsSpeed)
-{
-    const vrMovingTarget target({3.0f, 4.0f, 0.0f}, {2.0f, 0.0f, -1.0f});
-    Expect_Near(target.Get_Position(2.5), {8, 4, -2.5f}, "after a while");
-    EXPECT_FLOAT_EQ(target.Get_Flight_Seconds({0.0f, 0.0f, 0.0f}, 2.0f), 2.5f);
-}
-
 TEST(SimpleCarrier, AnswersForItsBonesItsMeshAndItsTrajectory)
 {
     vrSimpleCarrier carrier;
@@ -150,7 +124,6 @@ TEST(SimpleCarrier, AnswersForItsBonesItsMeshAndItsTrajectory)
     carrier.Set_Transform(place);
     const int hand = carrier.Add_Bone("Hand", Mat3DClass::From_Translation({10.0f, 0.0f, 5.0f}));
     EXPECT_EQ(carrier.Find_Bone("hAND"), hand);
-    EXPECT_EQ(carrier.Find_Bone("foot"), -1);
     Expect_Near(carrier.Get_Bone_Transform(hand).Get_Translation(), {100, 10, 5}, "bone");
     Expect_Near(carrier.Get_Bone_Transform(-1).Get_Translation(), {100, 0, 0}, "model");
 
@@ -159,7 +132,6 @@ TEST(SimpleCarrier, AnswersForItsBonesItsMeshAndItsTrajectory)
     EXPECT_FALSE(carrier.Set_Mesh(corners, {}, {0, 1, 3}));
     EXPECT_FALSE(carrier.Set_Mesh(corners, {}, {0, 1}));
     EXPECT_FALSE(carrier.Set_Mesh(corners, {{0, 0, 1}}, {}));
-    EXPECT_EQ(carrier.Get_Spawn_Mesh().Bone, hand);
 
     float fraction = -1.0f;
     EXPECT_FALSE(carrier.Get_Trajectory_Fraction({0, 0, 0}, fraction));
