@@ -8,48 +8,56 @@
 namespace
 {
 
-using Particle::Change_Whole_Registers;
+using Particle::Change_In_Wide_Lanes;
 using Particle::For_Whole_Registers;
+using Particle::For_Wide_Lanes;
+using Particle::WIDE_LANES;
 
-/// What is infinite or no number less itself isn't 0, and all else is.
-MK_INLINE uint32_t Invalid_Bits(float value)
+/// What was infinite or no number. Each lane has its own bits, so that they stay in registers.
+struct Faults
 {
-    return std::bit_cast<uint32_t>(value - value);
+    MK_INLINE void Look_At(float value, int lane)
+    {
+        Bits[lane] |= std::bit_cast<uint32_t>(value - value); // of all other numbers that is 0
+    }
+    MK_INLINE bool Are_Any() const
+    {
+        uint32_t any = 0;
+        for (int lane = 0; lane < WIDE_LANES; ++lane) any |= Bits[lane];
+        return any != 0;
+    }
+
+    uint32_t Bits[WIDE_LANES] = {};
+};
+
+MK_SIMD bool Add_To_Floats(float *values, int count, float add)
+{
+    Faults faults;
+    Change_In_Wide_Lanes(values, count, [&](float value, int lane) MK_INLINE_LAMBDA {
+        const float sum = value + add;
+        faults.Look_At(sum, lane);
+        return sum;
+    });
+    return !faults.Are_Any();
 }
 
-MK_SIMD uint32_t Add_To_Floats(float *x, float *y, float *z, int count, const Vector3 &add)
+MK_SIMD bool Integrate_Floats(float *__restrict to, const float *__restrict from, const float *__restrict velocity,
+                              int count, float step)
 {
-    uint32_t invalid = 0;
-    const auto change = [&](float *values, float addend) MK_INLINE_LAMBDA {
-        Change_Whole_Registers(values, count, [&](float value) MK_INLINE_LAMBDA {
-            const float sum = value + addend;
-            invalid |= Invalid_Bits(sum);
-            return sum;
-        });
-    };
-    change(x, add.x);
-    change(y, add.y);
-    change(z, add.z);
-    return invalid;
-}
-
-MK_SIMD uint32_t Integrate_Floats(float *__restrict to, const float *__restrict from, const float *__restrict velocity,
-                                  int count, float step)
-{
-    uint32_t invalid = 0;
-    For_Whole_Registers(count, [&](int i) MK_INLINE_LAMBDA {
+    Faults faults;
+    For_Wide_Lanes(count, [&](int i, int lane) MK_INLINE_LAMBDA {
         const float moved = from[i] + velocity[i] * step;
         to[i] = moved;
-        invalid |= Invalid_Bits(moved);
+        faults.Look_At(moved, lane);
     });
-    return invalid;
+    return !faults.Are_Any();
 }
 
-MK_SIMD uint32_t Find_Invalid(const float *__restrict values, int count)
+MK_SIMD bool Are_Valid(const float *__restrict values, int count)
 {
-    uint32_t invalid = 0;
-    For_Whole_Registers(count, [&](int i) MK_INLINE_LAMBDA { invalid |= Invalid_Bits(values[i]); });
-    return invalid;
+    Faults faults;
+    For_Wide_Lanes(count, [&](int i, int lane) MK_INLINE_LAMBDA { faults.Look_At(values[i], lane); });
+    return !faults.Are_Any();
 }
 
 MK_SIMD void Fill_Floats(float *__restrict to, float value, int count)
@@ -98,21 +106,24 @@ void Fill(const vrMKPVectors &to, const Vector3 &vector, int count)
 
 bool Add_Vector(const vrMKPVectors &vectors, int count, const Vector3 &add)
 {
-    return Add_To_Floats(vectors.X, vectors.Y, vectors.Z, count, add) == 0;
+    const bool x = Add_To_Floats(vectors.X, count, add.x);
+    const bool y = Add_To_Floats(vectors.Y, count, add.y);
+    const bool z = Add_To_Floats(vectors.Z, count, add.z);
+    return x && y && z;
 }
 
 bool Integrate(const vrMKPVectors &to, const vrMKPConstVectors &from, const vrMKPConstVectors &velocity, int count,
                float step)
 {
-    const uint32_t x = Integrate_Floats(to.X, from.X, velocity.X, count, step);
-    const uint32_t y = Integrate_Floats(to.Y, from.Y, velocity.Y, count, step);
-    const uint32_t z = Integrate_Floats(to.Z, from.Z, velocity.Z, count, step);
-    return (x | y | z) == 0;
+    const bool x = Integrate_Floats(to.X, from.X, velocity.X, count, step);
+    const bool y = Integrate_Floats(to.Y, from.Y, velocity.Y, count, step);
+    const bool z = Integrate_Floats(to.Z, from.Z, velocity.Z, count, step);
+    return x && y && z;
 }
 
 bool Has_Invalid(const vrMKPConstVectors &vectors, int count)
 {
-    return (Find_Invalid(vectors.X, count) | Find_Invalid(vectors.Y, count) | Find_Invalid(vectors.Z, count)) != 0;
+    return !(Are_Valid(vectors.X, count) && Are_Valid(vectors.Y, count) && Are_Valid(vectors.Z, count));
 }
 
 void Transform_Points(const vrMKPVectors &to, const vrMKPConstVectors &from, int count, const Mat3DClass &transform)

@@ -5,11 +5,15 @@
 
 #include "MKLib/MKMath/Simd.h"
 
+#include <cstdint>
+
 namespace Particle
 {
 
 /// Floats of the widest registers.
 constexpr int LANES = 16;
+/// Floats that a loop with little to do takes at once, whatever the width of the registers.
+constexpr int WIDE_LANES = 32;
 
 /// `work(i)` for each i below `count`, of which the last may be done twice: for work whose results don't depend on what
 /// it writes.
@@ -30,20 +34,40 @@ MK_INLINE void For_Whole_Registers(int count, const Work &work)
     for (int lane = 0; lane < LANES; ++lane) work(last + lane);
 }
 
-/// values[i] = change(values[i]) for each i below `count`. Once each: the last are read before the first are written.
-template <typename Change>
-MK_INLINE void Change_Whole_Registers(float *values, int count, const Change &change)
+/// The same with `work(i, lane)`, where those that are done together have lanes of their own, below `WIDE_LANES`: for a
+/// little work that keeps something for each lane.
+template <typename Work>
+MK_INLINE void For_Wide_Lanes(int count, const Work &work)
 {
-    if (count < LANES) {
-        for (int i = 0; i < count; ++i) values[i] = change(values[i]);
+    if (count < WIDE_LANES) {
+        for (int i = 0; i < count; ++i) work(i, 0);
         return;
     }
-    const int whole = count & -LANES;
-    float last[LANES];
-    float *const end = values + count - LANES;
-    for (int lane = 0; lane < LANES; ++lane) last[lane] = change(end[lane]);
-    for (int i = 0; i < whole; ++i) values[i] = change(values[i]);
-    for (int lane = 0; lane < LANES; ++lane) end[lane] = last[lane];
+    int at = 0;
+    for (; at <= count - WIDE_LANES; at += WIDE_LANES)
+#pragma GCC ivdep
+        for (int lane = 0; lane < WIDE_LANES; ++lane) work(at + lane, lane);
+    if (at == count) return;
+    at = count - WIDE_LANES;
+#pragma GCC ivdep
+    for (int lane = 0; lane < WIDE_LANES; ++lane) work(at + lane, lane);
+}
+
+/// values[i] = change(values[i], lane) for each i below `count`, in lanes as above. Once each: the last are read before
+/// the first are written.
+template <typename Change>
+MK_INLINE void Change_In_Wide_Lanes(float *values, int count, const Change &change)
+{
+    if (count < WIDE_LANES) {
+        for (int i = 0; i < count; ++i) values[i] = change(values[i], 0);
+        return;
+    }
+    float last[WIDE_LANES];
+    float *const end = values + count - WIDE_LANES;
+    for (int lane = 0; lane < WIDE_LANES; ++lane) last[lane] = change(end[lane], lane);
+    for (int at = 0; at <= count - WIDE_LANES; at += WIDE_LANES)
+        for (int lane = 0; lane < WIDE_LANES; ++lane) values[at + lane] = change(values[at + lane], lane);
+    for (int lane = 0; lane < WIDE_LANES; ++lane) end[lane] = last[lane];
 }
 
 } // namespace Particle

@@ -172,7 +172,7 @@ MK_SIMD void Emulate_Time(float *__restrict time, const float *__restrict coordi
 
 MK_SIMD void Add_To_All(float *values, int count, float add)
 {
-    Particle::Change_Whole_Registers(values, count, [add](float value) MK_INLINE_LAMBDA { return value + add; });
+    Particle::Change_In_Wide_Lanes(values, count, [add](float value, int) MK_INLINE_LAMBDA { return value + add; });
 }
 
 } // namespace

@@ -11,7 +11,7 @@
 namespace
 {
 
-using Particle::Change_Whole_Registers;
+using Particle::Change_In_Wide_Lanes;
 using Particle::For_Whole_Registers;
 
 constexpr float MIN_LIFE = 0.01f;
@@ -19,7 +19,7 @@ constexpr float FIXED_LIFE_VARIATION = 0.01f; ///< up to this, all particles liv
 
 MK_SIMD void Advance_Ages(float *age, int count, float dt)
 {
-    Change_Whole_Registers(age, count, [=](float value) MK_INLINE_LAMBDA { return value + dt; });
+    Change_In_Wide_Lanes(age, count, [=](float value, int) MK_INLINE_LAMBDA { return value + dt; });
 }
 
 MK_SIMD void Set_Times_By_Life(float *__restrict time, const float *__restrict age, int count, float life)
