@@ -53,7 +53,6 @@ TEST_P(ThreadPoolTest, UsesMoreThanOneThreadAndNoMoreThanAsked)
     EXPECT_EQ(threads.size() > 1, GetParam() > 1);
     EXPECT_LE(threads.size(), static_cast<size_t>(GetParam()));
     EXPECT_EQ(threads.count(std::this_thread::get_id()), 1u);
-    EXPECT_EQ(ThreadPool::Get_Thread_Count(), GetParam());
 }
 
 TEST_P(ThreadPoolTest, RunsInTheFloatingPointModeOfTheCaller)
@@ -76,12 +75,9 @@ INSTANTIATE_TEST_SUITE_P(Threads, ThreadPoolTest, testing::Values(1, 2, 4));
 
 TEST(ThreadPoolWithout, RunsOnTheCaller)
 {
-    int sum = 0;
-    ThreadPool::Parallel_For(0, 10, 3, [&](int first, int last) {
-        for (int i = first; i < last; ++i) sum += i;
-    });
-    EXPECT_EQ(sum, 45);
-    EXPECT_EQ(ThreadPool::Get_Thread_Count(), 1);
+    int count = 0;
+    ThreadPool::Parallel_For(0, 10, 3, [&](int first, int last) { count += last - first; });
+    EXPECT_EQ(count, 10);
 }
 
 TEST(FloatingPoint, TheModeRoundsToNearestAndKeepsDenormals)
@@ -90,29 +86,21 @@ TEST(FloatingPoint, TheModeRoundsToNearestAndKeepsDenormals)
     Init_Floating_Point_Mode();
     EXPECT_EQ(std::fegetround(), FE_TONEAREST);
     volatile float least = std::numeric_limits<float>::min();
-    volatile float half = least / 2.0f;
-    EXPECT_GT(half, 0.0f);
-    EXPECT_EQ(half * 2.0f, least);
+    EXPECT_GT(least / 2.0f, 0.0f);
     volatile float zero = 0.0f;
-    volatile float infinite = 1.0f / zero; // a masked exception, not a signal
-    EXPECT_FALSE(Is_Valid(infinite));
+    EXPECT_FALSE(Is_Valid(1.0f / zero)); // a masked exception, not a signal
 }
 
 TEST(FloatingPoint, ValidMeansNoNaNAndNoInfinity)
 {
-    constexpr float NAN_VALUE = std::numeric_limits<float>::quiet_NaN();
-    constexpr float INFINITE = std::numeric_limits<float>::infinity();
-    EXPECT_TRUE(Is_Valid(std::numeric_limits<float>::max()));
-    EXPECT_FALSE(Is_Valid(-INFINITE));
     for (int component = 0; component < 4; ++component) {
         Vector4 vector(1.0f);
-        vector[component] = NAN_VALUE;
+        vector[component] = std::numeric_limits<float>::quiet_NaN();
         EXPECT_FALSE(Is_Valid(vector));
         EXPECT_FALSE(Is_Valid(RGBAClass{vector.x, vector.y, vector.z, vector.w}));
         EXPECT_EQ(Is_Valid(Vector3(vector)), component == 3);
         EXPECT_EQ(Is_Valid(Vector2(vector)), component >= 2);
     }
-    EXPECT_TRUE(Is_Valid(RGBAClass()));
 }
 
 } // namespace

@@ -31,8 +31,6 @@ protected:
     }
     void TearDown() override { setenv("PATH", Path.c_str(), 1); }
 
-    std::string Output() const { return Read_Text_File(Directory / "out"); }
-
     TempDirectory Directory;
     std::string Path;
 };
@@ -41,10 +39,7 @@ protected:
 
 TEST_F(Processes, WordsAreSplitWithoutAShell)
 {
-    const struct
-    {
-        const char *line, *output;
-    } cases[] = {
+    const std::pair<const char *, const char *> cases[] = {
         {"tool", ""},
         {"tool edit \"C:\\My Art\\fire.vro\"", "<edit>\n<C:\\My Art\\fire.vro>\n"},
         {"  tool   a\tb  ", "<a>\n<b>\n"},
@@ -56,18 +51,10 @@ TEST_F(Processes, WordsAreSplitWithoutAShell)
         {"tool $HOME `x`;*|&>", "<$HOME>\n<`x`;*|&>>\n"},
         {"tool \xc3\xa4\xff", "<\xc3\xa4\xff>\n"},
     };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.line);
-        EXPECT_TRUE(Run_And_Wait(c.line, "")); // the exit code, 3, is not looked at
-        EXPECT_EQ(Output(), c.output);
+    for (const auto &[line, output] : cases) {
+        EXPECT_TRUE(Run_And_Wait(line, "")); // the exit code, 3, is not looked at
+        EXPECT_EQ(Read_Text_File(Directory / "out"), output) << line;
     }
-}
-
-TEST_F(Processes, RunsInTheDirectoryGiven)
-{
-    const std::string sub = Directory.Make_Directory("Art/Models");
-    EXPECT_TRUE(Run_And_Wait("tool", Directory / "art\\models"));
-    EXPECT_EQ(Read_Text_File(Directory / "where"), std::filesystem::canonical(sub).string() + "\n");
 }
 
 TEST_F(Processes, AProgramThatCannotStartIsTold)
@@ -80,9 +67,11 @@ TEST_F(Processes, AProgramThatCannotStartIsTold)
     EXPECT_FALSE(Run_And_Wait(std::string_view("tool\0x", 6), ""));
 }
 
-TEST_F(Processes, FileHandlesStayHere)
+TEST_F(Processes, RunsInTheDirectoryGivenWithoutOurFileHandles)
 {
-    EXPECT_TRUE(Run_And_Wait("tool", ""));
+    const std::string sub = Directory.Make_Directory("Art/Models");
+    EXPECT_TRUE(Run_And_Wait("tool", Directory / "art\\models"));
+    EXPECT_EQ(Read_Text_File(Directory / "where"), std::filesystem::canonical(sub).string() + "\n");
     const std::string before = Read_Text_File(Directory / "handles");
     const int leaky = open("/dev/null", O_RDONLY); // as a library would, without O_CLOEXEC
     EXPECT_TRUE(Run_And_Wait("tool", ""));

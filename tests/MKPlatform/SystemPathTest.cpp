@@ -12,21 +12,14 @@ TEST(SystemPath, FindsComponentsInAnyCase)
 {
     const TempDirectory directory;
     directory.Write("Art/Models/Fire.VRO", "x");
-    const struct
-    {
-        const char *what, *engine, *system;
-    } cases[] = {
-        {"other case throughout", "aRT\\mODELS\\fIRE.vro", "Art/Models/Fire.VRO"},
-        {"a missing end stays as written", "ART\\models\\Smoke.vro", "Art/Models/Smoke.vro"},
-        {"nothing found", "Nowhere\\Models\\Fire.VRO", "Nowhere/Models/Fire.VRO"},
-        {"dots pass", "art/./models/../MODELS/fire.vro", "Art/./Models/../Models/Fire.VRO"},
-        {"doubled separators pass", "art\\\\models\\fire.vro", "Art//Models/Fire.VRO"},
-        {"separator at the end", "art\\models\\", "Art/Models/"},
+    const std::pair<const char *, const char *> cases[] = {
+        {"aRT\\mODELS\\fIRE.vro", "Art/Models/Fire.VRO"},
+        {"ART\\models\\Smoke.vro", "Art/Models/Smoke.vro"},
+        {"Nowhere\\Models\\Fire.VRO", "Nowhere/Models/Fire.VRO"},
+        {"art/./models/../MODELS/fire.vro", "Art/./Models/../Models/Fire.VRO"},
+        {"art\\\\models\\", "Art//Models/"},
     };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.what);
-        EXPECT_EQ(To_System_Path(directory / c.engine), directory / c.system);
-    }
+    for (const auto &[engine, system] : cases) EXPECT_EQ(To_System_Path(directory / engine), directory / system);
 }
 
 TEST(SystemPath, AnExactNameWinsAndElseTheFirstByBytes)

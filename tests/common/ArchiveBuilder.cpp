@@ -1,11 +1,19 @@
 #include "common/ArchiveBuilder.h"
 
 #include <algorithm>
-#include <cstring>
+#include <bit>
 
 #include <zlib.h>
 
 namespace MKTest
+{
+
+void Put_U32(Bytes &bytes, size_t offset, uint32_t value)
+{
+    for (size_t i = 0; i < 4; ++i) bytes.at(offset + i) = static_cast<uint8_t>(value >> (8 * i));
+}
+
+namespace
 {
 
 void Append_U16(Bytes &bytes, uint16_t value)
@@ -16,17 +24,9 @@ void Append_U16(Bytes &bytes, uint16_t value)
 
 void Append_U32(Bytes &bytes, uint32_t value)
 {
-    Append_U16(bytes, static_cast<uint16_t>(value));
-    Append_U16(bytes, static_cast<uint16_t>(value >> 16));
+    bytes.resize(bytes.size() + 4);
+    Put_U32(bytes, bytes.size() - 4, value);
 }
-
-void Put_U32(Bytes &bytes, size_t offset, uint32_t value)
-{
-    for (size_t i = 0; i < 4; ++i) bytes.at(offset + i) = static_cast<uint8_t>(value >> (8 * i));
-}
-
-namespace
-{
 
 uint32_t Key_Of(std::string name)
 {
@@ -55,25 +55,15 @@ ArchiveBuilder &ArchiveBuilder::With_Prefix(float version, uint32_t marker)
     return *this;
 }
 
-uint32_t ArchiveBuilder::Get_Header_Size() const
-{
-    return static_cast<uint32_t>(Build_Header(0).size());
-}
-
 Bytes ArchiveBuilder::Build() const
 {
-    Bytes file = Build_Header(Get_Header_Size());
-    const Bytes data = Build_Companion_Data();
+    Bytes file = Build_Header(static_cast<uint32_t>(Build_Header(0).size()));
+    const Bytes data = Build_Data();
     file.insert(file.end(), data.begin(), data.end());
     return file;
 }
 
-Bytes ArchiveBuilder::Build_Companion_Header() const
-{
-    return Build_Header(0);
-}
-
-Bytes ArchiveBuilder::Build_Companion_Data() const
+Bytes ArchiveBuilder::Build_Data() const
 {
     Bytes data;
     for (const Entry &entry : Entries) data.insert(data.end(), entry.Data.begin(), entry.Data.end());
@@ -102,10 +92,8 @@ Bytes ArchiveBuilder::Build_Header(uint32_t dataStart) const
 
     Bytes header;
     if (HasPrefix) {
-        uint32_t version;
-        std::memcpy(&version, &Version, 4);
         Append_U32(header, Marker);
-        Append_U32(header, version);
+        Append_U32(header, std::bit_cast<uint32_t>(Version));
         Append_U32(header, static_cast<uint32_t>(12 + 12 + strings.size() + 20 * rows.size()));
     }
     Append_U32(header, static_cast<uint32_t>(rows.size()));

@@ -20,12 +20,9 @@ public:
 
     /// Header and data in one file.
     Bytes Build() const;
-    /// The two files of an archive whose header stands in a companion file.
-    Bytes Build_Companion_Header() const;
-    Bytes Build_Companion_Data() const;
-
-    /// The header's size in bytes, which is where `Build` puts the first data.
-    uint32_t Get_Header_Size() const;
+    /// The two parts of it, the header for data that starts at a place. Those of a companion file start at 0.
+    Bytes Build_Header(uint32_t dataStart) const;
+    Bytes Build_Data() const;
 
 private:
     struct Entry
@@ -35,16 +32,12 @@ private:
         uint16_t Flags;
     };
 
-    Bytes Build_Header(uint32_t dataStart) const;
-
     std::vector<Entry> Entries;
     bool HasPrefix = false;
     float Version = 0;
     uint32_t Marker = 0;
 };
 
-void Append_U16(Bytes &bytes, uint16_t value);
-void Append_U32(Bytes &bytes, uint32_t value);
 void Put_U32(Bytes &bytes, size_t offset, uint32_t value);
 
 } // namespace MKTest

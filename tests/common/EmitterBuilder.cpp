@@ -3,7 +3,6 @@
 #include "MKLib/ChunkFile/ChunkFileWriter.h"
 
 #include <stdexcept>
-#include <type_traits>
 
 namespace MKTest
 {
@@ -13,21 +12,19 @@ namespace
 
 using Writer = ChunkFile::ChunkFileWriterClass;
 
-bool Write_Value(Writer &writer, const ChunkValue &value)
+struct ValueWriter
 {
-    return std::visit(
-        [&writer](const auto &held) {
-            using Held = std::decay_t<decltype(held)>;
-            if constexpr (std::is_same_v<Held, bool>) return writer.Write_Bool(held);
-            if constexpr (std::is_same_v<Held, int32_t>) return writer.Write_Int32(held);
-            if constexpr (std::is_same_v<Held, uint32_t>) return writer.Write_UInt32(held);
-            if constexpr (std::is_same_v<Held, float>) return writer.Write_Float(held);
-            if constexpr (std::is_same_v<Held, std::string>) return writer.Write_String(held);
-            if constexpr (std::is_same_v<Held, Vector3>) return writer.Write_Vector3(held);
-            if constexpr (std::is_same_v<Held, RGBAClass>) return writer.Write_RGBA(held);
-        },
-        value);
-}
+    Writer &File;
+    bool operator()(bool value) const { return File.Write_Bool(value); }
+    bool operator()(int32_t value) const { return File.Write_Int32(value); }
+    bool operator()(uint32_t value) const { return File.Write_UInt32(value); }
+    bool operator()(float value) const { return File.Write_Float(value); }
+    bool operator()(const std::string &value) const { return File.Write_String(value); }
+    bool operator()(const Vector3 &value) const { return File.Write_Vector3(value); }
+    bool operator()(const RGBAClass &value) const { return File.Write_RGBA(value); }
+};
+
+} // namespace
 
 void Write_Chunk(Writer &writer, const Chunk &chunk)
 {
@@ -37,8 +34,6 @@ void Write_Chunk(Writer &writer, const Chunk &chunk)
     writer.Close_Chunk();
 }
 
-} // namespace
-
 Chunk Parent(uint32_t id, std::vector<Chunk> children)
 {
     return {id, std::move(children), {}};
@@ -46,7 +41,7 @@ Chunk Parent(uint32_t id, std::vector<Chunk> children)
 
 Chunk Leaf(uint32_t id, ChunkValue value)
 {
-    return {id, {}, [value = std::move(value)](Writer &writer) { Write_Value(writer, value); }};
+    return {id, {}, [value = std::move(value)](Writer &writer) { std::visit(ValueWriter{writer}, value); }};
 }
 
 Chunk Bytes_Leaf(uint32_t id, std::string bytes)
@@ -61,7 +56,7 @@ Chunk Micros(uint32_t id, std::vector<Micro> values)
     return {id, {}, [values = std::move(values)](Writer &writer) {
                 for (const Micro &micro : values) {
                     writer.Open_Micro_Chunk(micro.id);
-                    Write_Value(writer, micro.value);
+                    std::visit(ValueWriter{writer}, micro.value);
                     writer.Close_Micro_Chunk();
                 }
             }};

@@ -61,6 +61,7 @@ Chunk Plugin(uint32_t chunk, int id, std::vector<Micro> parameters = {});
 /// The chunk of a light, with the light's plugin in it.
 Chunk Light(int id);
 
+void Write_Chunk(ChunkFile::ChunkFileWriterClass &writer, const Chunk &chunk);
 /// The bytes of a file with these chunks at the root level.
 Bytes Build(std::vector<Chunk> roots, uint32_t mode = 0);
 Bytes Build(Chunk root, uint32_t mode = 0);

@@ -45,16 +45,6 @@ std::vector<std::string> Reports::Get_Logs() const
     return Logs;
 }
 
-bool Reports::Has_Assert(std::string_view text) const
-{
-    return Count_Asserts(text) > 0;
-}
-
-bool Reports::Has_Log(std::string_view part) const
-{
-    return Count_Logs(part) > 0;
-}
-
 int Reports::Count_Asserts(std::string_view text) const
 {
     const std::lock_guard lock(Lock);

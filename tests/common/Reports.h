@@ -25,8 +25,8 @@ public:
     /// Log lines in order, each as "Logger: text" without its newline.
     std::vector<std::string> Get_Logs() const;
 
-    bool Has_Assert(std::string_view text) const; ///< exactly this text
-    bool Has_Log(std::string_view part) const;    ///< some line holds this part
+    bool Has_Assert(std::string_view text) const { return Count_Asserts(text) > 0; } ///< exactly this text
+    bool Has_Log(std::string_view part) const { return Count_Logs(part) > 0; }       ///< some line holds this part
     int Count_Asserts(std::string_view text) const;
     int Count_Logs(std::string_view part) const;
     std::string Get_Text() const; ///< everything, a line each; for failure messages

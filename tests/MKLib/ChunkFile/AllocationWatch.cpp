@@ -1,4 +1,4 @@
-#include "MKLib/ChunkFile/AllocationWatch.h"
+#include "MKLib/ChunkFile/ChunkTestFiles.h"
 
 #include <cstdlib>
 #include <new>

@@ -23,17 +23,9 @@ void Write_Tiny_Tree(ChunkFileWriterClass &writer)
     writer.Close_Chunk();
 }
 
-// chunk 1: AA BB; chunk 2 { chunk 3: CC }
-void Write_Two_Tops(ChunkFileWriterClass &writer)
+Bytes Two_Tops(uint32_t mode)
 {
-    writer.Open_Chunk(1);
-    writer.Write_Bytes("\xaa\xbb", 2);
-    writer.Close_Chunk();
-    writer.Open_Chunk(2);
-    writer.Open_Chunk(3);
-    writer.Write_Bytes("\xcc", 1);
-    writer.Close_Chunk();
-    writer.Close_Chunk();
+    return Build({Bytes_Leaf(1, "\xaa\xbb"), Parent(2, {Bytes_Leaf(3, "\xcc")})}, mode);
 }
 
 Bytes Part(const Bytes &bytes, size_t start, size_t size)
@@ -58,12 +50,9 @@ TEST(ChunkLayout, StoresMode129AsPlainZlib)
 {
     const Bytes file = Written(129, Write_Tiny_Tree);
     ASSERT_GT(file.size(), 38u);
-    EXPECT_EQ(Part(file, 0, 8), ByteList().Raw({0x43, 0x48, 2, 1, 1, 0xff, 0xff, 0xff}).Get());
-    EXPECT_EQ(Word_Of(file, 8), Section_CRC(file, 12, 36, file.size() - 36));
-    EXPECT_EQ(Part(file, 12, 4), ByteList().Word(8).Get());
-    EXPECT_EQ(Word_Of(file, 16), file.size() - 36);
-    EXPECT_EQ(Part(file, 20, 16), Bytes(16, 0)); // chunk offset and size, user words
-    EXPECT_EQ(Part(file, 36, 2), ByteList().Raw({0x78, 0x9c}).Get()) << "zlib's two bytes for level 6";
+    const auto size = static_cast<uint32_t>(file.size() - 36);
+    EXPECT_EQ(Part(file, 0, 36), Header_Bytes(1, 8, size, 0, 0, 1, Section_CRC(file, 12, 36, size)));
+    EXPECT_EQ(Part(file, 36, 2), (Bytes{0x78, 0x9c})) << "zlib's two bytes for level 6";
 }
 
 TEST(ChunkLayout, WritesTheTreeDepthFirstInBothByteOrders)
@@ -73,7 +62,7 @@ TEST(ChunkLayout, WritesTheTreeDepthFirstInBothByteOrders)
         ByteList parts(isSwapped);
         parts.Words({0x11, 0x80000002, 0x22, 5}).Raw({5, 2}).Half(0x1234).Raw({7}).Words({0x33, 0});
         const Bytes stream = parts.Get();
-        const Bytes fields = ByteList(isSwapped).Word(8).Word(29).Word(0).Word(0).Get();
+        const Bytes fields = ByteList(isSwapped).Words({8, 29, 0, 0}).Get();
         const uint32_t crc = Plain_CRC(fields, Plain_CRC(stream));
         const Bytes expected = ByteList().Add(Header_Bytes(mode, 8, 29, 0, 0, 1, crc)).Add(stream).Get();
         EXPECT_EQ(Written(mode, Write_Tiny_Tree), expected) << "swapped: " << isSwapped;
@@ -91,41 +80,29 @@ TEST(ChunkLayout, GivesEachTopLevelChunkOfASectionedFileItsSection)
 {
     for (const bool isSwapped : {false, true}) {
         const uint32_t mode = isSwapped ? 0x50 : 0x10;
-        const Bytes first = ByteList(isSwapped).Raw({0xaa, 0xbb}).Word(1).Word(2).Get();
-        const Bytes second = ByteList(isSwapped).Raw({0xcc}).Word(2).Word(0x80000001).Word(3).Word(1).Get();
-        const Bytes firstFields = ByteList(isSwapped).Word(8).Word(2).Word(10).Word(8).Get();
-        const Bytes secondFields = ByteList(isSwapped).Word(0).Word(1).Word(1).Word(16).Get();
+        const Bytes first = ByteList(isSwapped).Raw({0xaa, 0xbb}).Words({1, 2}).Get();
+        const Bytes second = ByteList(isSwapped).Raw({0xcc}).Words({2, 0x80000001, 3, 1}).Get();
+        const Bytes firstFields = ByteList(isSwapped).Words({8, 2, 10, 8}).Get();
+        const Bytes secondFields = ByteList(isSwapped).Words({0, 1, 1, 16}).Get();
         const uint32_t firstCRC = Plain_CRC(firstFields, Plain_CRC(first));
         ByteList expected(isSwapped);
         expected.Add(Header_Bytes(static_cast<uint8_t>(mode), 8, 2, 10, 8, 1, firstCRC)).Add(first);
         expected.Word(Plain_CRC(secondFields, Plain_CRC(second))).Add(secondFields).Add(second).Add(Bytes(20, 0));
-        EXPECT_EQ(Written(mode, Write_Two_Tops), expected.Get()) << "swapped: " << isSwapped;
+        EXPECT_EQ(Two_Tops(mode), expected.Get()) << "swapped: " << isSwapped;
     }
 }
 
 TEST(ChunkLayout, CountsTheSectionCRCOverBothZlibStreams)
 {
-    const Bytes file = Written(COMPRESSION_ZLIB | MODE_SECTIONED, Write_Two_Tops);
-    const uint32_t dataSize = Word_Of(file, 16);
-    const uint32_t chunkSize = Word_Of(file, 24);
-    EXPECT_EQ(Word_Of(file, 20), 8 + dataSize);
-    EXPECT_EQ(Word_Of(file, 8), Section_CRC(file, 12, 36, dataSize + chunkSize));
-    const size_t second = 36 + dataSize + chunkSize;
-    const uint32_t secondSize = Word_Of(file, second + 8) + Word_Of(file, second + 16);
-    EXPECT_EQ(Word_Of(file, second), Section_CRC(file, second + 4, second + 20, secondSize));
-    const size_t last = second + 20 + secondSize;
-    EXPECT_EQ(Part(file, last, 20), Bytes(20, 0));
-    EXPECT_GT(file.size(), last + 20) << "the final blocks of both streams";
-}
-
-TEST(ChunkLayout, ReachesTheFileOnlyAtCloseUnlessSectioned)
-{
-    RAMFileClass file;
-    ChunkFileWriterClass writer(&file, 129, 6, false);
-    Write_Tiny_Tree(writer);
-    EXPECT_EQ(file.Get_Size(), 36);
-    EXPECT_TRUE(writer.Close());
-    EXPECT_GT(file.Get_Size(), 36);
+    const Bytes file = Two_Tops(COMPRESSION_ZLIB | MODE_SECTIONED);
+    size_t fields = 12;
+    for (const size_t front : {24, 16}) { // up to the streams: the first section's fields have the user words behind
+        const uint32_t size = Word_Of(file, fields + 4) + Word_Of(file, fields + 12);
+        EXPECT_EQ(Word_Of(file, fields - 4), Section_CRC(file, fields, fields + front, size));
+        fields += front + size + 4;
+    }
+    EXPECT_EQ(Part(file, fields - 4, 20), Bytes(20, 0));
+    EXPECT_GT(file.size(), fields + 16) << "the final blocks of both streams";
 }
 
 TEST(ChunkLayout, HoldsItsPlaceInAFileThatHasBytesInFront)
@@ -136,13 +113,11 @@ TEST(ChunkLayout, HoldsItsPlaceInAFileThatHasBytesInFront)
     ChunkFileWriterClass writer(&file, 0, 6, false);
     Write_Tiny_Tree(writer);
     EXPECT_TRUE(writer.Close());
-    const Bytes bytes(file.Get_Buffer(), file.Get_Buffer() + file.Get_Size());
-    EXPECT_EQ(Part(bytes, 5, bytes.size() - 5), Written(0, Write_Tiny_Tree));
-
-    RAMFileClass source(bytes.data(), static_cast<int64_t>(bytes.size()));
-    source.Open(MKPlatform::FILE_OPEN_GENERIC_READ);
-    source.Seek(5, MKPlatform::FILE_SEEK_BEGIN);
-    ChunkFileReaderClass reader(&source);
+    file.Close();
+    file.Open(MKPlatform::FILE_OPEN_GENERIC_READ);
+    file.Seek(5, MKPlatform::FILE_SEEK_BEGIN);
+    ChunkFileReaderClass reader(&file);
     ASSERT_TRUE(reader.Open_Chunk());
     EXPECT_EQ(reader.Cur_Chunk_ID(), 0x11u);
+    EXPECT_EQ(Bytes(file.Get_Buffer() + 5, file.Get_Buffer() + file.Get_Size()), Written(0, Write_Tiny_Tree));
 }

@@ -2,9 +2,9 @@
 
 #include "MKLib/ChunkFile/ChunkFileReader.h"
 #include "MKLib/ChunkFile/ChunkFileWriter.h"
-#include "common/TempFiles.h"
+#include "common/EmitterBuilder.h"
 
-#include <climits>
+#include <atomic>
 #include <cstdint>
 #include <initializer_list>
 #include <string>
@@ -13,17 +13,11 @@
 namespace MKTest
 {
 
+/// The most bytes that one `new` of this program asked for since it was last set to 0.
+extern std::atomic<size_t> LargestAllocation;
+
 using ChunkFile::ChunkFileReaderClass;
 using ChunkFile::ChunkFileWriterClass;
-
-struct ModeRow
-{
-    uint32_t mode;
-    std::string what; ///< such as "zlib+sectioned+swapped"
-};
-
-/// Every form that a file can have: 16 binary ones and XML.
-std::vector<ModeRow> All_Modes();
 
 /// Writes with `write` into memory and gives the file's bytes; fails the test when `Close` or the writer fails.
 template <typename Write>
@@ -57,15 +51,17 @@ class ByteList
 {
 public:
     explicit ByteList(bool isSwapped = false) : IsSwapped(isSwapped) {}
-    ByteList &Word(uint32_t value);
+    ByteList &Word(uint32_t value) { return Number(value, 4); }
     ByteList &Words(std::initializer_list<uint32_t> values);
-    ByteList &Half(uint16_t value);
+    ByteList &Half(uint16_t value) { return Number(value, 2); }
     ByteList &Raw(std::initializer_list<int> bytes);
     ByteList &Text(std::string_view text);
     ByteList &Add(const Bytes &bytes);
     const Bytes &Get() const { return Content; }
 
 private:
+    ByteList &Number(uint32_t value, int size);
+
     bool IsSwapped;
     Bytes Content;
 };
@@ -83,37 +79,7 @@ uint32_t Plain_CRC(const Bytes &bytes, uint32_t start = 0);
 /// A small tree with sub-chunks, microchunks, strings and numbers, the same in every mode.
 void Write_Sample_Tree(ChunkFileWriterClass &writer);
 
-/// Every type once in a leaf, and some in a microchunk.
-void Write_All_Types(ChunkFileWriterClass &writer);
-
 /// Walks everything the way loaders do, and tells what it saw; ends at the first failure of a level.
 std::string Walk(ChunkFileReaderClass &reader);
-
-/// A file in memory that hands out at most `perRead` bytes a read and fails at read number `failAt`, from 0.
-class FailingFile final : public FileClass
-{
-public:
-    FailingFile(const Bytes &bytes, int64_t perRead, int failAt) : Content(bytes), PerRead(perRead), FailAt(failAt)
-    {
-        FileName = "failing.vro";
-    }
-    bool Open(MKPlatform::FileAccess, bool = false, int = -1) override { return true; }
-    bool Open(std::string_view, MKPlatform::FileAccess, bool = false, int = -1) override { return true; }
-    void Close() override {}
-    int64_t Read(void *buffer, int64_t size) override;
-    int64_t Write(const void *, int64_t) override { return -1; }
-    int64_t Seek(int64_t offset, MKPlatform::FileSeekOrigin origin) override;
-    int64_t Tell() override { return Position; }
-    int64_t Get_Size() override { return static_cast<int64_t>(Content.size()); }
-    bool Is_Open() const override { return true; }
-    int Get_Read_Count() const { return ReadCount; }
-
-private:
-    const Bytes &Content;
-    int64_t PerRead;
-    int FailAt;
-    int ReadCount = 0;
-    int64_t Position = 0;
-};
 
 } // namespace MKTest

@@ -41,25 +41,6 @@ protected:
 
 } // namespace
 
-TEST_F(FileOnDisk, KeepsItsNameAndReopens)
-{
-    FileClass file(Directory.Write("Art/Fire.vro", "flames"));
-    EXPECT_FALSE(file.Is_Open());
-    EXPECT_EQ(file.Get_Size(), -1);
-    EXPECT_EQ(file.Seek(0, FILE_SEEK_BEGIN), -1);
-    for (int round = 0; round < 2; ++round) {
-        ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_READ));
-        char text[8] = {};
-        EXPECT_EQ(file.Read(text, 5), 5);
-        EXPECT_EQ(file.Tell(), 5);
-        EXPECT_EQ(file.Read(text, 8), 1);
-        file.Close();
-    }
-    EXPECT_TRUE(file.Open(Directory / "ART\\FIRE.VRO", FILE_OPEN_GENERIC_READ));
-    EXPECT_TRUE(
-        Reported.Has_Log("FileSize: FileClass::Open - Name: " + Directory.Get_Path() + "/ART\\FIRE.VRO Size: 6"));
-}
-
 TEST_F(FileOnDisk, OpensANameThatIsAPartOfItsOwn)
 {
     Directory.Write("fire", "short");
@@ -76,6 +57,7 @@ TEST_F(FileOnDisk, ViolatedPreconditionsAreReportedAndLeaveItAsItWas)
     EXPECT_FALSE(FileClass().Open(FILE_OPEN_GENERIC_READ));
     FileClass file(Directory.Write("a", "first"));
     EXPECT_FALSE(file.Open(FILE_OPEN_INVALID) || file.Open(FILE_OPEN_TOTAL));
+    EXPECT_EQ(file.Seek(0, FILE_SEEK_BEGIN) + file.Get_Size(), -2);
     EXPECT_EQ(file.Read(&byte, 1), 0);
     EXPECT_EQ(file.Write(&byte, 1), -1);
     ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_READ));
@@ -84,25 +66,9 @@ TEST_F(FileOnDisk, ViolatedPreconditionsAreReportedAndLeaveItAsItWas)
     EXPECT_EQ(file.Read(nullptr, 1), 0);
     EXPECT_EQ(file.Write(&byte, 1), -1);
     EXPECT_EQ(Reported.Get_Asserts().size(), 3u) << Reported.Get_Text();
-    EXPECT_EQ(std::string_view(file.Get_Name()), Directory / "a");
     EXPECT_EQ(Read_All(file), "first");
-}
-
-TEST_F(FileOnDisk, AFailedWriteOpenLogsTheReasonAndTheDirectory)
-{
-    FileClass file(Directory / "none/file");
-    EXPECT_FALSE(file.Open(FILE_OPEN_GENERIC_WRITE));
-    EXPECT_TRUE(Reported.Has_Log(
-        "FileClass::Open -  Failed to open file for write. File: " + (Directory / "none/file") + " , error code 2 - "));
-    EXPECT_TRUE(Reported.Has_Log("    Current directory - " + Get_Current_Directory()));
-}
-
-TEST_F(FileOnDisk, AFullDiskFailsTheWriteAndNamesTheFile)
-{
-    FileClass file("/dev/full");
-    if (!file.Open(FILE_OPEN_GENERIC_WRITE)) GTEST_SKIP() << "no /dev/full here";
-    EXPECT_EQ(file.Write("data", 4), -1);
-    EXPECT_TRUE(Reported.Has_Log("Only 0 of 4 bytes could be written to /dev/full: No space left on device"));
+    EXPECT_FALSE(FileClass().Open(Directory / "none/file", FILE_OPEN_GENERIC_WRITE));
+    EXPECT_TRUE(Reported.Has_Log("write. File: " + (Directory / "none/file") + " , error code 2 - "));
 }
 
 TEST_F(FileOnDisk, DiskOnlyDataNamesAreLookedForUnderTheRootsFirst)
@@ -114,16 +80,11 @@ TEST_F(FileOnDisk, DiskOnlyDataNamesAreLookedForUnderTheRootsFirst)
     Directory.Write("here/Data/Base.lst", "plain base");
     const CurrentDirectory here(Directory / "here");
     FileClass::Set_Data_Roots({MK::String(Directory / "mod"), MK::String(Directory / "base")});
-    const struct
-    {
-        const char *what, *name, *text;
-    } cases[] = {
-        {"first root wins", "Data\\Roots.lst", "from mod"},
-        {"slashes and case", "data/ROOTS.lst", "from mod"},
-        {"leading dot and separator", ".\\Data\\Roots.lst", "from mod"},
-        {"leading separator", "/Data/Roots.lst", "from mod"},
-        {"the next root", "Data\\Base.lst", "only in base"},
-        {"not under Data", "..\\here\\Data\\Roots.lst", "plain"},
+    const std::pair<const char *, const char *> cases[] = {
+        {"Data\\Roots.lst", "from mod"},
+        {"./data/ROOTS.lst", "from mod"},
+        {"Data\\Base.lst", "only in base"},
+        {"..\\here\\Data\\Roots.lst", "plain"},
     };
     const auto read = [](const char *name) {
         FileClass file;
@@ -132,14 +93,7 @@ TEST_F(FileOnDisk, DiskOnlyDataNamesAreLookedForUnderTheRootsFirst)
     EXPECT_EQ(read("Data\\Roots.lst"), "plain"); // not in the set yet
     FileClass::Add_Disk_Only_File("Some\\Where\\roots.LST");
     FileClass::Add_Disk_Only_File("Base.lst");
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.what);
-        EXPECT_EQ(read(c.name), c.text);
-    }
-    FileClass file("Data\\Roots.lst");
-    ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_READ));
-    EXPECT_EQ(std::string_view(file.Get_Name()), (Directory / "mod") + "\\Data\\Roots.lst");
-    file.Close();
+    for (const auto &[name, text] : cases) EXPECT_EQ(read(name), text) << name;
     FileClass::Set_Data_Roots({});
     EXPECT_EQ(read("Data\\Roots.lst"), "plain");
 }
@@ -158,22 +112,14 @@ TEST_F(FileOnDisk, TheCacheStandsInFrontOfTheDisk)
     EXPECT_EQ(file.Seek(100, FILE_SEEK_CURRENT), 12);
     EXPECT_EQ(file.Write("x", 1), -1);
     file.Close();
-    ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_READ));
-    EXPECT_EQ(Read_All(file), "on disk");
-}
-
-TEST_F(FileOnDisk, TheCacheIsForReadingAndCanBeSwitchedOff)
-{
-    const std::string path = Directory.Write("f", "disk");
-    FileCacheClass::Add(path, Bytes_Of("cache"));
-    FileClass file(path);
-    ASSERT_TRUE(file.Open(FILE_OPEN_WRITE_APPEND));
+    FileCacheClass::Add("Art\\Fire.vro", Bytes_Of("once more"));
+    ASSERT_TRUE(file.Open(FILE_OPEN_WRITE_APPEND)); // the cache is for reading
     EXPECT_EQ(file.Write("!", 1), 1);
     file.Close();
     FileCacheClass::Set_Enabled(false);
     ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_READ));
     FileCacheClass::Set_Enabled(true);
-    EXPECT_EQ(Read_All(file), "disk!");
+    EXPECT_EQ(Read_All(file), "on disk!");
 }
 
 TEST_F(FileOnDisk, AVerifiedCacheTellsWhereItDiffersFromTheFile)
@@ -182,18 +128,11 @@ TEST_F(FileOnDisk, AVerifiedCacheTellsWhereItDiffersFromTheFile)
     FileCacheClass::Set_Verifying(true);
     FileCacheClass::Add(path, Bytes_Of("0123"));
     char text[16];
-    {
-        FileClass file(path);
-        ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_READ));
-        EXPECT_EQ(file.Read(text, 2), 2);
-        EXPECT_EQ(file.Read(text, 6), 2);
-        EXPECT_TRUE(Reported.Has_Log("PARTIAL READ - FileCache->Read Requested 6 bytes, cache read 2, file read 6"));
-    }
-    FileCacheClass::Add(path, Bytes_Of("0123456789abcdef"));
     FileClass file(path);
     ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_READ));
-    EXPECT_EQ(file.Read(text, 16), 16);
-    EXPECT_TRUE(Reported.Has_Log("Warning! FileCache->Read mismatch! Requested 16 bytes, cache read 16, file read 10"));
+    EXPECT_EQ(file.Read(text, 2), 2);
+    EXPECT_EQ(file.Read(text, 6), 2);
+    EXPECT_TRUE(Reported.Has_Log("PARTIAL READ - FileCache->Read Requested 6 bytes, cache read 2, file read 6"));
 }
 
 TEST_F(FileOnDisk, ChecksumsAreThoseOfZlib)
@@ -202,19 +141,12 @@ TEST_F(FileOnDisk, ChecksumsAreThoseOfZlib)
     const std::string path = Directory.Write("f", "123456789");
     EXPECT_EQ(Get_File_CRC(path, 0), 0xCBF43926u);
     EXPECT_TRUE(Reported.Has_Log("CRC: CBF43926 - " + path));
-    // The seed continues a checksum: of "1234", then of "56789".
-    const uint32_t head = Get_File_CRC(Directory.Write("head", "1234"), 0);
-    EXPECT_EQ(Get_File_CRC(Directory.Write("tail", "56789"), head), 0xCBF43926u);
     EXPECT_EQ(Get_File_CRC(Directory.Write("empty", ""), 77), 0u);
     EXPECT_EQ(Get_File_CRC(Directory / "none", 0), 0u);
     EXPECT_TRUE(Reported.Has_Assert("file.Open() == false"));
-}
-
-TEST_F(FileOnDisk, AChecksumGoesOnOverPiecesOfALargeFile)
-{
-    // 16 MiB and one byte: one byte more than is read at a time. The CRC of the whole is that of its two parts.
-    const std::string head = Directory.Write("head", std::string(16 << 20, 'h'));
-    const std::string tail = Directory.Write("tail", "t");
-    const std::string whole = Directory.Write("whole", std::string(16 << 20, 'h') + "t");
-    EXPECT_EQ(Get_File_CRC(whole, 0), Get_File_CRC(tail, Get_File_CRC(head, 0)));
+    // The seed continues a checksum, here over one byte more than is read at a time.
+    const std::string big(16 << 20, 'h');
+    const uint32_t head = Get_File_CRC(Directory.Write("head", big), 0);
+    const uint32_t whole = Get_File_CRC(Directory.Write("tail", "t"), head);
+    EXPECT_EQ(Get_File_CRC(Directory.Write("whole", big + "t"), 0), whole);
 }

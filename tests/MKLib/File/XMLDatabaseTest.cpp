@@ -41,30 +41,23 @@ std::string Nested(int depth)
 
 TEST(XMLDatabase, WalksWhatItAccepts)
 {
-    const struct
-    {
-        const char *what, *text, *walk;
-    } cases[] = {
-        {"a tree",
-         "<ChunkFile>\n\t<Chunk Name=\"x\" Id=\"12\">\n\t\t<Int32>7</Int32>\n\t</Chunk>\n\t<B/>\n</ChunkFile>",
+    const std::pair<const char *, const char *> cases[] = {
+        {"<ChunkFile>\n\t<Chunk Name=\"x\" Id=\"12\">\n\t\t<Int32>7</Int32>\n\t</Chunk>\n\t<B/>\n</ChunkFile>",
          "ChunkFile{Chunk[12]{Int32(7)} B}"},
-        {"declared UTF-8", "<?xml version=\"1.0\" encoding=\"utf-8\" ?>\n<a>\xc3\xa4</a>\n", "a(\xc3\xa4)"},
-        {"byte-order mark", "\xef\xbb\xbf<?xml version='1.0'?><a/>", "a"},
-        {"bytes that are no UTF-8", "<a>\xff\x80</a>", "a(\xff\x80)"},
-        {"references", "<a Id=\"&lt;&#65;\">&amp;&quot;&#x42;</a>", "a[<A](&\"B)"},
-        {"an unknown reference stays", "<a>&bomb;</a>", "a(&bomb;)"},
-        {"CDATA and comments", "<a>x<!-- <b> --><![CDATA[<y>&#0;]]></a><!-- end -->", "a(x<y>&#0;)"},
-        {"a value of blanks", "<a> \t</a>", "a( \t)"},
-        {"line ends", "<a>1\r\n2</a>", "a(1\n2)"},
-        {"a tag end inside of an attribute", "<a Id='>'><b/></a>", "a[>]{b}"},
-        {"a zero that is no NUL", "<a>&#048;&#x041;</a>", "a(0A)"},
+        {"\xef\xbb\xbf<?xml version=\"1.0\" encoding=\"utf-8\" ?><a>\xc3\xa4</a>", "a(\xc3\xa4)"},
+        {"<a>\xff\x80</a>", "a(\xff\x80)"},
+        {"<a Id=\"&lt;&#65;\">&amp;&quot;&#x42;</a>", "a[<A](&\"B)"},
+        {"<a>&bomb;</a>", "a(&bomb;)"},
+        {"<a>x<!-- <b> --><![CDATA[<y>&#0;]]></a><!-- end -->", "a(x<y>&#0;)"},
+        {"<a>1\r\n2</a>", "a(1\n2)"},
+        {"<a Id='>'><b/></a>", "a[>]{b}"},
+        {"<a>&#048;&#x041;</a>", "a(0A)"},
     };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.what);
+    for (const auto &[text, walk] : cases) {
         XMLDatabase xml;
-        ASSERT_TRUE(xml.Load_Text(c.text, c.what));
-        EXPECT_EQ(Walk(xml), c.walk);
-        EXPECT_EQ(xml.Get_Depth(), 1);
+        ASSERT_TRUE(xml.Load_Text(text, "test")) << text;
+        EXPECT_EQ(Walk(xml), walk);
+        EXPECT_EQ(xml.Get_Depth(), 1) << text;
     }
 }
 
@@ -72,35 +65,25 @@ TEST(XMLDatabase, RefusalsNameTheFileTheReasonAndTheByte)
 {
     const std::string bomb =
         "<?xml version=\"1.0\"?><!DOCTYPE b [<!ENTITY a \"aaaa\"><!ENTITY b \"&a;&a;\">]><b>&b;</b>";
-    const struct
-    {
-        const char *what;
-        std::string text, log;
-    } cases[] = {
-        {"only a comment", "<!-- x -->", "it has no root element (at byte 10)"},
-        {"a binary file", "CH\x02", "text stands outside of the root element (at byte 0)"},
-        {"text behind", "<a/> x", "text stands outside of the root element (at byte 5)"},
-        {"two roots", "<a/><b/>", "more than one root element (at byte 4)"},
-        {"an entity bomb", bomb, "document type declarations are refused (at byte 21)"},
-        {"a NUL", std::string("<a>\0</a>", 8), "it holds a NUL (at byte 3)"},
-        {"a NUL by reference", "<a>&#0;</a>", "it refers to the character NUL (at byte 3)"},
-        {"one in an attribute", "<a b='&#x000;'/>", "it refers to the character NUL (at byte 6)"},
-        {"UTF-16", std::string("\xff\xfe<\0a\0", 6), "it holds a NUL (at byte 3)"},
-        {"another encoding", "<?xml version='1.0' encoding='latin1'?><a/>", "neither UTF-8 nor US-ASCII (at byte 29)"},
-        {"deep", Nested(XMLDatabase::MAX_DEPTH + 1), "nested too deeply (at byte 3072)"},
-        {"an open comment", "<a><!-- </a>", "a comment has no end (at byte 3)"},
-        {"an open CDATA section", "<a><![CDATA[ </a>", "a CDATA section has no end (at byte 3)"},
-        {"an open tag", "<a b='>", "a tag has no end (at byte 0)"},
-        {"crossed elements", "<a><b></a></b>", "Start-end tags mismatch"},
+    const std::pair<std::string, const char *> cases[] = {
+        {"<!-- x -->", "it has no root element (at byte 10)"},
+        {"CH\x02", "text stands outside of the root element (at byte 0)"},
+        {"<a/><b/>", "more than one root element (at byte 4)"},
+        {bomb, "document type declarations are refused (at byte 21)"},
+        {std::string("<a>\0</a>", 8), "it holds a NUL (at byte 3)"},
+        {"<a>&#0;</a>", "it refers to the character NUL (at byte 3)"},
+        {"<?xml version='1.0' encoding='latin1'?><a/>", "neither UTF-8 nor US-ASCII (at byte 29)"},
+        {Nested(XMLDatabase::MAX_DEPTH + 1), "nested too deeply (at byte 3072)"},
+        {"<a><!-- </a>", "a comment has no end (at byte 3)"},
+        {"<a><![CDATA[ </a>", "a CDATA section has no end (at byte 3)"},
+        {"<a b='>", "a tag has no end (at byte 0)"},
+        {"<a><b></a></b>", "Start-end tags mismatch"},
     };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.what);
+    for (const auto &[text, log] : cases) {
         Reports reports;
         XMLDatabase xml;
-        EXPECT_FALSE(xml.Load_Text(c.text, "hostile.xml"));
-        EXPECT_TRUE(reports.Has_Log("XMLDatabase: XMLDatabase - hostile.xml is refused: ")) << reports.Get_Text();
-        EXPECT_TRUE(reports.Has_Log(c.log)) << reports.Get_Text();
-        EXPECT_FALSE(xml.Is_Loaded());
+        EXPECT_FALSE(xml.Load_Text(text, "hostile.xml") || xml.Is_Loaded()) << log;
+        EXPECT_TRUE(reports.Has_Log("hostile.xml is refused: ") && reports.Has_Log(log)) << reports.Get_Text();
     }
     XMLDatabase xml;
     EXPECT_TRUE(xml.Load_Text(Nested(XMLDatabase::MAX_DEPTH), "deep.xml"));
@@ -114,14 +97,14 @@ TEST(XMLDatabase, WithoutADocumentThereIsNothing)
     ASSERT_TRUE(xml.Enter_First_Child());
     EXPECT_FALSE(xml.Load_Text("", "x")); // and drops the one before
     MK::String text = "kept";
-    for (const auto found : {xml.Get_Key(&text), xml.Get_Value(&text), xml.Get_Attribute("a", &text)})
-        EXPECT_EQ(found, S_MISSING);
+    EXPECT_TRUE(xml.Get_Key(&text) == S_MISSING && xml.Get_Attribute("a", &text) == S_MISSING);
     EXPECT_EQ(std::string_view(text), "kept");
     EXPECT_FALSE(xml.Enter_First_Child() || xml.Next_Sibling() || xml.Leave());
 }
 
-TEST(XMLDatabase, LoadsFromFilesFromTheirPosition)
+TEST(XMLDatabase, LoadsFromFilesFromTheirPositionUpToALimit)
 {
+    Reports reports;
     const TempDirectory directory;
     XMLDatabase xml;
     EXPECT_TRUE(xml.Load(directory.Write("List.xml", "<a>disk</a>")));
@@ -132,17 +115,10 @@ TEST(XMLDatabase, LoadsFromFilesFromTheirPosition)
     ASSERT_TRUE(file.Open(MKPlatform::FILE_OPEN_GENERIC_READ));
     file.Seek(4, MKPlatform::FILE_SEEK_BEGIN);
     EXPECT_TRUE(xml.Load(file));
-    EXPECT_TRUE(file.Is_Open());
-    EXPECT_TRUE(xml.Is_Key("a"));
-}
+    EXPECT_EQ(Walk(xml), "a(ram)");
 
-TEST(XMLDatabase, AFileBeyondTheLimitIsRefusedUnread)
-{
-    Reports reports;
-    const TempDirectory directory;
     const std::string path = directory.Write("huge.xml", "<a/>");
     ASSERT_EQ(truncate(path.c_str(), XMLDatabase::MAX_SIZE + 1), 0);
-    XMLDatabase xml;
     EXPECT_FALSE(xml.Load(path));
     EXPECT_TRUE(reports.Has_Log(path + " is refused: it is too large"));
 }

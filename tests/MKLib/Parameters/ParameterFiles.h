@@ -10,47 +10,22 @@
 #include "MKLib/Parameters/SimpleParameters.h"
 #include "MKLib/Parameters/StringParameters.h"
 #include "MKLib/Parameters/UVListParameter.h"
+#include "common/EmitterBuilder.h"
 
-#include <cstdint>
-#include <string_view>
-#include <vector>
+#include <functional>
+#include <utility>
 
 /// Parameters through files in memory, for the tests of this room.
 namespace MKTest
 {
 
-using Bytes = std::vector<uint8_t>;
-
-struct ModeRow
-{
-    const char *what;
-    uint32_t mode;
-};
-
-constexpr ModeRow EveryMode[] = {
-    {"binary", 0},
-    {"zlib", 1},
-    {"XML", 2},
-    {"sectioned", 0x10},
-    {"validated", 0x20},
-    {"swapped", 0x40},
-    {"zlib and sectioned, validated, swapped", 0x71},
-};
+/// Binary, zlib, XML, and zlib that is sectioned, validated and swapped.
+constexpr uint32_t EVERY_MODE[] = {0, 1, 2, 0x71};
 
 /// The file that has one chunk, whose content `write` makes through a writer.
-template <typename Write>
-Bytes Chunk_File(uint32_t mode, Write &&write)
+inline Bytes Chunk_File(uint32_t mode, std::function<void(ChunkFileWriterClass &)> write)
 {
-    RAMFileClass file;
-    {
-        ChunkFileWriterClass writer(&file, mode, 6, false);
-        writer.Open_Chunk(77);
-        write(writer);
-        writer.Close_Chunk();
-        writer.Close();
-    }
-    const auto size = static_cast<size_t>(file.Get_Size());
-    return {file.Get_Buffer(), file.Get_Buffer() + size};
+    return Build(Chunk{77, {}, std::move(write)}, mode);
 }
 
 /// Calls `read` with a reader inside the one chunk of such a file; false when there is no chunk.
@@ -76,18 +51,6 @@ inline Bytes Save_List(const ParameterListClass &list, uint32_t mode, bool *save
 inline bool Load_List(ParameterListClass &list, const Bytes &bytes)
 {
     return Read_Chunk_File(bytes, [&](ChunkFileReaderClass &reader) { return list.Load(&reader); });
-}
-
-/// Writes one pair of a list: the id, and a value in chunk `form` (1 plain, 2 as sub-chunks).
-template <typename Write>
-void Write_Pair(ChunkFileWriterClass &writer, int32_t id, uint32_t form, Write &&write)
-{
-    writer.Open_Chunk(0);
-    writer.Write_Int32(id);
-    writer.Close_Chunk();
-    writer.Open_Chunk(form);
-    write(writer);
-    writer.Close_Chunk();
 }
 
 } // namespace MKTest
