@@ -13,7 +13,7 @@ namespace
 /// The shared arithmetic of a draw: the least mask over the range, and again while the masked output is above the
 /// range.
 template <typename Step>
-int32_t Draw(int32_t low, int32_t high, uint32_t greatestRange, Step &&step)
+int32_t Draw_Masked(int32_t low, int32_t high, uint32_t greatestRange, Step &&step)
 {
     auto lower = static_cast<uint32_t>(low);
     auto higher = static_cast<uint32_t>(high);
@@ -42,7 +42,7 @@ float Interpolate(int32_t draw, int32_t greatest, float low, float high)
 
 int32_t RandomClass::Get_Int(int32_t low, int32_t high)
 {
-    return Draw(low, high, RandomMax, [this] { return Step(); });
+    return Draw_Masked(low, high, RandomMax, [this] { return Step(); });
 }
 
 void RandomClass::Swap_Bounds(float &low, float &high)
@@ -69,7 +69,7 @@ SecureRandomClass::~SecureRandomClass() = default;
 
 int32_t SecureRandomClass::Get_Int(int32_t low, int32_t high)
 {
-    return Draw(low, high, RandomWordMax, [this] { return static_cast<uint32_t>(Source->Random()) & RandomWordMax; });
+    return Draw_Masked(low, high, RandomWordMax, [this] { return static_cast<uint32_t>(Source->Random()) & RandomWordMax; });
 }
 
 void SecureRandomClass::Seed(uint32_t)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "MKLib/MKMath/Simd.h"
 #include "MKLib/NoCopy.h"
 
 #include <cstdint>
@@ -38,27 +39,53 @@ public:
     bool Draws_Words() const override { return false; }
     void Seed(uint32_t value) override { State = value; }
     uint32_t Get_State() const { return State; }
+    /// A step's output from 0 to `RandomMax`, of which `To_Float` makes a float.
+    int32_t Draw()
+    {
+        uint32_t draw = Step();
+        while (draw > RandomMax) [[unlikely]] draw = Step();
+        return static_cast<int32_t>(draw);
+    }
     /// As that of `RandomGeneratorClass`, bit for bit, without its indirections: what a frame step draws with.
     float Get_Float(float low, float high)
     {
         if (high < low) [[unlikely]]
             Swap_Bounds(low, high);
-        uint32_t draw = Step();
-        while (draw > RandomMax) [[unlikely]] draw = Step();
-        // Double is exact enough nearly always: where every value within its error rounds to the same float, so does
-        // the extended result. Each of the four roundings is off by half a unit of 2^-52 at most.
+        return To_Float(Draw(), low, high);
+    }
+    /// Between what the float of a draw lies: double is exact enough nearly always, where every value within its error
+    /// rounds to the same float, as does the extended result. Each of the four roundings is off by half a unit of 2^-52
+    /// at most.
+    struct FloatRange
+    {
+        float Least;
+        float Greatest;
+    };
+    MK_INLINE static FloatRange Range_Of(int32_t draw, float low, float high)
+    {
         const double start = low;
         const double span = static_cast<double>(high) - start;
-        const double product = static_cast<double>(static_cast<int32_t>(draw)) * (1.0 / RandomMax) * span;
+        const double product = static_cast<double>(draw) * (1.0 / RandomMax) * span;
         const double value = product + start;
         const double error = (Magnitude(product) + Magnitude(start)) * 0x1p-50;
-        const auto lower = static_cast<float>(value - error);
-        if (lower == static_cast<float>(value + error)) [[likely]]
-            return lower;
-        return Get_Extended_Float(static_cast<int32_t>(draw), low, high);
+        return {static_cast<float>(value - error), static_cast<float>(value + error)};
+    }
+    /// For bounds in order.
+    static float To_Float(int32_t draw, float low, float high)
+    {
+        const FloatRange range = Range_Of(draw, low, high);
+        if (range.Least == range.Greatest) [[likely]]
+            return range.Least;
+        return Get_Extended_Float(draw, low, high);
     }
     /// One of 0 to 255.
     uint32_t Get_Byte() { return Step() & 0xff; }
+    /// Two bytes, the first of them the higher.
+    uint32_t Get_Word()
+    {
+        const uint32_t high = Get_Byte();
+        return high << 8 | Get_Byte();
+    }
     /// True with `perCent` of 100: never for 0, always for 100.
     bool Get_Chance(int perCent) { return Get_Int(0, 99) < perCent; }
 
@@ -68,7 +95,7 @@ private:
         State = State * 0x41c64e6du + 0xbdfu;
         return (State >> 10) & 0x7fff;
     }
-    static double Magnitude(double value) { return value < 0.0 ? -value : value; }
+    MK_INLINE static double Magnitude(double value) { return __builtin_fabs(value); }
     static void Swap_Bounds(float &low, float &high); ///< and asserts
     static float Get_Extended_Float(int32_t draw, float low, float high);
 

@@ -233,8 +233,7 @@ void vrMKPWeatherCubeSpawner::Fill(vrMKPBuffer &buffer, int count) const
         buffer.Age[slot] = 0.0f;
         buffer.Time[slot] = 0.0f;
         buffer.MaxAge[slot] = -1.0f;
-        const uint32_t high = random.Get_Byte();
-        buffer.ID[slot] = high << 8 | random.Get_Byte();
+        buffer.ID[slot] = random.Get_Word();
         buffer.Size[slot] = {1.0f, 1.0f};
         buffer.Color[slot] = VR_WHITE;
         buffer.Flags[slot] = 0;

@@ -135,13 +135,19 @@ void vrMKPFilling::Draw(vrMKPBuffer &buffer, vrMKPSpan block, Source &source) co
 {
     RandomClass random(buffer.Random.Get_State()); // in a register, which that of the buffer can't be
     const bool snaps = SnapsToTerrain && !IsWorld;
+    if constexpr (requires { &std::remove_reference_t<Source>::Draw_Block; })
+        if (!snaps && source.Draw_Block(random, buffer.ProjectileStartingPosition + block.First,
+                                        buffer.Velocity + block.First, buffer.ID + block.First, block.Count))
+        {
+            buffer.Random.Seed(random.Get_State());
+            return;
+        }
     for (int slot = block.First; slot < block.First + block.Count; ++slot) {
         Vector3 position = source.Position(random);
         if (snaps) position = Snap_Local(buffer, position);
         buffer.ProjectileStartingPosition.Put(slot, position);
         buffer.Velocity.Put(slot, source.Velocity(random, position));
-        const uint32_t high = random.Get_Byte();
-        buffer.ID[slot] = (high << 8) | random.Get_Byte();
+        buffer.ID[slot] = random.Get_Word();
     }
     buffer.Random.Seed(random.Get_State());
 }

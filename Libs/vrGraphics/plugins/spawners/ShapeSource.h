@@ -1,7 +1,8 @@
 #pragma once
 
-#include "MKLib/Parameters/ShapeParameter.h"
 #include "MKLib/MKDebug/Assert.h"
+#include "MKLib/Parameters/ShapeBatch.h"
+#include "vrGraphics/particle/VectorPlanes.h"
 
 /// Draws the positions and velocities of a filling from two shapes: the source of every spawner that has such
 /// parameters, or a part of it.
@@ -25,5 +26,22 @@ struct vrMKPShapeSource
     Vector3 Velocity(RandomClass &random, const Vector3 &localPosition) const
     {
         return VelocityShape.Sample(random, HollowVelocity, EvenDistribution, &PositionShape, localPosition);
+    }
+    /// The draws for a block at once, in the order of those above with the random values; false where a shape doesn't
+    /// allow it, with nothing drawn.
+    bool Draw_Block(RandomClass &random, const vrMKPVectors &positions, const vrMKPVectors &velocities, uint32_t *ids,
+                    int count) const
+    {
+        ShapeBatch places(PositionShape, HollowPosition, EvenDistribution);
+        ShapeBatch courses(VelocityShape, HollowVelocity, EvenDistribution);
+        if (!places.Is_Possible() || !courses.Is_Possible()) return false;
+        for (int i = 0; i < count; ++i) {
+            places.Draw(random, i);
+            courses.Draw(random, i);
+            ids[i] = random.Get_Word();
+        }
+        places.Place(positions.X, positions.Y, positions.Z, count);
+        courses.Place(velocities.X, velocities.Y, velocities.Z, count);
+        return true;
     }
 };
