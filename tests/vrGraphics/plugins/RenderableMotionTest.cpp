@@ -1,63 +1,23 @@
 #include "vrGraphics/plugins/renderables/vrMKPRenderablePhysics.h"
 
+#include "Fakes.h"
 #include "PluginBuilders.h"
+#include "VertexChecks.h"
 
-#include "MKLib/Parameters/EnumParameter.h"
 #include "MKLib/Parameters/KeyedParameters.h"
-#include "MKLib/Parameters/SimpleParameters.h"
-#include "MKLib/Parameters/StringParameters.h"
-#include "vrGraphics/particle/vrMKPBuffer.h"
-#include "vrGraphics/particle/vrMKPLayer.h"
 #include "vrGraphics/plugins/lights/vrMKPLightSourceController.h"
 #include "vrGraphics/scene/vrParticleLight.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 #include <utility>
-#include <variant>
 #include <vector>
 
 using namespace MKTest;
 
 namespace
 {
-
-constexpr float NEAR = 1e-4f;
-
-void Expect_Near(const Vector3 &value, const Vector3 &expected, const char *what)
-{
-    for (int axis = 0; axis < 3; ++axis) EXPECT_NEAR(value[axis], expected[axis], NEAR) << what << ", axis " << axis;
-}
-
-/// A curve from time 0 to time 1.
-struct Keys
-{
-    float First, Last;
-};
-/// The value of a parameter; an int is an index into an enum's labels.
-using Value = std::variant<float, bool, int, Vector3, Keys, const char *>;
-using Values = std::vector<std::pair<const char *, Value>>;
-
-struct Assign
-{
-    const vrMKPPlugin &Plugin;
-    const char *Name;
-
-    void operator()(float value) const { Parameter_Of<RangedFloatParameter>(Plugin, Name).Set_Value(value); }
-    void operator()(bool value) const { Parameter_Of<BoolParameter>(Plugin, Name).Set_Value(value); }
-    void operator()(int index) const { Parameter_Of<EnumParameterClass>(Plugin, Name).Set_Index(index); }
-    void operator()(const Vector3 &value) const { Parameter_Of<Vector3Parameter>(Plugin, Name).Set_Value(value); }
-    void operator()(const char *value) const { Parameter_Of<StringParameterClass>(Plugin, Name).Set_Value(value); }
-    void operator()(const Keys &keys) const
-    {
-        auto &curve = Parameter_Of<KeyedFloatParameterClass>(Plugin, Name);
-        curve.Clear_Keys();
-        curve.Add_Key(0.0f, keys.First);
-        curve.Add_Key(1.0f, keys.Last);
-    }
-};
 
 /// One instance of a plugin of a renderable, whose clock runs.
 template <typename Plugin>
@@ -69,14 +29,11 @@ struct Instance
     SmartPtr<vrMKPBufferPluginData> Data;
     float Time = 0.0f;
 
-    explicit Instance(int id, const Values &values = {}) : Made(Make_Plugin(id)), Data(Made->Create_Buffer_Data(State))
+    explicit Instance(int id, const Values &values = {})
+        : Made(Make_Plugin(id, values)), Data(Made->Create_Buffer_Data(State))
     {
-        Set(values);
     }
-    void Set(const Values &values)
-    {
-        for (const auto &[name, value] : values) std::visit(Assign{*Made, name}, value);
-    }
+    void Set(const Values &values) { Set_Values(*Made, values); }
 
     const Plugin &Get() const { return dynamic_cast<const Plugin &>(*Made); }
 
@@ -111,12 +68,10 @@ struct Mover : Instance<vrMKPRenderablePhysics>
     bool Has_Hit() const { return Get().Has_Hit(Data.Get()); }
 };
 
-constexpr int NULL_PHYSICS = 83;
 constexpr int WAVE_AND_SPIN = 84;
 constexpr int SIMPLE = 85;
-constexpr auto SPIRAL = static_cast<int>(kvrMKPSpiralAndSeekProjectileRenderablePhysics);
-constexpr auto KEYED = static_cast<int>(kvrMKPKeyedTransformRenderablePhysics);
-constexpr auto FOLLOW = static_cast<int>(kvrMKPFollowRenderablePhysics);
+constexpr int SPIRAL = kvrMKPSpiralAndSeekProjectileRenderablePhysics;
+constexpr int KEYED = kvrMKPKeyedTransformRenderablePhysics;
 
 // clang-format off
 // Each renderable moves in one step of so many seconds, and in a hundred of a hundredth.
@@ -132,7 +87,7 @@ const struct
     Vector3 position, xAxis;
     bool hits = false;
 } Motions[] = {
-    {"null stays where it stands", NULL_PHYSICS, {}, {1, 2, 3}, {9, 0, 0}, 9, 9, {1, 2, 3}, {2, 0, 0}},
+    {"null stays where it stands", 83, {}, {1, 2, 3}, {9, 0, 0}, 9, 9, {1, 2, 3}, {2, 0, 0}},
     {"sine at a quarter, without an amplitude along x", WAVE_AND_SPIN,
      {{"Wave Amplitude", Vector3(0, 0, 10)}, {"Wave Frequency", Vector3(1, 1, 0.5f)}},
      {1, 0, 0}, {}, 0, 0.5f, {1, 0, 20}, {2, 0, 0}},
@@ -149,9 +104,10 @@ const struct
      {{"Spin Rate", Vector3(0, 0, 45)}, {"Start Rotation", Vector3(0, 0, 45)}},
      {}, {}, 0, 1, {}, {0, 2, 0}},
     {"keys, in the second round", KEYED,
-     {{"Duration", 2.0f}, {"Translate X", Keys{0, 10}}, {"Rotate Z", Keys{90, 90}}, {"Scale", Keys{1, 3}}},
+     {{"Duration", 2.0f}, {"Translate X", FloatKeys{{0, 0}, {1, 10}}}, {"Rotate Z", FloatKeys{{0, 90}}},
+      {"Scale", FloatKeys{{0, 1}, {1, 3}}}},
      {}, {}, 0, 3, {10, 0, 0}, {0, 4, 0}},
-    {"keys, played once", KEYED, {{"Duration", 2.0f}, {"Loop", false}, {"Translate Y", Keys{0, 10}}},
+    {"keys, played once", KEYED, {{"Duration", 2.0f}, {"Loop", false}, {"Translate Y", FloatKeys{{0, 0}, {1, 10}}}},
      {}, {}, 0, 3, {0, 20, 0}, {2, 0, 0}},
     {"without a speed there is no flight", SIMPLE, {}, {1, 0, 0}, {30, 40, 0}, 0, 3, {1, 0, 0}, {2, 0, 0}},
     {"a line of 50, at 10 by 2", SIMPLE, {{"Speed Multiplier", 2.0f}},
@@ -166,7 +122,8 @@ const struct
      {0, 0, -4}, {16, 0, 8}, 10, 5, {16, 0, 8}, {1.9402850f, 0, 0.4850713f}, true},
     // A quarter turn, a quarter of the radius and of the way; out 4/s along y, around -1 * 2 pi along x, up 10/s.
     {"a spiral after a quarter of its time", SPIRAL,
-     {{"Random Spiral Start", false}, {"Spiral Time", 1.0f}, {"Spiral Speed", 10.0f}, {"Spiral Radius", 4.0f}, {"Spiral Rate", 1.0f}},
+     {{"Random Spiral Start", false}, {"Spiral Time", 1.0f}, {"Spiral Speed", 10.0f}, {"Spiral Radius", 4.0f},
+      {"Spiral Rate", 1.0f}},
      {}, {100, 0, 0}, 10, 0.25f, {0, 1, 2.5f}, {-1.0078010f, 0.6415861f, 1.6039652f}},
     // From 10 to 30 takes 1 s and 20 units.
     {"seeking straight ahead, up to the projectile's speed", SPIRAL,
@@ -174,21 +131,6 @@ const struct
      {}, {1000, 0, 0}, 30, 1, {20, 0, 0}, {2, 0, 0}},
 };
 // clang-format on
-
-/// A layer with particles somewhere.
-struct FakeLayer final : vrMKPLayer, vrMKPLayerList
-{
-    MK::String Name = "sparks";
-    SmartPtr<vrMKPBuffer> Buffer = vrMKPBuffer::Create(4, "test");
-
-    const MK::String &Get_Name() const override { return Name; }
-    vrMKPBuffer *Get_Buffer() const override { return Buffer.Get(); }
-    void On_Parent_Particle_Death(const vrMKPBuffer &, const Vector3 &, const Vector3 &, float) override {}
-    vrMKPLayer *Find_Layer(std::string_view name) const override
-    {
-        return name == Name ? const_cast<FakeLayer *>(this) : nullptr;
-    }
-};
 
 struct Lamp : Instance<vrMKPLightSourceController>
 {
@@ -208,12 +150,6 @@ struct Lamp : Instance<vrMKPLightSourceController>
     }
 };
 
-constexpr auto LEGACY_LIGHT = static_cast<int>(kvrMKPLegacyLightSourceController);
-constexpr auto KEYED_LIGHT = static_cast<int>(kvrMKPKeyedLightSourceController);
-constexpr auto CENTROID_LIGHT = static_cast<int>(kvrMKPCentroidLightSourceController);
-
-constexpr auto KILLER = static_cast<int>(kvrMKPRenderableKillerModifier);
-
 vrMKPRenderableOutcome Outcome_Of(Instance<vrMKPRenderableModifier> &instance, float step, bool hit = false)
 {
     vrMKPRenderableOutcome outcome;
@@ -221,22 +157,6 @@ vrMKPRenderableOutcome Outcome_Of(Instance<vrMKPRenderableModifier> &instance, f
     context.ProjectileHit = hit;
     instance.Get().Update(outcome, context);
     return outcome;
-}
-
-void Set_All(const vrMKPPlugin &plugin, float value)
-{
-    for (int index = 0; index < plugin.Get_Parameters().Get_Parameter_Count(); ++index) {
-        ParameterClass *const parameter = plugin.Get_Parameters().Get_Parameter(index);
-        if (auto *number = dynamic_cast<RangedFloatParameter *>(parameter)) number->Set_Value(value);
-        if (auto *vector = dynamic_cast<Vector3Parameter *>(parameter)) vector->Set_Value(Vector3(value));
-        if (auto *count = dynamic_cast<RangedIntParameter *>(parameter)) count->Set_Value(0);
-        if (auto *flag = dynamic_cast<BoolParameter *>(parameter)) flag->Set_Value(true);
-        if (auto *choice = dynamic_cast<EnumParameterClass *>(parameter)) choice->Set_Index(1);
-        if (auto *curve = dynamic_cast<KeyedFloatParameterClass *>(parameter)) {
-            curve->Clear_Keys();
-            curve->Add_Key(0.0f, value);
-        }
-    }
 }
 
 } // namespace
@@ -261,8 +181,8 @@ TEST(RenderableMotion, IsThatOfTheTable)
 
 TEST(RenderableMotion, OfASeekerTurnsNoFasterThanItsRate)
 {
-    Mover mover(SPIRAL);
-    mover.Set(
+    Mover mover(
+        SPIRAL,
         {{"Spiral Time", 0.0f}, {"Spiral Axis", Vector3(1, 0, 0)}, {"Spiral Speed", 10.0f}, {"Seek Turn Rate", 90.0f}});
     mover.Launch({0, 100, 0}, 10);
     // 45 of 90 degrees in half a second, and 5 units that way.
@@ -277,8 +197,7 @@ TEST(RenderableMotion, OfASeekerTurnsNoFasterThanItsRate)
 TEST(RenderableMotion, OfAHomingProjectileFollowsItsTargetAndEndsWhereItHit)
 {
     for (const bool homing : {false, true}) {
-        Mover mover(SIMPLE);
-        mover.Set({{"Track Mode", homing ? 1 : 0}});
+        Mover mover(SIMPLE, {{"Track Mode", homing ? 1 : 0}});
         mover.Launch({10, 0, 0}, 5);
         mover.Move(1.0f);
         mover.State.ProjectileTarget = {5, 10, 0};
@@ -297,18 +216,13 @@ TEST(RenderableMotion, OfAHomingProjectileFollowsItsTargetAndEndsWhereItHit)
 
 TEST(RenderableMotion, TakesARandomPhaseOncePerRun)
 {
-    Mover mover(WAVE_AND_SPIN);
-    mover.Set({{"Random Phase", true}, {"Wave Amplitude", Vector3(10, 10, 0)}, {"Wave Phase", Vector3(0, 0.25f, 0)}});
-    mover.Random.Seed(5);
-    RandomGeneratorClass same;
-    same.Seed(5);
-    const float turns = same.Get_Float(0.0f, 1.0f) * 6.2831855f;
-    // Both axes start at the same point of the wave, so that a circle stays a circle; a second later it is there again.
-    const Vector3 expected(10 * std::sin(turns), 10 * std::cos(turns), 0);
-    Expect_Near(mover.Move(0.0f).Get_Translation(), expected, "start");
-    Expect_Near(mover.Move(1.0f).Get_Translation(), expected, "a round later");
+    Mover mover(WAVE_AND_SPIN,
+                {{"Random Phase", true}, {"Wave Amplitude", Vector3(10, 10, 0)}, {"Wave Phase", Vector3(0, 0.25f, 0)}});
+    const Vector3 start = mover.Move(0.0f).Get_Translation();
+    EXPECT_NEAR(glm::length(start), 10.0f, 1e-4f) << "the same for both axes: a circle stays a circle";
+    Expect_Near(mover.Move(1.0f).Get_Translation(), start, "a round later");
     mover.Data->Reset();
-    EXPECT_GT(glm::length(mover.Move(0.0f).Get_Translation() - expected), 0.01f);
+    EXPECT_GT(glm::length(mover.Move(0.0f).Get_Translation() - start), 0.01f);
 }
 
 TEST(RenderableMotion, OfAFollowerIsItsParents)
@@ -330,12 +244,13 @@ TEST(RenderableMotion, OfAFollowerIsItsParents)
         bool rotation, scale;
         Vector3 position, xAxis;
     } rows[] = {
-        {"torch", true, true, {7, 8, 9}, {0, 3, 0}},  {"torch", false, true, {7, 8, 9}, {3, 0, 0}},
-        {"torch", true, false, {7, 8, 9}, {0, 2, 0}}, {"torch", false, false, {7, 8, 9}, {2, 0, 0}},
-        {"", true, true, {1, 0, 0}, {2, 0, 0}},       {"nobody", true, true, {1, 0, 0}, {2, 0, 0}},
+        {"torch", true, true, {7, 8, 9}, {0, 3, 0}},
+        {"torch", false, true, {7, 8, 9}, {3, 0, 0}},
+        {"torch", true, false, {7, 8, 9}, {0, 2, 0}},
+        {"nobody", true, true, {1, 0, 0}, {2, 0, 0}},
     };
     for (const auto &row : rows) {
-        Mover mover(FOLLOW);
+        Mover mover(kvrMKPFollowRenderablePhysics);
         mover.Base = mover.Base.Scaled(2.0f);
         mover.Base.Set_Translation({1, 0, 0});
         mover.Ahead = &finder;
@@ -346,10 +261,9 @@ TEST(RenderableMotion, OfAFollowerIsItsParents)
     }
 }
 
-TEST(RenderableKiller, FadesAndKillsAtTheEndOfTheLifetime)
+TEST(RenderableKiller, KillsAtTheEndOfTheLifetimeOrWithTheProjectile)
 {
-    Instance<vrMKPRenderableModifier> killer(KILLER);
-    killer.Set({{"Fade Out Time", 2.0f}});
+    Instance<vrMKPRenderableModifier> killer(kvrMKPRenderableKillerModifier, {{"Fade Out Time", 2.0f}});
     EXPECT_FALSE(Outcome_Of(killer, 1000.0f).Killed); // a lifetime of 0 is for ever
     killer.Time = 0.0f;
     killer.Set({{"Lifetime", 5.0f}});
@@ -357,14 +271,19 @@ TEST(RenderableKiller, FadesAndKillsAtTheEndOfTheLifetime)
     EXPECT_EQ(Outcome_Of(killer, 2.0f).Fade, 0.5f);
     EXPECT_FALSE(Outcome_Of(killer, 0.5f).Killed);
     EXPECT_TRUE(Outcome_Of(killer, 0.5f).Killed);
-    EXPECT_EQ(Outcome_Of(killer, 1.0f).Fade, 0.0f);
+
+    killer.Set({{"Lifetime", 0.0f}});
+    EXPECT_FALSE(Outcome_Of(killer, 1.0f, true).Killed);
+    killer.Set({{"Kill With Projectile", true}});
+    EXPECT_FALSE(Outcome_Of(killer, 1.0f, false).Killed);
+    EXPECT_TRUE(Outcome_Of(killer, 1.0f, true).Killed);
 }
 
 TEST(RenderableKiller, DrawsTheVariationOnce)
 {
     for (const uint32_t seed : {1u, 2u, 3u, 4u}) {
-        Instance<vrMKPRenderableModifier> killer(KILLER);
-        killer.Set({{"Lifetime", 10.0f}, {"Lifetime Variation", 50.0f}});
+        Instance<vrMKPRenderableModifier> killer(kvrMKPRenderableKillerModifier,
+                                                 {{"Lifetime", 10.0f}, {"Lifetime Variation", 50.0f}});
         killer.Random.Seed(seed);
         RandomGeneratorClass same;
         same.Seed(seed);
@@ -375,33 +294,22 @@ TEST(RenderableKiller, DrawsTheVariationOnce)
     }
 }
 
-TEST(RenderableKiller, KillsWithTheProjectileWhenToldTo)
-{
-    Instance<vrMKPRenderableModifier> killer(KILLER);
-    EXPECT_FALSE(Outcome_Of(killer, 1.0f, true).Killed);
-    killer.Set({{"Kill With Projectile", true}});
-    EXPECT_FALSE(Outcome_Of(killer, 1.0f, false).Killed);
-    EXPECT_TRUE(Outcome_Of(killer, 1.0f, true).Killed);
-}
-
 TEST(RenderableLightScale, MultipliesByItsKeys)
 {
-    Instance<vrMKPRenderableModifier> scale(static_cast<int>(kvrMKPKeyedLightScaleRenderableModifier));
-    scale.Set({{"Light Scale R", Keys{0, 1}}, {"Light Scale B", Keys{2, 2}}});
+    Instance<vrMKPRenderableModifier> scale(kvrMKPKeyedLightScaleRenderableModifier);
+    scale.Set({{"Light Scale R", FloatKeys{{0, 0}, {1, 1}}}, {"Light Scale B", FloatKeys{{0, 2}, {1, 2}}}});
     Expect_Near(Outcome_Of(scale, 0.25f).LightScale, {0.25f, 1, 2}, "a quarter");
 }
 
 TEST(ParticleLights, RunThroughTheLegacySpan)
 {
-    Lamp lamp(LEGACY_LIGHT);
-    lamp.Set({{"Start Delay", 1.0f},
-              {"Duration", 4.0f},
-              {"Fade In Time", 1.0f},
-              {"Fade Out Time", 2.0f},
-              {"Intensity", 8.0f}});
+    Lamp lamp(kvrMKPLegacyLightSourceController, {{"Start Delay", 1.0f},
+                                                  {"Duration", 4.0f},
+                                                  {"Fade In Time", 1.0f},
+                                                  {"Fade Out Time", 2.0f},
+                                                  {"Intensity", 8.0f}});
     for (const auto &[time, intensity] :
-         {std::pair{0.5f, 0.0f}, {1.5f, 4.0f}, {2.5f, 8.0f}, {4.0f, 4.0f}, {4.75f, 1.0f}, {5.0f, 0.0f}, {9.0f, 0.0f}})
-    {
+         {std::pair{0.5f, 0.0f}, {1.5f, 4.0f}, {2.5f, 8.0f}, {4.75f, 1.0f}, {9.0f, 0.0f}}) {
         lamp.Time = time;
         EXPECT_FLOAT_EQ(lamp.Shine(0.0f).Intensity, intensity) << time;
         EXPECT_EQ(lamp.Light.IsOn, intensity > 0.0f) << time;
@@ -410,8 +318,9 @@ TEST(ParticleLights, RunThroughTheLegacySpan)
 
 TEST(ParticleLights, ScaleWithTheCountOfParticles)
 {
-    Lamp lamp(KEYED_LIGHT);
-    lamp.Set({{"Intensity", Keys{2, 4}}, {"Radius Scale", Keys{1, 3}}, {"Offset", Vector3(10, 0, 0)}});
+    Lamp lamp(kvrMKPKeyedLightSourceController, {{"Intensity", FloatKeys{{0, 2}, {1, 4}}},
+                                                 {"Radius Scale", FloatKeys{{0, 1}, {1, 3}}},
+                                                 {"Offset", Vector3(10, 0, 0)}});
     lamp.State.LightingParticleCount = 25;
     EXPECT_FLOAT_EQ(lamp.Shine(0.5f).Intensity, 3.0f);
     lamp.Set({{"Use Particle Count", true}});
@@ -421,19 +330,20 @@ TEST(ParticleLights, ScaleWithTheCountOfParticles)
     EXPECT_FLOAT_EQ(lamp.Light.InnerRadius, 100.0f);
     EXPECT_FLOAT_EQ(lamp.Light.OuterRadius, 400.0f);
     Expect_Near(lamp.Light.Position, {100, 10, 0}, "offset in the turned frame");
-    EXPECT_EQ(lamp.Light.Name.Get_String(), "Light");
-    lamp.State.LightingParticleCount = 0;
-    EXPECT_FALSE(lamp.Shine(0.0f).IsOn);
 }
 
 TEST(ParticleLights, SitOnTheCentroidOfTheLayerWhileItLives)
 {
+    const SmartPtr<vrMKPBuffer> buffer = vrMKPBuffer::Create(4, "test");
+    buffer->SmoothedCentroid = {1, 2, 3};
     FakeLayer layer;
-    layer.Buffer->SmoothedCentroid = {1, 2, 3};
-    Lamp lamp(CENTROID_LIGHT);
-    lamp.State.Layers = &layer;
-    lamp.Set({{"Offset", Vector3(10, 0, 0)}});
-    lamp.Set({{"Layer Name", "sparks"}});
+    layer.Name = "sparks";
+    layer.Buffer = buffer.Get();
+    FakeLayers layers;
+    layers.Layers = {&layer};
+    Lamp lamp(kvrMKPCentroidLightSourceController);
+    lamp.State.Layers = &layers;
+    lamp.Set({{"Offset", Vector3(10, 0, 0)}, {"Layer Name", "sparks"}});
     EXPECT_FALSE(lamp.Shine(0.1f).IsOn);
     layer.Buffer->ActiveCount = 1;
     EXPECT_TRUE(lamp.Shine(0.1f).IsOn);
@@ -448,8 +358,8 @@ TEST(ParticleLights, SitOnTheCentroidOfTheLayerWhileItLives)
 
 TEST(ParticleLights, FlickerWithinTheirPartAndWithoutJumps)
 {
-    Lamp lamp(LEGACY_LIGHT);
-    lamp.Set({{"Intensity", 10.0f}, {"Flicker Amount", 0.4f}, {"Flicker Rate", 2.0f}});
+    Lamp lamp(kvrMKPLegacyLightSourceController,
+              {{"Intensity", 10.0f}, {"Flicker Amount", 0.4f}, {"Flicker Rate", 2.0f}});
     float before = lamp.Shine(0.0f).Intensity;
     float lowest = before;
     float highest = before;
@@ -468,28 +378,28 @@ TEST(ParticleLights, FlickerWithinTheirPartAndWithoutJumps)
 
 TEST(RenderablePlugins, SurviveAnyValueOfAFile)
 {
-    const float infinity = std::numeric_limits<float>::infinity();
-    for (const float value : {0.0f, -1.0f, 1e-40f, 3e38f, -3e38f, infinity, -infinity, std::nanf("")}) {
+    for (const float value : {0.0f, -1.0f, 1e-40f, 3e38f, -3e38f, INF, -INF, NOT_A_NUMBER}) {
         for (const int id : Plugin_IDs_Of(vrMKPPlugin::RENDERABLE_PHYSICS_PLUGIN)) {
             Mover mover(id);
-            Set_All(*mover.Made, value);
+            Set_All_Numbers(*mover.Made, value, 1);
             mover.Launch({30, 40, 0}, 10);
             for (int frame = 0; frame < 5; ++frame) mover.Move(0.25f);
         }
-        for (const auto family : {vrMKPPlugin::RENDERABLE_MODIFIER_PLUGIN, vrMKPPlugin::RENDERABLE_KILLER_PLUGIN}) {
+        for (const auto family : {vrMKPPlugin::RENDERABLE_MODIFIER_PLUGIN, vrMKPPlugin::RENDERABLE_KILLER_PLUGIN})
             for (const int id : Plugin_IDs_Of(family)) {
                 Instance<vrMKPRenderableModifier> modifier(id);
-                Set_All(*modifier.Made, value);
+                Set_All_Numbers(*modifier.Made, value, 1);
                 const float fade = Outcome_Of(modifier, 0.25f).Fade;
                 EXPECT_TRUE(fade >= 0.0f && fade <= 1.0f) << Plugin_Label(id) << " " << value;
             }
-        }
         for (const int id : Plugin_IDs_Of(vrMKPPlugin::LIGHT_CONTROLLER_PLUGIN)) {
+            const SmartPtr<vrMKPBuffer> buffer = vrMKPBuffer::Create(4, "test");
+            buffer->ActiveCount = 1;
             FakeLayer layer;
-            layer.Buffer->ActiveCount = 1;
+            layer.Buffer = buffer.Get();
             Lamp lamp(id);
             lamp.First = &layer;
-            Set_All(*lamp.Made, value);
+            Set_All_Numbers(*lamp.Made, value, 1);
             for (int frame = 0; frame < 5; ++frame) {
                 const vrParticleLight &light = lamp.Shine(0.25f);
                 EXPECT_TRUE(!light.IsOn || (Is_Valid(light.Position) && Is_Valid(light.Intensity)))
@@ -502,18 +412,13 @@ TEST(RenderablePlugins, SurviveAnyValueOfAFile)
 // A loaded curve takes the place of the default key, also where it has a key at the same time or none at all.
 TEST(RenderablePlugins, KeepNoDefaultKeyBesideLoadedOnes)
 {
-    for (const bool hasKeys : {true, false}) {
-        const SmartPtr<vrMKPPlugin> plugin = Make_Plugin(kvrMKPKeyedTransformRenderablePhysics);
-        auto &scale = Parameter_Of<KeyedFloatParameterClass>(*plugin, "Scale");
-        scale.Clear_Keys();
-        if (hasKeys) scale.Add_Key(0.0f, 3.0f);
+    for (const FloatKeys &keys : {FloatKeys{{0.0f, 3.0f}}, FloatKeys{}}) {
+        const auto plugin = Make_Plugin(KEYED, {{"Scale", keys}});
         for (const SmartPtr<vrMKPPlugin> &same :
              {SmartPtr<vrMKPPlugin>(plugin->Clone()), Load_Plugin(Save_Plugin(*plugin))}) {
-            const auto &copy = Parameter_Of<KeyedFloatParameterClass>(*same, "Scale");
-            EXPECT_EQ(copy.Get_Key_Count(), hasKeys ? 1 : 0);
             float value = -1.0f;
-            copy.Evaluate(0.5f, false, value);
-            EXPECT_EQ(value, hasKeys ? 3.0f : 0.0f);
+            Parameter_Of<KeyedFloatParameterClass>(*same, "Scale").Evaluate(0.5f, false, value);
+            EXPECT_EQ(value, keys.empty() ? 0.0f : 3.0f);
         }
     }
 }

@@ -2,22 +2,15 @@
 
 #include "BufferBuilder.h"
 #include "PluginBuilders.h"
+#include "VertexChecks.h"
 
 #include "vrGraphics/plugins/spawners/vrMKPSpawner.h"
 #include "vrGraphics/plugins/stompers/vrMKPStomper.h"
-#include "MKLib/Parameters/EnumParameter.h"
-#include "MKLib/Parameters/ShapeParameter.h"
-#include "MKLib/Parameters/SimpleParameters.h"
 
 #include <gtest/gtest.h>
 
-#include <limits>
-
 namespace MKTest
 {
-
-constexpr float INF = std::numeric_limits<float>::infinity();
-constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
 
 /// A spawner at work on a buffer: particles from the origin, at rest, where a test doesn't say otherwise.
 struct SpawnRun : BufferBuilder
@@ -27,36 +20,13 @@ struct SpawnRun : BufferBuilder
     explicit SpawnRun(int id = 34, int capacity = 64, vrMKPTransformType space = MKP_TRANSFORM_WORLD)
         : BufferBuilder(capacity, space), Plugin(Make_Plugin(id))
     {
-        Shape("Velocity", SHAPE_POINT);
+        Set("Velocity", Vector3(0.0f));
         EXPECT_TRUE(Spawner().Create_Spawn_Data(State, &Buffer->SpawnerData));
     }
     vrMKPSpawner &Spawner() { return dynamic_cast<vrMKPSpawner &>(*Plugin); }
-    SpawnRun &Float(const char *name, float value)
+    SpawnRun &Set(const char *name, const Value &value)
     {
-        Parameter_Of<RangedFloatParameter>(*Plugin, name).Set_Value(value);
-        return *this;
-    }
-    SpawnRun &Int(const char *name, int value)
-    {
-        Parameter_Of<RangedIntParameter>(*Plugin, name).Set_Value(value);
-        return *this;
-    }
-    SpawnRun &Bool(const char *name, bool value)
-    {
-        Parameter_Of<BoolParameter>(*Plugin, name).Set_Value(value);
-        return *this;
-    }
-    SpawnRun &Enum(const char *name, int index)
-    {
-        Parameter_Of<EnumParameterClass>(*Plugin, name).Set_Index(index);
-        return *this;
-    }
-    SpawnRun &Shape(const char *name, uint32_t type, const Vector3 &center = Vector3(0.0f))
-    {
-        ShapeStruct shape;
-        shape.ShapeType = type;
-        shape.Center = center;
-        Parameter_Of<ShapeParameterClass>(*Plugin, name).Set_Value(shape);
+        Set_Value(*Plugin, name, value);
         return *this;
     }
     /// One frame. Answers the slots of the newborns.
@@ -86,10 +56,5 @@ struct FixedStomper final : vrMKPStomper
     size_t Get_Object_Size() const override { return sizeof(*this); }
     float Life;
 };
-
-inline void Expect_Near(const Vector3 &actual, const Vector3 &expected, float tolerance = 1e-5f)
-{
-    for (int axis = 0; axis < 3; ++axis) EXPECT_NEAR(actual[axis], expected[axis], tolerance) << "axis " << axis;
-}
 
 } // namespace MKTest

@@ -5,21 +5,16 @@
 #include "vrGraphics/plugins/transformers/Transformers.h"
 
 #include "BufferBuilder.h"
+#include "Fakes.h"
 #include "PluginBuilders.h"
 #include "common/Reports.h"
 
-#include "MKLib/Parameters/EnumParameter.h"
 #include "MKLib/Parameters/SimpleParameters.h"
-#include "MKLib/Parameters/StringParameters.h"
 #include "vrGraphics/drivercommon/vrBounds.h"
-#include "vrGraphics/particle/vrMKPLayer.h"
-#include "vrGraphics/particle/vrWorld.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstring>
-#include <limits>
 #include <vector>
 
 using namespace MKTest;
@@ -27,47 +22,14 @@ using namespace MKTest;
 namespace
 {
 
-constexpr float INF = std::numeric_limits<float>::infinity();
-
 template <typename T>
-SmartPtr<T> Make(const std::vector<std::pair<const char *, float>> &values = {})
+SmartPtr<T> Make(const Values &values = {})
 {
     SmartPtr<T> plugin(new T);
-    for (const auto &[name, value] : values) {
-        ParameterClass *parameter = plugin->Get_Parameter_By_Name(name);
-        if (auto *flag = dynamic_cast<BoolParameter *>(parameter))
-            flag->Set_Value(value != 0.0f);
-        else if (auto *choice = dynamic_cast<EnumParameterClass *>(parameter))
-            choice->Set_Index(static_cast<int>(value));
-        else if (auto *count = dynamic_cast<RangedIntParameter *>(parameter))
-            count->Set_Value(static_cast<int>(value));
-        else
-            dynamic_cast<RangedFloatParameter &>(*parameter).Set_Value(value);
-    }
+    Set_Values(*plugin, values);
     if constexpr (std::is_base_of_v<vrMKPStomper, T>) plugin->Post_Load();
     return plugin;
 }
-
-/// Takes down the deaths that it is told.
-struct Listener final : vrMKPLayer
-{
-    struct Death
-    {
-        float X;
-        float Overshoot;
-        bool operator==(const Death &) const = default;
-    };
-    std::vector<Death> Deaths;
-    MK::String Name;
-
-    const MK::String &Get_Name() const override { return Name; }
-    vrMKPBuffer *Get_Buffer() const override { return nullptr; }
-    void On_Parent_Particle_Death(const vrMKPBuffer &, const Vector3 &position, const Vector3 &,
-                                  float overshoot) override
-    {
-        Deaths.push_back({position.x, overshoot});
-    }
-};
 
 std::vector<uint32_t> Numbers(const vrMKPBuffer &buffer)
 {
@@ -75,35 +37,6 @@ std::vector<uint32_t> Numbers(const vrMKPBuffer &buffer)
     for (const vrMKPSpan span : buffer.Live_Spans())
         for (int at = 0; at < span.Count; ++at) numbers.push_back(buffer.Number[span.First + at]);
     return numbers;
-}
-
-/// Writes its number over all of a particle, so that a channel that is left behind shows.
-void Stamp(vrMKPBuffer &buffer, int slot)
-{
-    const auto number = static_cast<float>(buffer.Number[slot]);
-    buffer.ProjectileStartingPosition.Put(slot, {number, number + 1, number + 2});
-    buffer.PreviousPosition.Put(slot, {number + 9, number + 10, number + 11});
-    buffer.Position.Put(slot, {number, number + 3, number + 4});
-    buffer.ProjectileTargetPosition.Put(slot, {number + 12, number + 13, number + 14});
-    buffer.Velocity.Put(slot, {number + 5, number + 6, number + 7});
-    buffer.WorldPosition.Put(slot, {number + 15, number + 16, number + 17});
-    buffer.ProjectileFlightDuration[slot] = buffer.SortingRelativeToGroup[slot] = number;
-    buffer.UV[slot] = buffer.DUV[slot] = buffer.Size[slot] = Vector2(number, number + 8);
-    buffer.Color[slot] = buffer.Rotation[slot] = buffer.ID[slot] = buffer.Number[slot];
-}
-
-/// The bytes of a particle but for its age and time.
-std::vector<uint8_t> Bytes_Of(const vrMKPBuffer &buffer, int slot)
-{
-    std::vector<uint8_t> bytes;
-    for (uint32_t at = 0; at < MKP_ATTRIBUTE_COUNT; ++at) {
-        const auto channel = static_cast<MKPAttribTypes>(at);
-        if (channel == MKP_AGE || channel == MKP_TIME || channel == MKP_RENDER) continue;
-        const size_t begin = bytes.size();
-        bytes.resize(begin + vrMKPBuffer::Get_Element_Size(channel));
-        buffer.Copy_Element(channel, slot, bytes.data() + begin);
-    }
-    return bytes;
 }
 
 } // namespace
@@ -118,10 +51,10 @@ TEST(Stompers, LivesComeFromTimeAndVariation)
     };
     // A variation is per cent of the time; up to a hundredth of a second counts as none.
     const Case cases[] = {
-        {2.0f, 0.0f, false, true, 2.0f, 2.0f, 2.0f},    {1.0f, 1.0f, true, true, 1.01f, 1.0f, 1.0f},
-        {2.0f, 50.0f, false, false, 3.0f, 2.0f, 3.0f},  {2.0f, 50.0f, true, false, 3.0f, 1.0f, 3.0f},
+        {1.0f, 1.0f, true, true, 1.01f, 1.0f, 1.0f},    {2.0f, 50.0f, false, false, 3.0f, 2.0f, 3.0f},
         {2.0f, 300.0f, true, false, 8.0f, 0.01f, 8.0f}, {-2.0f, 50.0f, false, false, -3.0f, 0.01f, 0.01f},
-        {0.0f, 0.0f, false, true, 0.0f, 0.0f, 0.0f}};
+        {0.0f, 0.0f, false, true, 0.0f, 0.0f, 0.0f},
+    };
     for (const Case &c : cases) {
         const auto stomper = Make<vrMKPSimpleStomper>(
             {{"Stomp Time", c.time}, {"Stomp Time Variation", c.variation}, {"Full Range Variation", c.full}});
@@ -151,88 +84,53 @@ TEST(Stompers, AgeingMatchesTheRuleOneByOne)
     const int capacities[] = {1, 2, 7, 8, 9, 17, 64, 65, 600, 1100, 1537};
     for (int round = 0; round < 400; ++round) {
         const int capacity = capacities[round % std::size(capacities)];
+        SCOPED_TRACE(capacity);
         const int perCentDead = random.Get_Int(0, 4) * 25;
         BufferBuilder built(capacity);
         vrMKPBuffer &buffer = *built.Buffer;
-        Listener listener;
+        FakeLayer listener;
         buffer.Add_Death_Listener(listener);
         built.Start_At(random.Get_Int(0, capacity - 1));
         built.State.FrameTime = 0.25f;
-        std::vector<std::vector<uint8_t>> expected;
-        std::vector<std::pair<float, float>> agesAndTimes;
-        std::vector<Listener::Death> deaths;
+        std::vector<uint32_t> living;
+        std::vector<float> times;
+        std::vector<FakeLayer::Death> deaths;
         for (int left = random.Get_Int(0, capacity); left > 0; --left) {
-            const int slot = built.Add();
-            Stamp(buffer, slot);
+            const int slot = built.Add({random.Get_Float(0.0f, 1.0f), 0.0f, 0.0f});
             const float age = buffer.Age[slot] = random.Get_Float(0.0f, 1.0f);
             const bool dies = random.Get_Int(0, 99) < perCentDead;
             const float maxAge = buffer.MaxAge[slot] = dies ? age + 0.125f : age + 0.25f;
             if (age + 0.25f > maxAge) {
                 deaths.push_back({buffer.Position[slot].x, age + 0.25f - maxAge});
             } else {
-                expected.push_back(Bytes_Of(buffer, slot));
-                agesAndTimes.emplace_back(age + 0.25f, (age + 0.25f) / maxAge);
+                living.push_back(buffer.Number[slot]);
+                times.push_back((age + 0.25f) / maxAge);
             }
         }
-        const int head = buffer.Head;
         stomper->Age_Particles(buffer);
 
-        ASSERT_EQ(buffer.ActiveCount, static_cast<int>(expected.size())) << "capacity " << capacity;
+        ASSERT_EQ(Numbers(buffer), living);
         EXPECT_EQ(listener.Deaths, deaths);
         EXPECT_EQ(buffer.TimeSinceDeath, deaths.empty() ? 0.25f : 0.0f);
-        EXPECT_EQ(buffer.Tail, (head + buffer.ActiveCount - 1 + capacity) % capacity);
-        size_t at = 0;
-        for (int slot = head; at < expected.size(); slot = buffer.Next_Slot(slot), ++at) {
-            ASSERT_EQ(Bytes_Of(buffer, slot), expected[at]) << "capacity " << capacity << " head " << head;
-            ASSERT_EQ(std::make_pair(buffer.Age[slot], buffer.Time[slot]), agesAndTimes[at]);
+        int slot = buffer.Head;
+        for (const float time : times) {
+            ASSERT_EQ(buffer.Time[slot], time);
+            slot = buffer.Next_Slot(slot);
         }
-    }
-}
-
-TEST(Stompers, OrderedRingLosesItsHeadAsIfAllWereVisited)
-{
-    for (const bool updates : {true, false}) {
-        const auto stomper = Make<vrMKPSimpleStomper>({{"Stomp Time", 1.0f}, {"Update Time", updates}});
-        BufferBuilder ordered(8), general(8);
-        ordered.Buffer->HardLifetime = true;
-        for (int frame = 0; frame < 40; ++frame) {
-            for (BufferBuilder *built : {&ordered, &general}) {
-                built->State.FrameTime = 0.25f;
-                stomper->Age_Particles(*built->Buffer);
-                built->End_Frame();
-                if (frame % 3 != 2) built->Add();
-                stomper->Init_New_Particles(*built->Buffer);
-            }
-            ASSERT_EQ(Numbers(*ordered.Buffer), Numbers(*general.Buffer));
-            ASSERT_EQ(ordered.Buffer->TimeSinceDeath, general.Buffer->TimeSinceDeath);
-            int other = general.Buffer->Head;
-            for (int slot = ordered.Buffer->Head, left = ordered.Buffer->ActiveCount; left > 0; --left) {
-                ASSERT_EQ(ordered.Buffer->Time[slot], general.Buffer->Time[other]);
-                ASSERT_EQ(ordered.Buffer->Time[slot], updates ? ordered.Buffer->Age[slot] : 0.0f);
-                slot = ordered.Buffer->Next_Slot(slot);
-                other = general.Buffer->Next_Slot(other);
-            }
-        }
-        // Those of the frames 36, 37 and 39: one of 35 would have just reached its second, and live on.
-        EXPECT_EQ(ordered.Buffer->ActiveCount, 3);
     }
 }
 
 TEST(Stompers, RemovalOfTheEmitterEmptiesOnlyWhenAsked)
 {
     for (const bool kills : {true, false}) {
-        const auto stomper = Make<vrMKPSimpleStomper>({{"Kill On Removal", kills}, {"Spawn on Age", 1.0f}});
+        const auto stomper = Make<vrMKPSimpleStomper>({{"Kill On Removal", kills}});
         BufferBuilder built;
-        Listener listener;
-        built.Buffer->Add_Death_Listener(listener);
         built.Add();
         stomper->Init_New_Particles(*built.Buffer);
-        EXPECT_EQ(built.Buffer->KillOnRemoval, kills);
         built.State.Hidden = true;
         stomper->Age_Particles(*built.Buffer);
         EXPECT_EQ(built.Buffer->ActiveCount, kills ? 0 : 1);
         EXPECT_EQ(built.Buffer->Head, kills ? -1 : 0);
-        EXPECT_TRUE(listener.Deaths.empty());
     }
 }
 
@@ -241,7 +139,7 @@ TEST(Stompers, BadGreatestAgeIsReportedOnceAStep)
     const Reports reports;
     const auto stomper = Make<vrMKPSimpleStomper>({{"Stomp Time Variation", 50.0f}});
     BufferBuilder built;
-    for (int i = 0; i < 5; ++i) built.Buffer->MaxAge[built.Add()] = std::numeric_limits<float>::quiet_NaN();
+    for (int i = 0; i < 5; ++i) built.Buffer->MaxAge[built.Add()] = NOT_A_NUMBER;
     stomper->Age_Particles(*built.Buffer);
     EXPECT_EQ(reports.Count_Asserts("buffer->MaxAge[index] > 0.0f"), 1);
     EXPECT_EQ(built.Buffer->ActiveCount, 5);
@@ -250,33 +148,13 @@ TEST(Stompers, BadGreatestAgeIsReportedOnceAStep)
 namespace
 {
 
-/// Ground that rises with x, and a trajectory along z of length 100.
-struct SlopeAndTrack final : vrTerrain, vrCarrierModel
-{
-    float Get_Height(float x, float) const override { return x; }
-    bool Intersect_Segment(const Vector3 &, const Vector3 &, Vector3 &, Vector3 &) const override { return false; }
-    int Find_Bone(std::string_view name) const override { return name == "Tip" ? 4 : -1; }
-    Mat3DClass Get_Bone_Transform(int) const override { return Mat3DClass::From_Translation({0.0f, 50.0f, 0.0f}); }
-    bool Get_Trajectory_Fraction(const Vector3 &point, float &fraction) const override
-    {
-        fraction = point.z / 100.0f;
-        return true;
-    }
-};
-
-enum Worlds
-{
-    EMPTY_WORLD,
-    FULL_WORLD
-};
-
 /// The border is met on the way from `base` along an axis.
 struct Condition
 {
     const char *name;
     SmartPtr<vrMKPStomper> stomper;
     vrMKPTransformType space;
-    Worlds world;
+    bool isFull; ///< with terrain and carrier
     Vector3 base;
     int axis;
     float border;
@@ -299,30 +177,26 @@ TEST(Stompers, ConditionsKillBeyondTheirBorder)
     using Axis = vrMKPAxisStomper;
     using Target = vrMKPTargetStomper;
     using Track = vrMKPGlobalTrajectoryStomper;
-    const auto bone = Make<Target>({{"Target Position", 1}, {"Target Radius", 2}});
-    Parameter_Of<StringParameterClass>(*bone, "Bone Name").Set_Value("Tip");
+    const auto bone = Make<Target>({{"Target Position", 1}, {"Target Radius", 2}, {"Bone Name", "hand"}});
     const auto ground = Make<vrMKPTerrainStomper>();
-    const auto raised = Make<vrMKPTerrainStomper>();
-    Parameter_Of<Vector3Parameter>(*raised, "Intersection Offset").Set_Value({1, 0, 5});
     const auto track = Make<Track>({{"Trajectory Position", 50}});
-    const auto reverse = Make<Track>({{"Trajectory Position", 50}, {"Reverse Direction", 1}});
-    const auto aboveY = Make<Axis>({{"Stomp Axis", 1}, {"Kill if Value is", 0}});
     const auto aboveX = Make<Axis>({{"Stomp Axis", 0}, {"Kill if Value is", 0}, {"Stomp Value", 12}});
     constexpr auto WORLD = MKP_TRANSFORM_WORLD;
     constexpr auto LOCAL = MKP_TRANSFORM_LOCAL;
     // The renderable stands at (10, 20, 30), and the dynamic target radius is 3.
     const Condition cases[] = {
-        {"radius local", Make<Radius>({{"Stomp Radius", 5}}), LOCAL, EMPTY_WORLD, {3, 0, 0}, 1, 4, 1},
-        {"dynamic radius", Make<Radius>({{"Use Target Radius", 1}}), LOCAL, EMPTY_WORLD, {0, 0, 0}, 0, 3, 1},
-        {"axis below", Make<Axis>({{"Stomp Value", -2}}), WORLD, EMPTY_WORLD, {0, 0, 0}, 2, -2, -1},
-        {"axis local", aboveX, LOCAL, EMPTY_WORLD, {0, 0, 0}, 0, 2, 1},
-        {"no terrain", ground, WORLD, EMPTY_WORLD, {0, 0, 0}, 2, -60, -1},
-        {"terrain", ground, WORLD, FULL_WORLD, {7, 0, 0}, 2, 7, -1},
-        {"target local", Make<Target>({{"Use Dynamic Radius", 1}}), LOCAL, EMPTY_WORLD, {0, 0, 0}, 2, 3, -1, false},
-        {"target bone", bone, WORLD, FULL_WORLD, {0, 0, 0}, 1, 52, -1, false},
-        {"trajectory", track, WORLD, FULL_WORLD, {0, 0, 0}, 2, 50, 1},
+        {"radius local", Make<Radius>({{"Stomp Radius", 5}}), LOCAL, false, {3, 0, 0}, 1, 4, 1},
+        {"dynamic radius", Make<Radius>({{"Use Target Radius", 1}}), LOCAL, false, {0, 0, 0}, 0, 3, 1},
+        {"axis below", Make<Axis>({{"Stomp Value", -2}}), WORLD, false, {0, 0, 0}, 2, -2, -1},
+        {"axis local", aboveX, LOCAL, false, {0, 0, 0}, 0, 2, 1},
+        {"no terrain", ground, WORLD, false, {0, 0, 0}, 2, -60, -1},
+        {"terrain", ground, WORLD, true, {7, 0, 0}, 2, 7, -1},
+        {"target local", Make<Target>({{"Use Dynamic Radius", 1}}), LOCAL, false, {0, 0, 0}, 2, 3, -1, false},
+        {"target bone", bone, WORLD, true, {0, 0, 0}, 1, 52, -1, false},
+        {"trajectory", track, WORLD, true, {0, 0, 0}, 2, 50, 1},
     };
-    const SlopeAndTrack world;
+    FakeWorld world({0, 50, 0});
+    world.Slope = 1.0f;
     for (const Condition &c : cases) {
         SCOPED_TRACE(c.name);
         BufferBuilder built(16, c.space);
@@ -330,11 +204,11 @@ TEST(Stompers, ConditionsKillBeyondTheirBorder)
         built.Start_At(14);
         built.State.Place_At(Mat3DClass::From_Translation({10.0f, 20.0f, 30.0f}));
         built.State.Dynamic[vrMKPRenderState::DYNAMIC_TARGET_RADIUS] = 3.0f;
-        if (c.world == FULL_WORLD) {
+        if (c.isFull) {
             built.State.Terrain = &world;
             built.State.Carrier = &world;
         }
-        Listener listener;
+        FakeLayer listener;
         buffer.Add_Death_Listener(listener);
         buffer.StomperData = c.stomper->Create_Buffer_Data(built.State);
         for (const float beyond : {0.1f, -0.1f, 0.0f, 0.1f}) built.Add(c.Place(beyond));
@@ -347,7 +221,7 @@ TEST(Stompers, ConditionsKillBeyondTheirBorder)
         spawns.Set_Value(true);
         buffer.Age[built.Add(c.Place(0.1f))] = 0.5f;
         c.stomper->Kill_Particles(buffer);
-        EXPECT_EQ(listener.Deaths, (std::vector<Listener::Death>{{c.Place(0.1f).x, -0.5f}}));
+        EXPECT_EQ(listener.Deaths, (std::vector<FakeLayer::Death>{{c.Place(0.1f).x, -0.5f}}));
     }
 }
 
@@ -355,7 +229,7 @@ TEST(Stompers, ConditionsKillBeyondTheirBorder)
 TEST(Stompers, ConditionFindsTheOneThatDies)
 {
     const auto stomper = Make<vrMKPRadiusStomper>({{"Stomp Radius", 5}});
-    for (const int count : {1, 7, 15, 16, 17, 31, 33, 511, 513, 700}) {
+    for (const int count : {1, 7, 16, 17, 33, 511, 513, 700}) {
         for (const int dying : {0, count / 2, count - 1}) {
             BufferBuilder built(700);
             built.Start_At(dying % 7 + 600);
@@ -380,11 +254,9 @@ TEST(Stompers, BulletSpendsItsLastFrameBeforeTheEnd)
     const Case cases[] = {{1.0f, 1.0f, 1.0f, {0.0f, 0.5f, 0.99f, 1.0f}},
                           {3.0f, 2.0f, 1.5f, {0.0f, 0.5f / 1.5f, 1.0f / 1.5f, 0.99f, 1.0f}},
                           {0.25f, 1.0f, 0.25f, {0.0f, 0.99f, 1.0f}},
-                          {0.0f, 1.0f, 0.01f, {1.0f}},
                           {-1.0f, 1.0f, 0.01f, {1.0f}}};
     for (const Case &c : cases) {
         const auto stomper = Make<vrMKPBulletStomper>({{"SpeedMultiplier", c.speed}});
-        EXPECT_FALSE(stomper->Has_Fixed_Life());
         BufferBuilder built;
         vrMKPBuffer &buffer = *built.Buffer;
         built.State.FrameTime = 0.5f;
@@ -411,26 +283,20 @@ TEST(WeatherCube, ShowsAndHidesTheSameParticles)
     vrMKPBuffer &buffer = *built.Buffer;
     spawner->Spawn(buffer);
     EXPECT_EQ(buffer.ActiveCount, 10);
-    EXPECT_EQ(buffer.SpawnedThisFrame, 10);
     for (int slot = 0; slot < 10; ++slot)
         for (int axis = 0; axis < 3; ++axis) EXPECT_LE(std::abs(buffer.Position[slot][axis]), 4.0f);
     const std::vector<uint32_t> first = Numbers(buffer);
     built.End_Frame();
     for (int frame = 0; frame < 100; ++frame) stomper->Age_Particles(buffer);
     EXPECT_EQ(buffer.ActiveCount, 10) << "nobody dies of age";
-    EXPECT_NEAR(buffer.Age[3], 10.0f, 1e-3f);
     built.State.Energy = 0.55f;
     stomper->Kill_Particles(buffer);
     EXPECT_EQ(buffer.ActiveCount, 5);
-    EXPECT_EQ(buffer.Tail, 4);
     spawner->Spawn(buffer);
     EXPECT_EQ(Numbers(buffer), first);
     built.State.Hidden = true;
     stomper->Age_Particles(buffer);
     EXPECT_EQ(buffer.ActiveCount, 0);
-    built.State.Hidden = false;
-    spawner->Spawn(buffer);
-    EXPECT_EQ(Numbers(buffer), first);
 
     const Reports reports;
     BufferBuilder small(9);
@@ -450,22 +316,17 @@ TEST(WeatherCube, ModifierBringsStraysBackFromTheOtherSide)
         buffer.MayHaveStopped = mayRest;
         built.Start_At(900);
         for (int i = 0; i < 600; ++i) built.Add({1.0f, 2.0f, 3.0f});
-        const int early = built.Add({4.0f, 5.0f, -5.0f});
         const int resting = built.Add({7.0f, 0.0f, 0.0f});
         const int wrapped = built.Add({7.0f, 0.0f, -7.0f});
         const int far = built.Add({26.0f, 0.0f, 0.0f});
         buffer.Flags[resting] = PARTICLE_STOPPED;
-        for (const vrMKPSpan span : buffer.Live_Spans())
-            for (int slot = span.First; slot < span.First + span.Count; ++slot)
-                buffer.PreviousPosition.Put(slot, buffer.Position[slot] - Vector3(1.0f, 0.0f, 0.0f));
+        buffer.PreviousPosition.Put(wrapped, {6.0f, 0.0f, -7.0f});
         modifier->Modify(buffer, 0);
-        EXPECT_EQ(buffer.Position[early], Vector3(4.0f, 5.0f, -5.0f));
         // The flag counts where the buffer says that somebody may rest.
         EXPECT_EQ(buffer.Position[resting], Vector3(mayRest ? 7.0f : -3.0f, 0.0f, 0.0f));
         EXPECT_EQ(buffer.Position[wrapped], Vector3(-3.0f, 0.0f, 3.0f));
         EXPECT_EQ(buffer.PreviousPosition[wrapped], Vector3(-4.0f, 0.0f, 3.0f));
         EXPECT_EQ(buffer.Position[far], Vector3(14.0f, 0.0f, 0.0f));
-        EXPECT_EQ(buffer.PreviousPosition[far], Vector3(13.0f, 0.0f, 0.0f));
         EXPECT_EQ(buffer.Position[900], Vector3(1.0f, 2.0f, 3.0f));
     }
 }
@@ -481,7 +342,6 @@ TEST(WeatherCube, MovingCameraMovesNobody)
         const Mat3DClass camera = Mat3DClass::Look_At({way, -2 * way, 1.0f}, {way + 1.0f, 5.0f, way});
         vrBounds bounds;
         transformer->Transform_For_View(&buffer, &camera, bounds);
-        EXPECT_EQ(bounds.Extent, Vector3(10000.0f));
         for (int slot = 0; slot < 75; ++slot) {
             for (int axis = 0; axis < 3; ++axis) {
                 // The same place of the lattice, in whichever cube.
@@ -497,38 +357,16 @@ TEST(WeatherCube, TimeIsThePlaceInTheCube)
 {
     // The cube's centre is 100 ahead of the camera, at (0, 0, -100): the particle at the world's origin is 100 above
     // it.
-    struct Case
-    {
-        float emulation, time;
-    };
-    const Case cases[] = {{0, 0.5f}, {1, 0.5f}, {2, 0.7f}, {3, 0.5f}, {4, 0.5f}, {5, 0.3f}, {99, 0.5f}};
-    for (const Case &c : cases) {
-        const auto transformer = Make<vrMKPWeatherCubeTransformer>({{"Time Emulation", c.emulation}});
+    for (const auto &[emulation, time] : {std::pair{0, 0.5f}, {1, 0.5f}, {2, 0.7f}, {4, 0.5f}, {5, 0.3f}, {99, 0.5f}}) {
+        const auto transformer = Make<vrMKPWeatherCubeTransformer>({{"Time Emulation", emulation}});
         BufferBuilder built;
         built.Add();
         vrBounds bounds;
         const Mat3DClass camera;
         transformer->Transform_For_View(built.Buffer.Get(), &camera, bounds);
-        EXPECT_NEAR(built.Buffer->Time[0], c.time, 1e-6f);
-        EXPECT_NEAR(built.Buffer->WorldPosition[0].z, 0.0f, 1e-4f);
+        EXPECT_NEAR(built.Buffer->Time[0], time, 1e-6f);
         EXPECT_EQ(bounds.Center, Vector3(0.0f, 0.0f, -100.0f));
     }
-}
-
-TEST(Transformers, LocalRidesAndWorldStays)
-{
-    BufferBuilder built(4);
-    built.Start_At(3);
-    // A quarter turn about z, and 10 along x.
-    built.State.Place_At({{{0.0f, -1.0f, 0.0f, 10.0f}, {1.0f, 0.0f, 0.0f, 0.0f}, {0.0f, 0.0f, 1.0f, 0.0f}}});
-    built.Add({1.0f, 2.0f, 3.0f});
-    built.Add({0.0f, 0.0f, 4.0f});
-    Make<vrMKPLocalTransformer>()->Transform(*built.Buffer);
-    EXPECT_EQ(built.Buffer->WorldPosition[3], Vector3(8.0f, 1.0f, 3.0f));
-    EXPECT_EQ(built.Buffer->WorldPosition[0], Vector3(10.0f, 0.0f, 4.0f));
-    Make<vrMKPWorldTransformer>()->Transform(*built.Buffer);
-    EXPECT_EQ(built.Buffer->WorldPosition[3], Vector3(1.0f, 2.0f, 3.0f));
-    EXPECT_EQ(built.Buffer->WorldPosition[0], Vector3(0.0f, 0.0f, 4.0f));
 }
 
 TEST(Transformers, ScreenTilesItsRectangle)
@@ -554,42 +392,9 @@ TEST(Transformers, ScreenTilesItsRectangle)
         transformer->Transform_For_View(built.Buffer.Get(), &camera, bounds);
         EXPECT_EQ(built.Buffer->WorldPosition[0], c.expected);
         EXPECT_EQ(bounds.Center, Vector3(1.0f, 2.0f, -2.0f));
-        EXPECT_EQ(bounds.Extent, Vector3(10000.0f));
     }
     const Reports reports;
     vrBounds bounds;
     Make<vrMKPScreenTransformer>()->Transform_For_View(nullptr, &camera, bounds);
-    Make<vrMKPWeatherCubeTransformer>()->Transform_For_View(nullptr, &camera, bounds);
-    EXPECT_EQ(reports.Count_Asserts("buffer == NULL || camera == NULL"), 2);
-}
-
-// The remainder comes from a division in double precision, which has to be fmod's to the last bit.
-TEST(Transformers, ScreenRemainderIsExact)
-{
-    RandomClass random(5);
-    const Mat3DClass camera;
-    for (const float width : {500.0f, 0.1f, 3.0f, 1e-30f, 1e35f, 0.0f, -7.0f, INF}) {
-        const auto transformer = Make<vrMKPScreenTransformer>({{"Width", width}});
-        for (const float range : {1.0f, 1e3f, 1e9f, 1e38f}) {
-            BufferBuilder built(75);
-            for (int i = 0; i < 75; ++i) {
-                const float tile = width * static_cast<float>(random.Get_Int(0, 1000));
-                const float nearTile = std::nextafter(tile - width * 0.5f, i % 2 ? INF : 0.0f);
-                built.Add({i < 32 ? random.Get_Float(-range, range) : nearTile, 0.0f, 0.0f});
-            }
-            vrBounds bounds;
-            transformer->Transform_For_View(built.Buffer.Get(), &camera, bounds);
-            for (int slot = 0; slot < 75; ++slot) {
-                const float x = built.Buffer->Position[slot].x;
-                const float half = width / 2.0f;
-                const float expected =
-                    x >= 0.0f ? std::fmod(x + half, width) - half : std::fmod(x - half, width) + half;
-                const float actual = built.Buffer->WorldPosition[slot].x;
-                if (std::isfinite(expected))
-                    ASSERT_EQ(actual, expected) << x << " in " << width;
-                else
-                    ASSERT_FALSE(std::isfinite(actual));
-            }
-        }
-    }
+    EXPECT_EQ(reports.Count_Asserts("buffer == NULL || camera == NULL"), 1);
 }

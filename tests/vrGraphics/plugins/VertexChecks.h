@@ -10,11 +10,12 @@
 namespace MKTest
 {
 
-inline void Expect_Near(const Vector3 &actual, const Vector3 &expected, const std::string &what,
+/// The tolerance grows with what is expected.
+inline void Expect_Near(const Vector3 &actual, const Vector3 &expected, const std::string &what = "",
                         float tolerance = 1e-5f)
 {
-    for (int axis = 0; axis < 3; ++axis)
-        EXPECT_NEAR(actual[axis], expected[axis], tolerance) << what << ", axis " << axis;
+    const float bound = tolerance * (1.0f + glm::length(expected));
+    for (int axis = 0; axis < 3; ++axis) EXPECT_NEAR(actual[axis], expected[axis], bound) << what << ", axis " << axis;
 }
 
 /// The positions of all vertices.

@@ -3,8 +3,6 @@
 #include "BufferBuilder.h"
 #include "PluginBuilders.h"
 
-#include "MKLib/Parameters/EnumParameter.h"
-#include "MKLib/Parameters/SimpleParameters.h"
 #include "vrGraphics/drivercommon/vrParticleScratch.h"
 #include "vrGraphics/drivercommon/vrRenderContext.h"
 #include "vrGraphics/plugins/visualizers/vrMKPSimpleVisualizerData.h"
@@ -37,9 +35,7 @@ struct VisualizerStage
     {
         return static_cast<vrMKPSimpleVisualizerData &>(*Built.Buffer->VisualizerData);
     }
-    void Set(const char *name, bool value) { Parameter_Of<BoolParameter>(*Plugin, name).Set_Value(value); }
-    void Set(const char *name, float value) { Parameter_Of<RangedFloatParameter>(*Plugin, name).Set_Value(value); }
-    void Choose(const char *name, int index) { Parameter_Of<EnumParameterClass>(*Plugin, name).Set_Index(index); }
+    void Set(const char *name, const Value &value) { Set_Value(*Plugin, name, value); }
 
     /// A particle with half a width of 2 and half a height of 1, which takes the texture from (0.25, 0.5) to
     /// (0.75, 0.75).
