@@ -17,21 +17,8 @@ constexpr double LEAST_AREA = 1e-60; ///< far from where products of areas lose 
 /// Two draws: one alone has too few values for a large mesh.
 int64_t Draw_Wide(RandomClass &random)
 {
-    const int64_t high = random.Get_Int(0, static_cast<int32_t>(RandomMax));
-    return high * DRAWS + random.Get_Int(0, static_cast<int32_t>(RandomMax));
-}
-
-/// How many of the ascending values aren't above the one that is sought. Halves by sums in place of jumps, which nobody
-/// could predict.
-size_t Count_Up_To(const std::vector<double> &values, double sought)
-{
-    size_t place = 0;
-    for (size_t left = values.size(); left > 0;) {
-        const size_t half = (left + 1) / 2;
-        place += sought < values[place + half - 1] ? 0 : half;
-        left -= half;
-    }
-    return place;
+    const int64_t high = random.Draw();
+    return high * DRAWS + random.Draw();
 }
 
 /// `Is_Valid`, inlined: of what is infinite or no number alone the difference isn't 0.
@@ -73,6 +60,24 @@ void vrMKPMeshPoints::Measure_Triangles()
     Areas.resize(Mesh.Indices.size() / 3);
     double sum = 0.0;
     for (size_t triangle = 0; triangle < Areas.size(); ++triangle) Areas[triangle] = sum += Measure(Mesh, triangle);
+    Guide.resize(Areas.size());
+    size_t triangle = 0;
+    for (size_t part = 0; part < Guide.size(); ++part) {
+        const double area = sum * (static_cast<double>(part) / static_cast<double>(Guide.size()));
+        while (triangle + 1 < Areas.size() && Areas[triangle] <= area) ++triangle;
+        Guide[part] = static_cast<uint32_t>(triangle);
+    }
+}
+
+/// The first triangle with which more area than `part` of all is reached, for a part of 0 to less than 1. From where
+/// the guide says it is a step or two, however many there are.
+size_t vrMKPMeshPoints::Find_Triangle(double part) const
+{
+    const double sought = Areas.back() * part;
+    size_t triangle = Guide[static_cast<size_t>(part * static_cast<double>(Guide.size()))];
+    while (triangle > 0 && Areas[triangle - 1] > sought) --triangle; // the guide's products are rounded
+    while (Areas[triangle] <= sought) ++triangle;
+    return triangle;
 }
 
 MK_INLINE vrMKPMeshPoints::Point vrMKPMeshPoints::Get_Vertex(size_t index) const
@@ -90,8 +95,7 @@ vrMKPMeshPoints::Point vrMKPMeshPoints::Pick_Vertex(RandomClass &random) const
 
 vrMKPMeshPoints::Point vrMKPMeshPoints::Pick_Surface(RandomClass &random) const
 {
-    const double sought = Areas.back() * (static_cast<double>(Draw_Wide(random)) / static_cast<double>(DRAWS * DRAWS));
-    const size_t triangle = Count_Up_To(Areas, sought);
+    const size_t triangle = Find_Triangle(static_cast<double>(Draw_Wide(random)) / static_cast<double>(DRAWS * DRAWS));
     const float root = std::sqrt(random.Get_Float(0.0f, 1.0f));
     const float along = random.Get_Float(0.0f, 1.0f);
     const float weights[3] = {1.0f - root, root * (1.0f - along), root * along};

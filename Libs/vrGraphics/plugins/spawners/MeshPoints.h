@@ -39,9 +39,11 @@ public:
 private:
     Point Get_Vertex(size_t index) const;
     void Measure_Triangles();
+    size_t Find_Triangle(double part) const;
 
     vrSpawnMesh Mesh;
     std::vector<double> Areas;              ///< for each triangle, that of all up to it
+    std::vector<uint32_t> Guide;            ///< for equal parts of the whole area, the triangle that each begins in
     const void *MeasuredVertices = nullptr; ///< what `Areas` was made from; compared, never followed
     const void *MeasuredIndices = nullptr;
     size_t MeasuredVertexCount = 0;
