@@ -155,15 +155,15 @@ void Bench_Emitters()
 
 int main(int count, char **names)
 {
-    const auto is_asked_for = [&](std::string_view name) {
+    const auto isAskedFor = [&](std::string_view name) {
         return count < 2 || std::find(names + 1, names + count, name) != names + count;
     };
     ThreadPool::System_Init(1);
-    if (is_asked_for("steady")) {
+    if (isAskedFor("steady")) {
         Bench_Steady(vro::WorkloadViewer::None);
         Bench_Steady(vro::WorkloadViewer::Billboard);
     }
-    if (is_asked_for("newborns")) Bench_Newborns();
-    if (is_asked_for("emitters")) Bench_Emitters();
+    if (isAskedFor("newborns")) Bench_Newborns();
+    if (isAskedFor("emitters")) Bench_Emitters();
     return 0;
 }

@@ -69,7 +69,8 @@ SecureRandomClass::~SecureRandomClass() = default;
 
 int32_t SecureRandomClass::Get_Int(int32_t low, int32_t high)
 {
-    return Draw_Masked(low, high, RandomWordMax, [this] { return static_cast<uint32_t>(Source->Random()) & RandomWordMax; });
+    return Draw_Masked(low, high, RandomWordMax,
+                       [this] { return static_cast<uint32_t>(Source->Random()) & RandomWordMax; });
 }
 
 void SecureRandomClass::Seed(uint32_t)

@@ -2,7 +2,8 @@
 
 /// Builds a hot loop several times, for the baseline x86-64, for AVX2 and for AVX-512, and picks one when the program
 /// starts. The loops give the same bits in each form: no sum is reordered and nothing is contracted. For free functions
-/// over plain arrays with `__restrict` pointers; what they call must be inlined (`MK_INLINE`), or it stays baseline.
+/// over plain arrays, whose pointers are `__restrict` or whose loop says `#pragma GCC ivdep`; what they call must be
+/// inlined (`MK_INLINE`, and `MK_INLINE_LAMBDA` behind the parameters of a lambda), or it stays baseline.
 #if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__) &&               \
     !defined(__SANITIZE_THREAD__) && !defined(MK_BASELINE_ONLY)
 #define MK_SIMD __attribute__((target_clones("arch=x86-64-v4", "arch=x86-64-v3", "default")))
@@ -16,5 +17,4 @@
 #endif
 
 #define MK_INLINE inline __attribute__((always_inline))
-/// Behind the parameters of a lambda.
 #define MK_INLINE_LAMBDA __attribute__((always_inline))

@@ -1,4 +1,5 @@
-// How points are drawn from shapes. The order of the draws is part of what a seed means.
+// How points are drawn from shapes. The order of the draws is part of what a seed means. `ShapeBatch` draws the
+// commonest of them many at a time, and has to give the same.
 
 #include "MKLib/MKMath/PortableMath.h"
 #include "MKLib/Parameters/ShapeParameter.h"

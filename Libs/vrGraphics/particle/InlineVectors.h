@@ -33,6 +33,11 @@ MK_INLINE Vector3 Minus(const Vector3 &a, const Vector3 &b)
 {
     return {a.x - b.x, a.y - b.y, a.z - b.z};
 }
+MK_INLINE float Distance_Squared(const Vector3 &a, const Vector3 &b)
+{
+    const Vector3 way = Minus(a, b);
+    return Dot(way, way);
+}
 MK_INLINE Vector3 Map(const Mat3DClass &transform, const Vector3 &point)
 {
     const Vector4 &x = transform.Row[0], &y = transform.Row[1], &z = transform.Row[2];

@@ -30,7 +30,12 @@ struct Faults
     uint32_t Bits[WIDE_LANES] = {};
 };
 
-MK_SIMD bool Add_To_Floats(float *values, int count, float add)
+MK_SIMD void Add_To_All(float *values, int count, float add)
+{
+    Change_In_Wide_Lanes(values, count, [add](float value, int) MK_INLINE_LAMBDA { return value + add; });
+}
+
+MK_SIMD bool Add_And_Look(float *values, int count, float add)
 {
     Faults faults;
     Change_In_Wide_Lanes(values, count, [&](float value, int lane) MK_INLINE_LAMBDA {
@@ -89,6 +94,11 @@ MK_SIMD void Transform_Floats(const vrMKPVectors &to, const vrMKPConstVectors &f
 namespace Particle
 {
 
+void Add_Float(float *values, int count, float add)
+{
+    Add_To_All(values, count, add);
+}
+
 void Copy(const vrMKPVectors &to, const vrMKPConstVectors &from, int count)
 {
     const size_t bytes = static_cast<size_t>(count) * sizeof(float);
@@ -106,9 +116,9 @@ void Fill(const vrMKPVectors &to, const Vector3 &vector, int count)
 
 bool Add_Vector(const vrMKPVectors &vectors, int count, const Vector3 &add)
 {
-    const bool x = Add_To_Floats(vectors.X, count, add.x);
-    const bool y = Add_To_Floats(vectors.Y, count, add.y);
-    const bool z = Add_To_Floats(vectors.Z, count, add.z);
+    const bool x = Add_And_Look(vectors.X, count, add.x);
+    const bool y = Add_And_Look(vectors.Y, count, add.y);
+    const bool z = Add_And_Look(vectors.Z, count, add.z);
     return x && y && z;
 }
 

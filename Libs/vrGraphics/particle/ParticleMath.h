@@ -126,6 +126,9 @@ MK_INLINE vrColor Multiply_Color(vrColor a, vrColor b)
     return result;
 }
 
+/// Adds to `count` floats.
+void Add_Float(float *values, int count, float add);
+
 // Loops over vectors.
 void Copy(const vrMKPVectors &to, const vrMKPConstVectors &from, int count);
 /// The same vector to `count` of them.

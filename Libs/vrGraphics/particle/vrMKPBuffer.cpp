@@ -52,10 +52,10 @@ size_t Channel_Bytes(uint32_t channel, int capacity)
 }
 
 /// Room for a bit for each word of a slot in the arrays of one and two words, by groups of 8 slots; the two runs of a
-/// ring may both end in a part of a group, and a word at a time is written.
+/// ring may both end in a part of a group.
 size_t Stay_Bytes(int capacity)
 {
-    return (static_cast<size_t>(capacity) / 8 + 2) * (1 + 2) + 2 * sizeof(uint32_t);
+    return (static_cast<size_t>(capacity) / 8 + 2) * (1 + 2);
 }
 
 } // namespace

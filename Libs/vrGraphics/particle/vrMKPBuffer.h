@@ -58,10 +58,10 @@ private:
     int Size = 0;
 };
 
-/// All particles of one layer of one instance: a ring of slots with arrays of their own for each attribute, and the
-/// only thing about a layer that isn't shared by all instances. Live slots are one run of the ring from `Head` to
-/// `Tail`, in the order of birth; there are no holes. The capacity is fixed when the buffer is made: a full one grants
-/// no more slots, and a frame never allocates. One thread at a time.
+/// All particles of one layer of one instance: a ring of slots with an array for each attribute, one for each component
+/// of a vector, and the only thing about a layer that isn't shared by all instances. Live slots are one run of the ring
+/// from `Head` to `Tail`, in the order of birth; there are no holes. The capacity is fixed when the buffer is made: a
+/// full one grants no more slots, and a frame never allocates. One thread at a time.
 ///
 /// The values of the level of detail are copies of the spawner's parameters. A running layer heeds these, so that an
 /// edit shows when the layer pushes it and not in the middle of a frame.

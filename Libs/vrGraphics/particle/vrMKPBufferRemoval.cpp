@@ -45,7 +45,7 @@ struct StayMasks
     {
         const size_t groups = static_cast<size_t>(capacity) / GROUP + 2;
         Bits[0] = bits;
-        Bits[1] = Bits[0] + groups + sizeof(uint32_t);
+        Bits[1] = Bits[0] + groups;
     }
     uint8_t *Bits[KINDS];
 };
@@ -149,12 +149,12 @@ Packer Choose_Packer()
 #endif
 
 /// Moves the slots of one group singly, around the end of the ring where it comes to that.
-void Move_Singly(uint32_t *channel, int words, const Step &step, unsigned mask, int capacity)
+void Move_Singly(uint32_t *array, int words, const Step &step, unsigned mask, int capacity)
 {
     int write = step.Write;
     for (int bit = 0; bit < GROUP; ++bit) {
         if (!(mask >> bit & 1)) continue;
-        std::memmove(channel + write * words, channel + (step.Read + bit) * words,
+        std::memmove(array + write * words, array + (step.Read + bit) * words,
                      static_cast<size_t>(words) * sizeof(uint32_t));
         if (++write == capacity) write = 0;
     }

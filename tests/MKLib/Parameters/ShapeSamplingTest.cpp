@@ -1,4 +1,4 @@
-#include "MKLib/Parameters/ShapeParameter.h"
+#include "MKLib/Parameters/ShapeBatch.h"
 
 #include "MKLib/Random.h"
 #include "common/Reports.h"
@@ -116,6 +116,25 @@ TEST(ShapeSampling, RadialVelocitiesGoOutwardFromThePositionsShape)
         ShapeParameterClass position("", "", SHAPE_POINT);
         position.Set_Value(row.position);
         Expect_Drawn(Make(SHAPE_RADIAL), false, false, &position, row.at, row.expected, row.steps);
+    }
+}
+
+TEST(ShapeSampling, ABatchHasThePointsOfSingleDraws)
+{
+    constexpr int COUNT = ShapeBatch::CAPACITY;
+    for (const ShapeStruct &value : {SOME_POINT, UPRIGHT_RAY, Ball(2.5f, 10), Ball(10, 2.5f), Ball(4, 4), SLAB}) {
+        SCOPED_TRACE(value.ShapeType);
+        ShapeParameterClass shape("", "", SHAPE_POINT);
+        shape.Set_Value(value);
+        ShapeBatch batch(shape, false, false);
+        ASSERT_TRUE(batch.Is_Possible());
+        RandomClass random(7), alone(7);
+        for (int i = 0; i < COUNT; ++i) batch.Draw(random, i);
+        float x[COUNT], y[COUNT], z[COUNT];
+        batch.Place(x, y, z, COUNT);
+        for (int i = 0; i < COUNT; ++i)
+            EXPECT_EQ(Vector3(x[i], y[i], z[i]), shape.Sample(alone, false, false, nullptr, Vector3(0.0f))) << i;
+        EXPECT_EQ(random.Get_State(), alone.Get_State());
     }
 }
 

@@ -19,7 +19,6 @@ namespace
 {
 
 constexpr RGBAClass BLACK{0.0f, 0.0f, 0.0f, 1.0f};
-constexpr RGBAClass GRAY = RGBA_From_Bytes(128, 128, 128, 128);
 constexpr RGBAClass CLEAR{0.0f, 0.0f, 0.0f, 0.0f};
 const ColorKeys BLACK_TO_WHITE = {{0.0f, BLACK}, {1.0f, RGBAClass()}};
 

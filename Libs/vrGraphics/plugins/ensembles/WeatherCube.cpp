@@ -170,11 +170,6 @@ MK_SIMD void Emulate_Time(float *__restrict time, const float *__restrict coordi
     });
 }
 
-MK_SIMD void Add_To_All(float *values, int count, float add)
-{
-    Particle::Change_In_Wide_Lanes(values, count, [add](float value, int) MK_INLINE_LAMBDA { return value + add; });
-}
-
 } // namespace
 
 vrMKPWeatherCubeSpawner::vrMKPWeatherCubeSpawner()
@@ -319,7 +314,7 @@ bool vrMKPWeatherCubeStomper::Begin_Age(vrMKPBuffer &buffer) const
 
 void vrMKPWeatherCubeStomper::Age_Span(vrMKPBuffer &buffer, vrMKPSpan span) const
 {
-    Add_To_All(buffer.Age + span.First, span.Count, buffer.State->FrameTime);
+    Particle::Add_Float(buffer.Age + span.First, span.Count, buffer.State->FrameTime);
 }
 
 void vrMKPWeatherCubeStomper::Stomp(vrMKPBuffer &buffer, bool) const

@@ -56,11 +56,6 @@ MK_INLINE Motion Step(const Vector3 &position, const Vector3 &velocity, const vr
     return {turn(moved), turn(quicker)};
 }
 
-MK_SIMD void Age_All(float *__restrict ages, int count, float dt)
-{
-    for (int at = 0; at < count; ++at) ages[at] += dt;
-}
-
 MK_SIMD void Move_All(vrMKPVectors positions, vrMKPVectors velocities, int count, vrHWForces forces, float dt)
 {
 #pragma GCC ivdep
@@ -123,7 +118,7 @@ bool vrHWParticles::Update(float dt, const Vector3 & /*boxMinimum*/, const Vecto
 void vrHWParticles::Age_And_Move(float dt, float life, const vrHWForces &forces)
 {
     vrMKPBuffer &particles = *Particles;
-    for (const vrMKPSpan span : particles.Live_Spans()) Age_All(particles.Age + span.First, span.Count, dt);
+    for (const vrMKPSpan span : particles.Live_Spans()) Particle::Add_Float(particles.Age + span.First, span.Count, dt);
     int dead = 0;
     for (int slot = particles.Head; dead < particles.ActiveCount && !(particles.Age[slot] < life);
          slot = particles.Next_Slot(slot))

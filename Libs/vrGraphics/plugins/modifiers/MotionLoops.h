@@ -105,6 +105,12 @@ MK_INLINE uint32_t Run_Kernel(const Run &run, const Kernel &kernel)
     return invalid;
 }
 
+template <LoopForm Form, typename Kernel>
+MK_INLINE uint32_t Run_All(const Run &run, const Kernel &kernel)
+{
+    return run.MayHaveStopped ? Run_Kernel<Form, true>(run, kernel) : Run_Kernel<Form, false>(run, kernel);
+}
+
 /// Whether one that the kernel touches has a velocity that is infinite or no number.
 template <typename Kernel>
 bool Has_Invalid(const Run &run, const Kernel &kernel)
@@ -122,9 +128,7 @@ bool Has_Invalid(const Run &run, const Kernel &kernel)
 template <LoopForm Form, typename Kernel>
 MK_INLINE bool Loop(const Run &run, const Kernel &kernel)
 {
-    const uint32_t invalid =
-        run.MayHaveStopped ? Run_Kernel<Form, true>(run, kernel) : Run_Kernel<Form, false>(run, kernel);
-    return invalid != 0 && Has_Invalid(run, kernel);
+    return Run_All<Form>(run, kernel) != 0 && Has_Invalid(run, kernel);
 }
 
 /// Velocities alone: `kernel(i, position, velocity)` changes the velocity and mustn't look at the position.
@@ -170,33 +174,17 @@ Faults Find_Faults(const Run &run, const Kernel &kernel)
     return faults;
 }
 
-constexpr float NO_PUSH = -0.0f; ///< leaves any float as it is, which 0 doesn't
-
-template <bool MayRest, typename Kernel>
-MK_INLINE uint32_t Add_Pushes(const Run &run, const Kernel &kernel)
-{
-    const vrMKPVectors positions = run.Position;
-    const vrMKPVectors velocities = run.Velocity;
-    const uint32_t *const flags = run.Flags;
-    const int count = run.Count;
-    uint32_t invalid = 0;
-#pragma GCC ivdep // each particle is read before it is written
-    for (int i = 0; i < count; ++i) {
-        Vector3 push(NO_PUSH);
-        const uint32_t mask = Mask<MayRest>(kernel(i, positions[i], push), flags + i);
-        const Vector3 velocity = Plus(velocities[i], Select_Bits(mask, push, Vector3(NO_PUSH)));
-        invalid |= Invalid_Bits(velocity);
-        velocities.Put(i, velocity);
-    }
-    return invalid;
-}
-
 /// Adds to the velocities what `kernel(i, position, push)` writes to the push.
 template <typename Kernel>
 MK_INLINE Faults Accelerate(const Run &run, const Kernel &kernel)
 {
-    const uint32_t invalid = run.MayHaveStopped ? Add_Pushes<true>(run, kernel) : Add_Pushes<false>(run, kernel);
-    return invalid != 0 ? Find_Faults(run, kernel) : Faults();
+    const auto add = [&kernel](int i, const Vector3 &position, Vector3 &velocity) MK_INLINE_LAMBDA {
+        Vector3 push(0.0f);
+        const uint32_t touched = kernel(i, position, push);
+        velocity = Plus(velocity, push);
+        return touched;
+    };
+    return Run_All<READS_POSITION>(run, add) != 0 ? Find_Faults(run, kernel) : Faults();
 }
 
 } // namespace Motion

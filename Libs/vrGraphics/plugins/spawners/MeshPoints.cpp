@@ -1,5 +1,6 @@
 #include "vrGraphics/plugins/spawners/MeshPoints.h"
 
+#include "vrGraphics/particle/InlineVectors.h"
 #include "vrGraphics/particle/ParticleMath.h"
 
 #include <algorithm>
@@ -19,12 +20,6 @@ int64_t Draw_Wide(RandomClass &random)
 {
     const int64_t high = random.Draw();
     return high * DRAWS + random.Draw();
-}
-
-/// `Is_Valid`, inlined: of what is infinite or no number alone the difference isn't 0.
-bool Is_Finite(const Vector3 &vector)
-{
-    return (vector.x - vector.x) + (vector.y - vector.y) + (vector.z - vector.z) == 0.0f;
 }
 
 /// Twice the area of a triangle; 0 for one that has none.
@@ -70,7 +65,7 @@ void vrMKPMeshPoints::Measure_Triangles()
 }
 
 /// The first triangle with which more area than `part` of all is reached, for a part of 0 to less than 1. From where
-/// the guide says it is a step or two, however many there are.
+/// the guide says it is a step or two on average, however many there are.
 size_t vrMKPMeshPoints::Find_Triangle(double part) const
 {
     const double sought = Areas.back() * part;
@@ -84,7 +79,7 @@ MK_INLINE vrMKPMeshPoints::Point vrMKPMeshPoints::Get_Vertex(size_t index) const
 {
     // A mesh that was changed in place may have fewer vertices than its table knows.
     if (index >= Mesh.Vertices.size()) return {};
-    const bool hasNormal = index < Mesh.Normals.size() && Is_Finite(Mesh.Normals[index]);
+    const bool hasNormal = index < Mesh.Normals.size() && Particle::Invalid_Bits(Mesh.Normals[index]) == 0;
     return {Mesh.Vertices[index], hasNormal ? Particle::Unit(Mesh.Normals[index]) : Vector3(0.0f)};
 }
 

@@ -8,16 +8,13 @@
 
 #include <glm/geometric.hpp>
 
-#include <algorithm>
 #include <cmath>
 
 namespace
 {
 
-using Particle::Dot;
 using Particle::Invalid_Bits;
 using Particle::Map;
-using Particle::Minus;
 using Particle::Plus;
 using Particle::Times;
 
@@ -88,12 +85,6 @@ MK_SIMD void Depart(const Departures &departures, bool turns, bool moves)
     return Depart_In_Form<false, false>(departures);
 }
 
-float Squared_Distance(const Vector3 &from, const Vector3 &to)
-{
-    const Vector3 way = to - from;
-    return way.x * way.x + way.y * way.y + way.z * way.z;
-}
-
 /// What a slot gets besides its place, its velocity and its age.
 struct Constants
 {
@@ -156,8 +147,7 @@ MK_INLINE Measures Measure_In_Form(float *relative, vrMKPConstVectors positions,
 #pragma GCC ivdep
     for (int i = 0; i < count; ++i) {
         const Vector3 position = positions[i];
-        const Vector3 way = Minus(Maps ? Map(map, position) : position, camera);
-        relative[i] = base - Dot(way, way);
+        relative[i] = base - Particle::Distance_Squared(Maps ? Map(map, position) : position, camera);
         measures.InvalidPositions |= Invalid_Bits(position);
         measures.InvalidVelocities |= Invalid_Bits(velocities[i]);
     }
@@ -225,7 +215,7 @@ void vrMKPFilling::Finish(vrMKPBuffer &buffer, vrMKPSpan block)
     Write_Constants(buffer, block);
 
     const Vector3 camera = state.Camera.Get_Translation();
-    const float base = Squared_Distance(camera, state.Get_Position());
+    const float base = Particle::Distance_Squared(camera, state.Get_Position());
     float *relative = buffer.SortingRelativeToGroup + block.First;
     const vrMKPConstVectors positions = buffer.Position + block.First;
     const Measures measures = IsWorld ? Measure(relative, positions, velocities, block.Count, camera, base)

@@ -18,7 +18,8 @@
 /// Everything that doesn't change from particle to particle belongs into the source's members, resolved before: its two
 /// operations are inlined into the loop, and are called in turn for each slot, so that a source may keep the position
 /// for the velocity. They draw from the generator that they are given and from no other: what a seed means is the order
-/// position, velocity, random value for each slot. A spawner at a rate gets the filling from `Begin_Filling` instead.
+/// position, velocity, random value for each slot. A source that can draw many at once, in that same order, has a
+/// `Draw_Block` too, as `vrMKPShapeSource` has. A spawner at a rate gets the filling from `Begin_Filling` instead.
 
 #include "vrGraphics/particle/vrMKPBuffer.h"
 #include "vrGraphics/particle/vrMKPRenderState.h"
@@ -135,13 +136,15 @@ void vrMKPFilling::Draw(vrMKPBuffer &buffer, vrMKPSpan block, Source &source) co
 {
     RandomClass random(buffer.Random.Get_State()); // in a register, which that of the buffer can't be
     const bool snaps = SnapsToTerrain && !IsWorld;
-    if constexpr (requires { &std::remove_reference_t<Source>::Draw_Block; })
+    if constexpr (requires { &std::remove_reference_t<Source>::Draw_Block; }) {
+        static_assert(BLOCK <= std::remove_reference_t<Source>::MAX_BLOCK);
         if (!snaps && source.Draw_Block(random, buffer.ProjectileStartingPosition + block.First,
                                         buffer.Velocity + block.First, buffer.ID + block.First, block.Count))
         {
             buffer.Random.Seed(random.Get_State());
             return;
         }
+    }
     for (int slot = block.First; slot < block.First + block.Count; ++slot) {
         Vector3 position = source.Position(random);
         if (snaps) position = Snap_Local(buffer, position);

@@ -14,6 +14,8 @@ struct vrMKPShapeSource
     bool HollowVelocity = false;
     bool EvenDistribution = false;
 
+    static constexpr int MAX_BLOCK = ShapeBatch::CAPACITY; ///< the most that `Draw_Block` draws
+
     /// Reports shapes with bounds in the wrong order, which their draws swap: once for a filling, not once for a draw.
     void Check() const
     {

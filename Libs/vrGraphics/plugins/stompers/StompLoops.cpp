@@ -1,6 +1,7 @@
 #include "vrGraphics/plugins/stompers/StompLoops.h"
 
 #include "MKLib/MKDebug/Assert.h"
+#include "vrGraphics/particle/InlineVectors.h"
 #include "vrGraphics/particle/WholeRegisters.h"
 
 namespace
@@ -73,14 +74,6 @@ void Remove(vrMKPBuffer &buffer, bool spawnOnDeath, const Condition &kills)
                               [&kills](vrMKPSpan span, uint8_t *dead) { return Mark(span, kills, dead); });
 }
 
-MK_INLINE float Squared_Distance(const Vector3 &from, const Vector3 &to)
-{
-    const float x = from.x - to.x;
-    const float y = from.y - to.y;
-    const float z = from.z - to.z;
-    return x * x + y * y + z * z;
-}
-
 /// Below a limit is above it with both signs turned.
 float Sign_Of(StompLoops::Comparison comparison)
 {
@@ -110,14 +103,14 @@ void Remove_Aged(vrMKPBuffer &buffer, float dt, bool spawnOnDeath)
 void Remove_Beyond(vrMKPBuffer &buffer, const Vector3 &center, float squaredRadius, bool spawnOnDeath)
 {
     Remove(buffer, spawnOnDeath, [positions = buffer.Position, center, squaredRadius](int slot) MK_INLINE_LAMBDA {
-        return Squared_Distance(positions[slot], center) > squaredRadius;
+        return Particle::Distance_Squared(positions[slot], center) > squaredRadius;
     });
 }
 
 void Remove_Within(vrMKPBuffer &buffer, const Vector3 &center, float squaredRadius, bool spawnOnDeath)
 {
     Remove(buffer, spawnOnDeath, [positions = buffer.Position, center, squaredRadius](int slot) MK_INLINE_LAMBDA {
-        return Squared_Distance(positions[slot], center) <= squaredRadius;
+        return Particle::Distance_Squared(positions[slot], center) <= squaredRadius;
     });
 }
 

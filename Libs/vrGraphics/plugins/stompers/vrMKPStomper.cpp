@@ -1,6 +1,7 @@
 #include "vrGraphics/plugins/stompers/vrMKPStomper.h"
 
 #include "MKLib/MKDebug/Assert.h"
+#include "vrGraphics/particle/ParticleMath.h"
 #include "vrGraphics/particle/WholeRegisters.h"
 #include "vrGraphics/particle/vrMKPRenderState.h"
 #include "vrGraphics/plugins/stompers/StompLoops.h"
@@ -11,16 +12,10 @@
 namespace
 {
 
-using Particle::Change_In_Wide_Lanes;
 using Particle::For_Whole_Registers;
 
 constexpr float MIN_LIFE = 0.01f;
 constexpr float FIXED_LIFE_VARIATION = 0.01f; ///< up to this, all particles live equally long
-
-MK_SIMD void Advance_Ages(float *age, int count, float dt)
-{
-    Change_In_Wide_Lanes(age, count, [=](float value, int) MK_INLINE_LAMBDA { return value + dt; });
-}
 
 MK_SIMD void Set_Times_By_Life(float *__restrict time, const float *__restrict age, int count, float life)
 {
@@ -149,10 +144,9 @@ void vrMKPStomper::Remove_Expired(vrMKPBuffer &buffer, bool spawnOnDeath) const
 
 void vrMKPStomper::Age_Span(vrMKPBuffer &buffer, vrMKPSpan span) const
 {
-    const float dt = buffer.State->FrameTime;
     float *age = buffer.Age + span.First;
     float *time = buffer.Time + span.First;
-    Advance_Ages(age, span.Count, dt);
+    Particle::Add_Float(age, span.Count, buffer.State->FrameTime);
     if (!UpdateTime->Get_Value()) return;
     if (buffer.HardLifetime && FixedLife)
         Set_Times_By_Life(time, age, span.Count, BaseLife);

@@ -26,12 +26,6 @@ bool Is_On(const vrMKPAspect &aspect)
              std::fabs(aspect.Maximum - 1.0f) <= ASPECT_TOLERANCE);
 }
 
-MK_INLINE float Distance_Squared(const Vector3 &a, const Vector3 &b)
-{
-    const Vector3 way = Particle::Minus(a, b);
-    return Particle::Dot(way, way);
-}
-
 // Keys are for back to front: the farthest has the least. The next two write whole entries, whose keys alone would go
 // one by one.
 
@@ -39,7 +33,7 @@ MK_SIMD void Put_Keys(vrMKPSortEntry *__restrict entries, const uint32_t *__rest
                       int count, Vector3 camera)
 {
     for (int at = 0; at < count; ++at) {
-        entries[at].Key = -Distance_Squared(positions[at], camera);
+        entries[at].Key = -Particle::Distance_Squared(positions[at], camera);
         entries[at].Index = slots[at];
     }
 }
@@ -59,7 +53,7 @@ MK_SIMD void Put_Young_Keys(vrMKPSortEntry *__restrict entries, const uint32_t *
 {
     float *__restrict const noted = places.New;
     for (int at = 0; at < count; ++at) {
-        const float key = -Distance_Squared(positions[at], camera);
+        const float key = -Particle::Distance_Squared(positions[at], camera);
         const uint32_t isYoung = Particle::As_Mask(places.Ages[at] < places.MaxAge);
         const float old = places.Noted[at];
         noted[at] = Particle::Select_Bits(isYoung, places.Base + key, old);
@@ -87,7 +81,7 @@ void Key_By_Distance(vrMKPSortEntry *entries, const vrMKPBuffer &buffer, const V
 
 void Key_Young_By_Distance(vrMKPSortEntry *entries, vrMKPBuffer &buffer, const Vector3 &camera, float maxAge)
 {
-    const float base = Distance_Squared(camera, buffer.State->Get_Position());
+    const float base = Particle::Distance_Squared(camera, buffer.State->Get_Position());
     Particle::Planes room;
     float ageRoom[vrMKPParticleRun::SIZE];
     float placeRoom[vrMKPParticleRun::SIZE];

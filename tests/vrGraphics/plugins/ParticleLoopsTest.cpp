@@ -1,0 +1,71 @@
+#include "vrGraphics/particle/ParticleMath.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <limits>
+
+namespace
+{
+
+constexpr int ROOM = 40; ///< on both sides of a run, which the loops leave alone
+constexpr int MOST = 70; ///< more than two of the widest steps
+
+using Floats = std::array<float, MOST + 2 * ROOM>;
+using Arrays = std::array<Floats, 3>;
+
+Arrays Make(float first)
+{
+    Arrays arrays;
+    for (auto &floats : arrays)
+        for (float &value : floats) value = first++;
+    return arrays;
+}
+
+vrMKPVectors Run_Of(Arrays &arrays)
+{
+    return vrMKPVectors{arrays[0].data(), arrays[1].data(), arrays[2].data()} + ROOM;
+}
+
+/// `after` is `change(axis, at)` in the run, and elsewhere what was there before.
+template <typename Change>
+void Expect(const Arrays &after, const Arrays &before, int count, Change change)
+{
+    for (size_t axis = 0; axis < 3; ++axis)
+        for (size_t at = 0; at < after[axis].size(); ++at) {
+            const bool isIn = at >= ROOM && at < ROOM + static_cast<size_t>(count);
+            ASSERT_EQ(after[axis][at], isIn ? change(axis, at) : before[axis][at]) << count << " " << axis << " " << at;
+        }
+}
+
+// Whole numbers, so that every sum is exact. A loop that takes one twice, or leaves one out, does so at some count.
+TEST(ParticleLoops, TakeEachOfARunOnce)
+{
+    for (int count = 0; count <= MOST; ++count) {
+        Arrays positions = Make(1.0f), velocities = Make(500.0f), moved = Make(-1000.0f);
+        const Arrays old = positions, room = moved;
+        EXPECT_TRUE(Particle::Add_Vector(Run_Of(positions), count, {1.0f, -2.0f, 3.0f}));
+        Expect(positions, old, count, [&](size_t axis, size_t at) {
+            return old[axis][at] + std::array{1.0f, -2.0f, 3.0f}[axis];
+        });
+        EXPECT_TRUE(Particle::Integrate(Run_Of(moved), Run_Of(positions), Run_Of(velocities), count, 0.5f));
+        Expect(moved, room, count,
+               [&](size_t axis, size_t at) { return positions[axis][at] + velocities[axis][at] * 0.5f; });
+    }
+}
+
+TEST(ParticleLoops, FindTheOneThatIsNoNumber)
+{
+    const float infinity = std::numeric_limits<float>::infinity();
+    for (const int count : {1, 31, 32, 33, MOST})
+        for (int bad = -1; bad <= count; ++bad) {
+            Arrays values = Make(1.0f), to = values, steps = values;
+            values[static_cast<size_t>(count) % 3][static_cast<size_t>(ROOM + bad)] = bad % 2 ? infinity : -infinity;
+            const bool isOutside = bad < 0 || bad == count;
+            EXPECT_NE(Particle::Has_Invalid(Run_Of(values), count), isOutside) << count << " " << bad;
+            EXPECT_EQ(Particle::Integrate(Run_Of(to), Run_Of(values), Run_Of(steps), count, 1.0f), isOutside);
+            EXPECT_EQ(Particle::Add_Vector(Run_Of(values), count, Vector3(1.0f)), isOutside) << count << " " << bad;
+        }
+}
+
+} // namespace
