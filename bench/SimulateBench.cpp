@@ -125,6 +125,36 @@ void Bench_Newborns()
     std::printf("\nnewborns, ns each\n%12.1f plain loop %12.1f ratio %.2f\n", ours, limit, ours / limit);
 }
 
+/// What small layers cost by themselves: bare loops over many of them beside the same loops over one.
+void Bench_Plain_Layers(int layers, int each)
+{
+    constexpr int FRAMES = 200;
+    const auto make = [](int count) {
+        auto layer = std::make_unique<PlainLayer>(count + count / 20 + 1, static_cast<float>(count) / vro::STEADY_LIFE,
+                                                  vro::STEADY_LIFE, false);
+        for (int frame = 0; frame < WARM_UP; ++frame) layer->Step(STEP);
+        return layer;
+    };
+    const auto one = make(layers * each);
+    std::vector<std::unique_ptr<PlainLayer>> many;
+    for (int index = 0; index < layers; ++index) many.push_back(make(each));
+    const auto [apart, together] = Timing::Compare(
+        ROUNDS,
+        [&] {
+            double particles = 0.0;
+            const double time = Timing::Nanoseconds([&] {
+                for (int frame = 0; frame < FRAMES; ++frame)
+                    for (const auto &layer : many) {
+                        layer->Step(STEP);
+                        particles += layer->Get_Live_Count();
+                    }
+            });
+            return time / particles;
+        },
+        [&] { return Run_Plain(*one, FRAMES); });
+    std::printf("%12.2f plain loops %23.2f ratio %.2f\n", apart, together, apart / together);
+}
+
 void Bench_Emitters()
 {
     constexpr int EMITTERS = 100;
@@ -137,6 +167,7 @@ void Bench_Emitters()
         ROUNDS, [&] { return many.Run(FRAMES); }, [&] { return one.Run(FRAMES); });
     std::printf("\n%d emitters of %d particles, ns/particle\n%12.2f one layer of as many %12.2f ratio %.2f\n", EMITTERS,
                 EACH, ours, limit, ours / limit);
+    Bench_Plain_Layers(EMITTERS, EACH);
     const auto [alone, together] = Timing::Compare(
         ROUNDS,
         [&] {
