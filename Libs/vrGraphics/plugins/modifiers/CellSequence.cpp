@@ -136,15 +136,18 @@ template <bool Random>
 MK_SIMD bool Find_Regular_Frames(float *__restrict frames, const float *__restrict times,
                                  const uint32_t *__restrict ids, int count, float framesPerTime, float randomFrames)
 {
+    // The bits of floats that have no sign are in the order of these, and those of all others are above.
+    constexpr auto LIMIT = std::bit_cast<uint32_t>(MOST_REGULAR);
     uint32_t irregular = 0;
     for (int i = 0; i < count; ++i) {
-        const float frame = times[i] * framesPerTime + 0.0f; // a 0 without a sign
-        const uint32_t isPositive = frame >= 0.0f ? ~0u : 0u;
-        const uint32_t isSmall = frame < MOST_REGULAR ? ~0u : 0u;
-        const uint32_t kept = std::bit_cast<uint32_t>(frame) & isPositive & isSmall;
-        const float ahead = Random ? RegularArithmetic::Floor(Particle::Unit_ID(ids[i]) * randomFrames) : 0.0f;
-        frames[i] = RegularArithmetic::Floor(std::bit_cast<float>(kept)) + ahead;
-        irregular |= std::bit_cast<uint32_t>(frame) ^ kept;
+        const auto bits = std::bit_cast<uint32_t>(times[i] * framesPerTime + 0.0f); // a 0 without a sign
+        const uint32_t isRegular = bits < LIMIT ? ~0u : 0u;
+        const float frame = RegularArithmetic::Floor(std::bit_cast<float>(bits & isRegular));
+        if constexpr (Random)
+            frames[i] = frame + RegularArithmetic::Floor(Particle::Unit_ID(ids[i]) * randomFrames);
+        else
+            frames[i] = frame;
+        irregular |= ~isRegular;
     }
     return irregular == 0;
 }
