@@ -35,6 +35,12 @@ MK_SIMD void Add_To_All(float *values, int count, float add)
     Change_In_Wide_Lanes(values, count, [add](float value, int) MK_INLINE_LAMBDA { return value + add; });
 }
 
+MK_SIMD void Multiply_All(float *to, const float *from, int count, float factor)
+{
+#pragma GCC ivdep
+    for (int i = 0; i < count; ++i) to[i] = from[i] * factor;
+}
+
 MK_SIMD bool Add_And_Look(float *values, int count, float add)
 {
     Faults faults;
@@ -97,6 +103,11 @@ namespace Particle
 void Add_Float(float *values, int count, float add)
 {
     Add_To_All(values, count, add);
+}
+
+void Multiply(float *to, const float *from, int count, float factor)
+{
+    Multiply_All(to, from, count, factor);
 }
 
 void Copy(const vrMKPVectors &to, const vrMKPConstVectors &from, int count)

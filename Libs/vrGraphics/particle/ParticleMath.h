@@ -128,6 +128,8 @@ MK_INLINE vrColor Multiply_Color(vrColor a, vrColor b)
 
 /// Adds to `count` floats.
 void Add_Float(float *values, int count, float add);
+/// to = from * factor, of `count` floats; the two may be the same array.
+void Multiply(float *to, const float *from, int count, float factor);
 
 // Loops over vectors.
 void Copy(const vrMKPVectors &to, const vrMKPConstVectors &from, int count);

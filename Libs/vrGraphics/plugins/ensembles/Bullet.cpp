@@ -123,11 +123,6 @@ MK_SIMD void Limit_Times(float *__restrict times, const float *__restrict from, 
     Particle::For_Whole_Registers(count, [&](int i) MK_INLINE_LAMBDA { times[i] = 1.0f < from[i] ? 1.0f : from[i]; });
 }
 
-MK_SIMD void Scale(float *__restrict to, const float *__restrict from, int count, float factor)
-{
-    Particle::For_Whole_Registers(count, [&](int i) MK_INLINE_LAMBDA { to[i] = from[i] * factor; });
-}
-
 /// `to` may be one of the two.
 MK_SIMD void Blend_In(vrMKPVectors to, vrMKPConstVectors own, vrMKPConstVectors places, const float *blends, int count)
 {
@@ -231,7 +226,7 @@ void vrMKPBulletModifier::Evaluate_Spreads(const vrMKPBuffer &buffer, const floa
 {
     if (UseKeyedSpread->Get_Value()) return KeyedSpread->Evaluate_Many(times, count, false, spreads);
     const float base = SpreadFromTargetRadius->Get_Value() ? buffer.State->Get_Target_Radius() : Spread->Get_Value();
-    Scale(spreads, times, count, base);
+    Particle::Multiply(spreads, times, count, base);
 }
 
 void vrMKPBulletModifier::Apply(vrMKPBuffer &buffer, int, vrMKPSpan span) const

@@ -75,11 +75,6 @@ MK_SIMD void Find_Colors(vrColor *__restrict colors, const float *__restrict sha
     }
 }
 
-MK_SIMD void Scale(float *__restrict to, const float *__restrict from, int count, float factor)
-{
-    for (int at = 0; at < count; ++at) to[at] = from[at] * factor;
-}
-
 /// Adds how fast particles are carried about an axis.
 MK_SIMD void Add_Rotation(Particle::Planes &__restrict sums, vrMKPConstVectors velocities, vrMKPConstVectors positions,
                           int count, Vector3 axis, float speed)
@@ -146,8 +141,8 @@ private:
         Quads.Position = Particles.Position + block.First;
         Find_Shares(Shares, Particles.Age + block.First, count, Life);
         Find_Sizes(Sizes, Shares, count, Look.Size);
-        Scale(Quads.Height, Sizes, count, SizeMultiplier);
-        Scale(Quads.Width, Quads.Height, count, Look.AspectRatio);
+        Particle::Multiply(Quads.Height, Sizes, count, SizeMultiplier);
+        Particle::Multiply(Quads.Width, Quads.Height, count, Look.AspectRatio);
         Find_Colors(KeyColors, Shares, count, Look.Color);
         Colors.Convert(Quads.Color, KeyColors, count);
         if (Look.GeometryMode == VR_HW_VELOCITY_ALIGNED) {

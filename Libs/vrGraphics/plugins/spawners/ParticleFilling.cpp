@@ -18,16 +18,9 @@ using Particle::Map;
 using Particle::Plus;
 using Particle::Times;
 
-MK_SIMD void Scale_Floats(float *__restrict values, int count, float factor)
-{
-    for (int i = 0; i < count; ++i) values[i] *= factor;
-}
-
 void Scale(const vrMKPVectors &vectors, int count, float factor)
 {
-    Scale_Floats(vectors.X, count, factor);
-    Scale_Floats(vectors.Y, count, factor);
-    Scale_Floats(vectors.Z, count, factor);
+    for (float *values : {vectors.X, vectors.Y, vectors.Z}) Particle::Multiply(values, values, count, factor);
 }
 
 MK_SIMD void Ages_Along_The_Way(float *__restrict ages, const float *__restrict fractions, int count, float frameTime)
