@@ -2,9 +2,7 @@
 #include "MKLib/RefCount.h"
 #include "MKLib/RunTimeType.h"
 
-#include "common/Reports.h"
-
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <thread>
 #include <vector>
@@ -21,19 +19,6 @@ struct Counted : RefCountClass
     }
     int *CountAtEnd;
 };
-
-TEST(RefCount, ACopyCountsForItselfAndAnOwnedObjectEndsWithAReport)
-{
-    MKTest::Reports reports;
-    {
-        Counted owned;
-        owned.Add_Ref();
-        Counted copy(owned);
-        copy = owned;
-        EXPECT_EQ(copy.Get_Ref_Count(), 0);
-    }
-    EXPECT_THAT(reports.Get_Asserts(), testing::ElementsAre("RefCount == 0 || RefCount == -1")) << "of the owned alone";
-}
 
 TEST(SmartPtr, CountsItsOwnersThroughEveryWayOfAssigning)
 {

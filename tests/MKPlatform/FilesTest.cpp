@@ -67,9 +67,6 @@ TEST(Files, SharingFollowsTheModes)
         {FILE_OPEN_GENERIC_READ, FILE_OPEN_WRITE_APPEND, true},
         {FILE_OPEN_WRITE_APPEND, FILE_OPEN_GENERIC_READ, true},
         {FILE_OPEN_WRITE_APPEND, FILE_OPEN_GENERIC_WRITE, false},
-        {FILE_OPEN_EXCLUSIVE_READ, FILE_OPEN_GENERIC_READ, false},
-        {FILE_OPEN_GENERIC_READ, FILE_OPEN_EXCLUSIVE_READ, false},
-        {FILE_OPEN_WRITE_APPEND, FILE_OPEN_EXCLUSIVE_WRITE, false},
     };
     for (const auto &[firstAccess, secondAccess, shared] : cases) {
         SCOPED_TRACE(testing::Message() << firstAccess << " then " << secondAccess);

@@ -104,20 +104,3 @@ TEST(ChunkLayout, CountsTheSectionCRCOverBothZlibStreams)
     EXPECT_EQ(Part(file, fields - 4, 20), Bytes(20, 0));
     EXPECT_GT(file.size(), fields + 16) << "the final blocks of both streams";
 }
-
-TEST(ChunkLayout, HoldsItsPlaceInAFileThatHasBytesInFront)
-{
-    RAMFileClass file;
-    file.Open(MKPlatform::FILE_OPEN_GENERIC_WRITE);
-    file.Write("front", 5);
-    ChunkFileWriterClass writer(&file, 0, 6, false);
-    Write_Tiny_Tree(writer);
-    EXPECT_TRUE(writer.Close());
-    file.Close();
-    file.Open(MKPlatform::FILE_OPEN_GENERIC_READ);
-    file.Seek(5, MKPlatform::FILE_SEEK_BEGIN);
-    ChunkFileReaderClass reader(&file);
-    ASSERT_TRUE(reader.Open_Chunk());
-    EXPECT_EQ(reader.Cur_Chunk_ID(), 0x11u);
-    EXPECT_EQ(Bytes(file.Get_Buffer() + 5, file.Get_Buffer() + file.Get_Size()), Written(0, Write_Tiny_Tree));
-}

@@ -47,17 +47,3 @@ TEST(RAMFile, ThePositionStaysInsideOfABorrowedBlock)
     EXPECT_FALSE(file.Open(FILE_OPEN_GENERIC_READ)) << "already open";
     for (const auto &[offset, origin, position] : moves) EXPECT_EQ(file.Seek(offset, origin), position) << offset;
 }
-
-TEST(RAMFile, GrowsInStepsOf262143Bytes)
-{
-    const std::string block(300000, 'x');
-    MKTest::Reports reports;
-    RAMFileClass file;
-    ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_WRITE));
-    EXPECT_EQ(file.Write(block.data(), 262143), 262143);
-    EXPECT_EQ(reports.Count_Logs("Growing"), 1);         // exactly full
-    EXPECT_EQ(file.Write(block.data(), 300000), 300000); // one whole step is missing and some: two
-    EXPECT_TRUE(reports.Has_Log("Growing file buffer to 786429 bytes"));
-    EXPECT_EQ(file.Get_Size(), 562143);
-    EXPECT_EQ(file.Get_Buffer()[562142], 'x');
-}

@@ -17,7 +17,6 @@ namespace
 
 constexpr auto FROM_DISK = MegaFileClass::MEGAFILE_OPEN_FROM_DISK;
 constexpr auto IN_RAM = MegaFileClass::MEGAFILE_OPEN_AND_LOAD_IN_RAM;
-constexpr auto PUBLIC = MegaFileManagerClass::ACCESS_PUBLIC;
 constexpr auto PRIVATE = MegaFileManagerClass::ACCESS_PRIVATE;
 
 std::string Read_All(FileClass &file)
@@ -27,10 +26,10 @@ std::string Read_All(FileClass &file)
     return text;
 }
 
-std::string Content(std::string_view name, bool preferArchive = false, int handle = -1)
+std::string Content(std::string_view name)
 {
     FileClass file;
-    return file.Open(name, FILE_OPEN_GENERIC_READ, preferArchive, handle) ? Read_All(file) : "not opened";
+    return file.Open(name, FILE_OPEN_GENERIC_READ) ? Read_All(file) : "not opened";
 }
 
 /// The manager is in place, and the current directory is a fresh one.
@@ -44,11 +43,10 @@ protected:
         TheMegaFileManager = nullptr;
     }
 
-    int Add(const char *name, const ArchiveBuilder &builder, MegaFileClass::MegaFileAccess openType = FROM_DISK,
-            MegaFileManagerClass::AccessType access = PUBLIC)
+    int Add(const char *name, const ArchiveBuilder &builder, MegaFileClass::MegaFileAccess openType = FROM_DISK)
     {
         Directory.Write(name, builder.Build());
-        return Manager.Megafile_Add(name, openType, access);
+        return Manager.Megafile_Add(name, openType, MegaFileManagerClass::ACCESS_PUBLIC);
     }
 
     Reports Reported;
@@ -65,25 +63,6 @@ TEST_F(Archives, DiskComesFirstAndTheArchiveSecond)
     EXPECT_EQ(Content("art/fire.VRO") + Content("Art/Empty.vro"), "archived");
     Directory.Write("Art/Fire.vro", "on disk");
     EXPECT_EQ(Content("Art\\Fire.vro"), "on disk");
-    EXPECT_EQ(Content("Art\\Fire.vro", true), "archived");
-    Directory.Write("Art/Loose.vro", "loose");
-    EXPECT_EQ(Content("Art\\Loose.vro", true), "not opened"); // a preferring open leaves the disk alone
-}
-
-TEST_F(Archives, AnEarlierArchiveWinsAndAHandleGoesFirst)
-{
-    Add("a.meg", ArchiveBuilder().Add("X", "a").Add("ONLY_A", "1"));
-    const int second = Add("b.meg", ArchiveBuilder().Add("X", "b"));
-    const int hidden = Add("c.meg", ArchiveBuilder().Add("X", "c").Add("ONLY_C", "3"), FROM_DISK, PRIVATE);
-    EXPECT_EQ(Content("X"), "a");
-    EXPECT_EQ(Content("X", true, second), "b");
-    EXPECT_EQ(Content("X", true, hidden), "c");
-    EXPECT_EQ(Content("ONLY_A", true, second), "1"); // a miss goes on to the others
-    EXPECT_EQ(Content("ONLY_C"), "not opened");
-    EXPECT_EQ(Content("ONLY_C", true, hidden), "3");
-    EXPECT_EQ(Content("X", true, 12345), "a");
-    EXPECT_TRUE(Manager.Megafile_Remove(0));
-    EXPECT_EQ(Content("X"), "b");
 }
 
 TEST_F(Archives, SubFilesOfOneArchiveAreReadInTurns)
@@ -123,7 +102,6 @@ TEST_F(Archives, OneInMemoryServesAfterItsFileIsGone)
 TEST_F(Archives, ASubFileIsAFileUntilItsArchiveEnds)
 {
     const int handle = Add("a.meg", ArchiveBuilder().Add("X", "0123456789"));
-    EXPECT_EQ(Get_File_CRC("X", 0), 0xA684C7C6u); // crc32 of "0123456789"
     FileClass file("x");
     EXPECT_FALSE(file.Open(FILE_OPEN_EXCLUSIVE_READ)); // archives serve plain reads alone
     ASSERT_TRUE(file.Open(FILE_OPEN_GENERIC_READ));
@@ -134,27 +112,17 @@ TEST_F(Archives, ASubFileIsAFileUntilItsArchiveEnds)
     EXPECT_EQ(file.Get_Size() + file.Seek(0, FILE_SEEK_BEGIN), -2);
 }
 
-TEST_F(Archives, TheXmlListAddsInOrderWithLanguageFormsFirst)
+TEST_F(Archives, TheXmlListAddsInOrder)
 {
     Directory.Write("Data/MegaFiles.xml", "<?xml version=\"1.0\"?><Mega_Files><File>Data\\Art.meg</File><File></File>"
                                           "<File>Data\\Gone.meg</File><File>Data/Text.meg</File></Mega_Files>");
     const Bytes inner = ArchiveBuilder().Add("DEEP", "deep").Build(); // isn't looked for inside of archives
     const std::string innerText(inner.begin(), inner.end());
     Directory.Write("Data/Art.meg", ArchiveBuilder().Add("X", "art").Add("DATA\\GONE.MEG", innerText).Build());
-    Directory.Write("Data/Text.meg", ArchiveBuilder().Add("X", "text").Add("T", "plain").Build());
-    Directory.Write("Data/Text_German.meg", ArchiveBuilder().Add("T", "deutsch").Build());
-    Directory.Write("Mods/One/Data/MegaFiles.xml", "<M><F>Data\\Mod.meg</F></M>");
-    Directory.Write("Mods/One/Data/Mod.meg", ArchiveBuilder().Add("M", "modded").Build());
-    EXPECT_FALSE(Manager.Set_Language("Klingon"));
-    ASSERT_TRUE(Manager.Set_Language("german"));
+    Directory.Write("Data/Text.meg", ArchiveBuilder().Add("X", "text").Build());
     ASSERT_TRUE(Manager.Load_Default_Mega_Files(FROM_DISK));
     EXPECT_EQ(Content("X"), "art");
-    EXPECT_EQ(Content("T"), "deutsch");
     EXPECT_EQ(Reported.Count_Logs("can't add"), 1) << Reported.Get_Text();
-    // A directory's list counts from there.
-    EXPECT_FALSE(Manager.Load_Mega_Files("Mods\\None", FROM_DISK));
-    ASSERT_TRUE(Manager.Load_Mega_Files("Mods\\One", FROM_DISK));
-    EXPECT_EQ(Content("M"), "modded");
 }
 
 TEST_F(Archives, TheChunkListServesWhereTheXmlListFails)
@@ -167,28 +135,6 @@ TEST_F(Archives, TheChunkListServesWhereTheXmlListFails)
     ASSERT_TRUE(Manager.Load_Default_Mega_Files(IN_RAM));
     EXPECT_EQ(Content("X"), "from b");
     EXPECT_TRUE(Reported.Has_Log("XMLDatabase - Data\\MegaFiles.xml is refused: "));
-}
-
-TEST_F(Archives, FindMergesDiskAndArchivesOnce)
-{
-    Directory.Write("Art/b.vro", "12");
-    Directory.Write("Art/a.vro", "1");
-    Directory.Write("Art/c.txt", "");
-    Add("a.meg", ArchiveBuilder().Add("ART\\A.VRO", "archived").Add("ART\\D.VRO", "1234").Add("OTHER\\E.VRO", ""));
-    Add("b.meg", ArchiveBuilder().Add("ART\\D.VRO", "later"));
-    Add("c.meg", ArchiveBuilder().Add("ART\\HIDDEN.VRO", ""), FROM_DISK, PRIVATE);
-    FileFindStruct found, other;
-    std::string listing;
-    for (bool more = Manager.Find_First("art/*.vro", &found); more; more = Manager.Find_Next(&found)) {
-        listing += found.FileName + " " + std::to_string(found.FileSize) + "\n";
-        // A search inside of a search.
-        EXPECT_TRUE(Manager.Find_First("other\\*", &other) && Manager.Find_Close(&other));
-        EXPECT_EQ(other.FileName, "E.VRO");
-    }
-    EXPECT_EQ(listing, "a.vro 1\nb.vro 2\nD.VRO 4\n");
-    EXPECT_TRUE(Manager.Find_Close(&found));
-    EXPECT_TRUE(Reported.Get_Asserts().empty()) << Reported.Get_Text();
-    EXPECT_FALSE(Manager.Find_First("art/*.none", &found) || Manager.Find_Next(&found));
 }
 
 TEST_F(Archives, ThreadsShareTheManager)

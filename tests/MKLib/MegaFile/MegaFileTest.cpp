@@ -110,23 +110,6 @@ TEST_F(MegaFile, ReadsAreClippedAndSeeksStayInside)
     }
 }
 
-TEST_F(MegaFile, ImagesAreCountedUntilTheyAreReleased)
-{
-    for (const auto openType : BOTH_OPEN_TYPES) {
-        Reported.Clear();
-        ASSERT_TRUE(Opens(Small().Build(), openType));
-        const int index = Archive.Find_Subfile("TWO.TXT");
-        const uint8_t *image = Archive.Subfile_Get_Image(index);
-        ASSERT_TRUE(image);
-        EXPECT_EQ(std::string(image, image + 10), "0123456789");
-        EXPECT_TRUE(Archive.Subfile_Release_Image(image) && !Archive.Subfile_Release_Image(image));
-        Archive.Subfile_Get_Image(index);
-        EXPECT_EQ(Archive.Subfile_Get_Image(Archive.Find_Subfile("DATA\\EMPTY.TXT")), nullptr);
-        Archive.Close();
-        EXPECT_EQ(Reported.Get_Asserts().size(), 1u) << "the second image is still out";
-    }
-}
-
 TEST_F(MegaFile, DamageIsRefusedWithItsReason)
 {
     // The small archive: counts at 0, 4 and 8, names from 12 on (14 + 16 + 9 bytes), table entries at 51, 71 and 91.

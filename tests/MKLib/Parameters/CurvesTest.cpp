@@ -1,6 +1,5 @@
 #include "MKLib/Parameters/ParameterFiles.h"
 
-#include "MKLib/File/XMLDatabase.h"
 #include "MKLib/Random.h"
 #include "common/Reports.h"
 
@@ -152,18 +151,6 @@ TEST(Spline, IsTheNaturalCubicThroughItsPoints)
     const std::pair<float, float> rows[] = {{-1.0f, 0.0f}, {0.5f, 0.734375f}, {2.0f, -0.375f},
                                             {3.0f, -1.0f}, {3.5f, 0.171875f}, {5.0f, 2.0f}};
     for (const auto &[x, y] : rows) EXPECT_NEAR(uneven.Get_Value(x), y, 1e-6f) << x;
-}
-
-TEST(Spline, TakesItsPointsFromXML)
-{
-    XMLDatabase database;
-    ASSERT_TRUE(database.Load_Text(
-        "<Curve><Point>2 0</Point><Name>hill</Name><Point>0 0</Point><Point> 1 1 </Point></Curve>", "test"));
-    CubicInterpolator curve;
-    EXPECT_TRUE(curve.Load_XML(database));
-    EXPECT_NEAR(curve.Get_Value(0.5f), 0.6875f, 1e-6f);
-    ASSERT_TRUE(database.Load_Text("<Curve><Point>0 1</Point><Point>1</Point><Point>2 3</Point></Curve>", "test"));
-    EXPECT_FALSE(curve.Load_XML(database));
 }
 
 TEST(KeyedFloat, UsesTheSplineOnlyWithMoreThanTwoPoints)

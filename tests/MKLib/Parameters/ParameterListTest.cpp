@@ -177,19 +177,6 @@ TEST(ParameterList, EveryPrefixOfAFileEndsWithoutHarm)
     }
 }
 
-TEST(ParameterList, ACopyFromAnotherKindAssertsAndChangesNothing)
-{
-    EveryKind kinds;
-    for (int i = 0; i < kinds.List.Get_Parameter_Count(); ++i) {
-        Reports reports;
-        const Bytes before = kinds.Saved(i);
-        ParameterClass *target = kinds.List.Get_Parameter(i);
-        target->Copy_From(target == kinds.String ? static_cast<ParameterClass &>(*kinds.Texture) : *kinds.String);
-        EXPECT_EQ(reports.Get_Asserts().size(), 1u) << target->Get_Name();
-        EXPECT_EQ(kinds.Saved(i), before) << target->Get_Name();
-    }
-}
-
 TEST(ParameterList, CopiesByPosition)
 {
     EveryKind source(true);
@@ -204,26 +191,6 @@ TEST(ParameterList, CopiesByPosition)
     target.List.Copy_From(source.List);
     EXPECT_THAT(reports.Get_Asserts(), ElementsAre("Parameters.size() != count"));
     EXPECT_EQ(target.Int->Get_Value(), -123456);
-}
-
-TEST(ParameterList, CopiesByNameToEveryOneOfThatName)
-{
-    ParameterListClass source;
-    source.Add_Float(1, "size", 1.0f, "");
-    source.Add_Float(2, "Life", 2.0f, "");
-    source.Add_Float(3, "SIZE", 3.0f, "");
-    ParameterListClass target;
-    const auto *size = target.Add_Float(8, "Size", 0.0f, "");
-    const auto *again = target.Add_Float(9, "Size", 0.0f, "");
-    const auto *other = target.Add_Float(1, "Speed", 0.5f, "");
-    const auto *integer = target.Add_Int(2, "Life", 7, "");
-    Reports reports;
-    target.Copy_From_By_Name(source);
-    EXPECT_EQ(size->Get_Value(), 3.0f) << "the last of that name wins";
-    EXPECT_EQ(again->Get_Value(), 3.0f);
-    EXPECT_EQ(other->Get_Value(), 0.5f) << "ids don't matter";
-    EXPECT_EQ(integer->Get_Value(), 7);
-    EXPECT_THAT(reports.Get_Asserts(), ElementsAre("Get_Type() != other->Get_Type()"));
 }
 
 // Parameters share blocks of memory, which must last for the last one that somebody still holds.

@@ -25,7 +25,6 @@ const ShapeStruct SOME_POINT{.ShapeType = SHAPE_POINT, .Center = {1, 2, 3}};
 const ShapeStruct UPRIGHT_RAY{.ShapeType = SHAPE_RAY, .Direction = {0, 0, 4}};
 const ShapeStruct SLAB{.ShapeType = SHAPE_BOX, .BoxMinimum = {0, -10, 5}, .BoxMaximum = {20, 10, 6}};
 const ShapeStruct ONE_SPEED{.ShapeType = SHAPE_RADIAL, .E = {0, 0, 0, 0, 0, 0, 0, 0, 0, 10, 10}};
-const ShapeStruct SWAPPED_SPEEDS{.ShapeType = SHAPE_RADIAL, .E = {0, 0, 0, 0, 0, 0, 0, 0, 0, 2, 1}};
 
 int Steps_To(uint32_t state)
 {
@@ -170,16 +169,6 @@ TEST(ShapeSampling, PreparesASurfaceOnlyWhereAsked)
     shape.Prepare_Surface_Table();
     for (int i = 0; i < 500; ++i)
         EXPECT_NEAR(glm::length(shape.Sample(random, true, false, nullptr, Vector3(0.0f))), 10.0f, 1e-5f);
-}
-
-TEST(ShapeSampling, TellsOfBoundsInTheWrongOrder)
-{
-    ShapeParameterClass shape("", "", SHAPE_SPHERE);
-    EXPECT_TRUE(shape.Are_Bounds_Ordered());
-    for (const ShapeStruct &value : {Ball(4, 3), SWAPPED_SPEEDS}) {
-        shape.Set_Value(value);
-        EXPECT_FALSE(shape.Are_Bounds_Ordered());
-    }
 }
 
 TEST(ShapeSampling, YieldsSomethingForWhateverAFileHolds)
