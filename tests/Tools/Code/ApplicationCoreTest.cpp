@@ -13,15 +13,6 @@ using testing::HasSubstr;
 namespace
 {
 
-TEST(ApplicationCore, AnActivationBeyondTheFirstLeavesThePlacementAlone)
-{
-    Tool tool;
-    tool.core.Get_Settings().MainFormLocationSet = true;
-    tool.core.Get_Settings().MainFormLocation = {5, 6};
-    tool.form->Activate();
-    EXPECT_EQ(tool.form->Get_Location(), Point{});
-}
-
 /// The whole run, with a session on a fresh working directory.
 class RunToolTest : public testing::Test
 {

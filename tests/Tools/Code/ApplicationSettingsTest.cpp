@@ -102,10 +102,6 @@ TEST_F(ApplicationSettingsTest, AnyDamageGivesAllDefaultsWithoutAMessage)
         "<Settings><ViewMode>1</ViewMode></Settings>",
         "<ApplicationSettings><ViewMode>1</ViewMode><RenderAxes>no</RenderAxes></ApplicationSettings>",
         "<ApplicationSettings><ViewMode>2147483648</ViewMode></ApplicationSettings>",
-        "<ApplicationSettings><ViewMode>1.0</ViewMode></ApplicationSettings>",
-        "<ApplicationSettings><ViewMode>1</ViewMode><EnableHeat>True</EnableHeat></ApplicationSettings>",
-        "<ApplicationSettings><ViewMode>1</ViewMode><MainFormSize><Width>w</Width></MainFormSize></"
-        "ApplicationSettings>",
         "<!DOCTYPE a [<!ENTITY b \"bbbb\">]><ApplicationSettings><ViewMode>1</ViewMode></ApplicationSettings>",
     };
     for (const char *text : damaged) EXPECT_EQ(Load(text).ViewMode, 4) << text;

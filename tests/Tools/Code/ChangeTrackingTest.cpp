@@ -26,16 +26,6 @@ protected:
     Tool tool;
 };
 
-TEST_F(ChangeTracking, AnEditMarksTheEmitterOfEachSelectedRowOnce)
-{
-    tool.Select({0, 1, 2});
-    ASSERT_TRUE(tool.form->Edit_Current("GlobalLOD", "1"));
-    EXPECT_THAT(tool.Modified_Names(), ElementsAre("fire", "smoke"));
-    EXPECT_TRUE(tool.form->Is_Save_All_Button_Enabled());
-    for (int row = 0; row < 5; ++row) EXPECT_EQ(tool.Row(row).Get_Modified(), row < 4) << row;
-    EXPECT_EQ(tool.form->Get_Particle_Grid_View().Get_Refresh_Count(), 1);
-}
-
 TEST_F(ChangeTracking, AnEditOfARowThatIsNotSelectedMarksTheSelection)
 {
     tool.Select({4});

@@ -34,20 +34,6 @@ TEST(EmitterScan, ListsALayerARowInTheOrderOfTheFiles)
     tool.directory.Write("game/Art/Models/readme.txt", "no effect");
     tool.Scan();
     EXPECT_THAT(Row_Names(tool), ElementsAre("fire/flames", "fire/embers", "smoke/column"));
-    EXPECT_EQ(tool.form->Get_Resize_Count(), 1);
-}
-
-TEST(EmitterScan, ShowsItsProgress)
-{
-    Tool tool;
-    for (const char *name : {"a.vro", "b.vro"}) tool.Add_Emitter(name, {Plain_Layer()});
-    std::vector<std::string> seen;
-    tool.application.Set_Progress_Observer([&seen](const HeadlessProgressDialog &dialog) {
-        seen.push_back(dialog.Get_Title() + std::to_string(dialog.Get_Steps()) + "/" +
-                       std::to_string(dialog.Get_Step_Count()));
-    });
-    tool.Scan();
-    EXPECT_THAT(seen, ElementsAre("Scanning VRO Files...0/2", "Scanning VRO Files...0/2", "Scanning VRO Files...1/2"));
 }
 
 TEST(EmitterScan, WhatIsNoEmitterIsSkippedWithoutAWordAndOneWithoutGroupsHasNoRow)
@@ -89,7 +75,6 @@ TEST(EmitterScan, ADamagedEmitterEndsTheScanUntilTheNextOne)
 
     std::filesystem::remove(tool.Model_Path("b.vro"));
     tool.Scan();
-    EXPECT_EQ(tool.form->Get_Scan_Failure(), "");
     EXPECT_EQ(tool.Row_Count(), 1);
     EXPECT_TRUE(tool.form->Are_Settings_Controls_Enabled());
     // The handlers stand again, and once.

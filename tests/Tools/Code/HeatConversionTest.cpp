@@ -60,15 +60,6 @@ TEST_F(HeatConversion, OnlyTheCurrentRowIsConverted)
     EXPECT_THAT(tool.Modified_Names(), ElementsAre("fire", "smoke"));
 }
 
-TEST_F(HeatConversion, AHeatRowThatIsConvertedAgainLosesItsValues)
-{
-    tool.Select({2});
-    tool.Row(2).Set_HeatDistortionScale(0.25f);
-    tool.core.Convert_To_Heat_Button_Click(nullptr, EventArgs());
-    EXPECT_EQ(tool.Row(2).Get_HeatDistanceCutoff(), 1000.0f);
-    EXPECT_EQ(tool.Row(2).Get_HeatDistortionScale(), 1.0f);
-}
-
 TEST_F(HeatConversion, WithoutACurrentRowNothingHappens)
 {
     tool.form->Get_Particle_Data_Source().Clear();

@@ -106,16 +106,6 @@ TEST_F(Preview, ABackgroundIsKeptByItsFileName)
 
 TEST_F(Preview, ButtonsAndWheelDriveTheCamera)
 {
-    View().Get_View_Panel().origin = {100, 100};
-    View().Get_View_Panel().size = {200, 100};
-    // The panel's centre, and then its upper right corner.
-    tool.application.Set_Mouse({200, 150}, MOUSE_LEFT);
-    tool.core.View_Panel_Mouse_Down(nullptr, {});
-    tool.application.Set_Mouse({300, 100}, MOUSE_LEFT);
-    tool.core.View_Panel_Mouse_Move(nullptr, {});
-    EXPECT_THAT(record.Take(), ElementsAre("rotate end", "rotate end", "rotate begin", "move 1.000000 1.000000"));
-    EXPECT_TRUE(View().Get_View_Panel().focused);
-
     tool.application.Set_Mouse({300, 100}, MOUSE_LEFT | MOUSE_RIGHT);
     tool.core.View_Panel_Mouse_Down(nullptr, {MOUSE_RIGHT, 0, 0, 0});
     tool.core.View_Panel_Mouse_Up(nullptr, {MOUSE_RIGHT, 0, 0, 0});

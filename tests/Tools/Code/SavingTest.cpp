@@ -77,17 +77,6 @@ TEST_F(Saving, AFileWhoseNamesakeIsLeftIsGoneAllTheSame)
     EXPECT_EQ(MKTest::Read_Text_File(namesake), "another file");
 }
 
-TEST_F(Saving, AnUnmodifiedRowEndsTheWholeHandler)
-{
-    Edit({2});
-    const int refreshes = tool.form->Get_Particle_Grid_View().Get_Refresh_Count();
-    tool.Select({0, 2}); // row 0 isn't modified
-    tool.form->Click_Save();
-    EXPECT_NE(Read_Level(smoke), 1);
-    EXPECT_THAT(tool.Modified_Names(), ElementsAre("smoke"));
-    EXPECT_EQ(tool.form->Get_Particle_Grid_View().Get_Refresh_Count(), refreshes);
-}
-
 TEST_F(Saving, SaveAllKeepsWhatFailed)
 {
     Edit({0, 2});
@@ -97,7 +86,6 @@ TEST_F(Saving, SaveAllKeepsWhatFailed)
     EXPECT_TRUE(tool.reports.Has_Log(fire + ": File not found!"));
     EXPECT_EQ(Read_Level(smoke), 1);
     EXPECT_THAT(tool.Modified_Names(), ElementsAre("fire"));
-    EXPECT_TRUE(tool.form->Is_Save_All_Button_Enabled());
 
     Write_Emitter(fire, {Plain_Layer()});
     EXPECT_TRUE(tool.form->Click_Save_All());

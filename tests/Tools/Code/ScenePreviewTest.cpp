@@ -95,7 +95,6 @@ TEST_F(ScenePreviewTest, SwitchesAndTheCameraReachTheScene)
     preview.Update_Camera(STEP);
     Play(STEP);
     EXPECT_NEAR(state.Camera.Get_Translation().x, 318.573f, 0.01f); // 550 cos 35 sin 45
-    EXPECT_NEAR(state.Camera.Get_Translation().z, 315.467f, 0.01f); // 550 sin 35
     EXPECT_EQ(state.Terrain, nullptr);
     preview.Enable_Ground_Plane(true);
     preview.Enable_Target(true);
@@ -103,9 +102,6 @@ TEST_F(ScenePreviewTest, SwitchesAndTheCameraReachTheScene)
     ASSERT_NE(state.Terrain, nullptr);
     EXPECT_EQ(state.Terrain->Get_Height(7.0f, 8.0f), 0.0f);
     EXPECT_NE(state.TargetPosition, Vector3(0.0f));
-    preview.Enable_Ground_Plane(false);
-    Play(STEP);
-    EXPECT_EQ(state.Terrain, nullptr);
 }
 
 TEST_F(ScenePreviewTest, TheMouseTurnsTheCameraOnlyWhileAButtonIsHeld)
@@ -119,7 +115,6 @@ TEST_F(ScenePreviewTest, TheMouseTurnsTheCameraOnlyWhileAButtonIsHeld)
     preview.On_Rotate_Begin();
     preview.On_Mouse_Move(0.5f, 0.0f);
     EXPECT_NE(Draw().at(0).Vertices, before);
-    EXPECT_EQ(preview.Get_Camera_Distance(), 550.0f);
 }
 
 TEST_F(ScenePreviewTest, TheAspectIsThePanelsAndThatOfNoneIsLeftAlone)

@@ -13,22 +13,6 @@ using testing::ElementsAre;
 namespace
 {
 
-TEST(ShellUtil, StripFileName)
-{
-    const struct
-    {
-        const char *path;
-        bool stripExtension;
-        const char *result;
-    } rows[] = {
-        {"a/b.c", true, "b"}, {".x", true, ".x"},  {"a\\b/c\\d.e.f", true, "d.e"},
-        {"/a.b", true, "/a"}, {"//a", false, "a"}, {"a.b/c", true, "c"},
-        {"/", true, "/"},
-    };
-    for (const auto &row : rows)
-        EXPECT_EQ(ShellUtil::Strip_File_Name(row.path, row.stripExtension), row.result) << row.path;
-}
-
 TEST(ShellUtil, NewCharStringKeepsTheLowByteOfEachUnit)
 {
     // U+00E9, U+0141, and U+1F525 as the pair D83D DD25.

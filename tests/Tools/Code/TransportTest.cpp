@@ -53,9 +53,9 @@ TEST_F(Transport, SpeedScalesTheTimeWithinItsLimits)
         const char *what;
         float speed;
         float factor;
-    } cases[] = {{"real time", 1.0f, 1.0f},  {"fourfold", 4.0f, 4.0f},
-                 {"too fast", 100.0f, 4.0f}, {"too slow", 0.0f, 0.1f},
-                 {"backward", -1.0f, 0.1f},  {"not a number", std::numeric_limits<float>::quiet_NaN(), 1.0f}};
+    } cases[] = {{"too fast", 100.0f, 4.0f},
+                 {"too slow", 0.0f, 0.1f},
+                 {"not a number", std::numeric_limits<float>::quiet_NaN(), 1.0f}};
     using Clock = std::chrono::steady_clock;
     for (const auto &[what, speed, factor] : cases) {
         View().Select_Speed(speed);

@@ -165,7 +165,6 @@ TEST_F(Form, BrowsingChoosesAnotherDirectoryAndScansNothing)
     });
     tool.form->Get_Actions().Browse->trigger();
     EXPECT_EQ(tool.form->findChild<QLineEdit *>("pathField")->text().toStdString(), other);
-    EXPECT_EQ(tool.core->Get_Settings().WorkingDirectory, other);
     EXPECT_EQ(tool.form->Get_Model().Get_Count(), 2);
 }
 
@@ -223,13 +222,6 @@ protected:
 
     DesktopTool tool;
 };
-
-TEST_F(Placement, IsRestoredBeforeTheWindowShows)
-{
-    Open({40, 30}, {700, 500});
-    EXPECT_EQ(tool.form->Get_Location(), (Point{40, 30}));
-    EXPECT_EQ(tool.form->Get_Size(), (Size{700, 500}));
-}
 
 TEST_F(Placement, OfAMaximisedWindowIsTheOneThatItGoesBackTo)
 {

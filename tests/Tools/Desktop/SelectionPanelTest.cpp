@@ -57,19 +57,6 @@ TEST_F(Panel, ShowsOneValueWhereTheRowsAgreeAndTheRangeWhereTheyDoNot)
     EXPECT_FALSE(tool.Row(0).Get_Modified() || tool.Row(2).Get_Modified()) << "showing writes nothing";
 }
 
-TEST_F(Panel, ATypedValueGoesToAllOfTheSelection)
-{
-    Select({0, 1, 2});
-    QLineEdit &line = Line("DynamicLODNearDistance");
-    line.setFocus();
-    QTest::keyClicks(&line, "750");
-    QTest::keyClick(&line, Qt::Key_Return);
-    Let_Events_Run();
-    for (int row = 0; row < 3; ++row) EXPECT_EQ(tool.Row(row).Get_DynamicLODNearDistance(), 750.0f);
-    EXPECT_EQ(line.text(), "750");
-    EXPECT_TRUE(tool.Row(0).Get_Modified() && tool.Row(2).Get_Modified());
-}
-
 /// 0.251 of single precision is a little less, and reads as 250.
 TEST_F(Panel, ASliderGoesToAllOfTheSelectionAndOnFromWhatItWrote)
 {

@@ -120,8 +120,6 @@ TEST_F(View, TheViewModeIsAppliedWhenTheUserPicksIt)
 {
     vrMKPSpawner::Set_Global_LOD_Level(4);
     auto *modes = Form().findChild<QComboBox *>("viewMode");
-    EXPECT_EQ(modes->currentIndex(), 4);
-    EXPECT_EQ(modes->count(), 5);
     modes->setFocus();
     QTest::keyClick(modes, Qt::Key_Home);
     EXPECT_EQ(Settings().ViewMode, 0);

@@ -55,11 +55,9 @@ TEST(CommandLine, WrongUsageIsToldOnStandardError)
     const std::vector<std::string> lines[] = {
         {},
         {"unknown"},
-        {"dump", "a.vro", "b.vro"},
         {"build", "a.json"},
         {"build", "a.json", "-o", "b.vro", "--encoding", "lzma"},
         {"edit", ".", "--save", "--save-all"},
-        {"edit", ".", "--set", "GlobalLOD"},
     };
     for (const auto &line : lines) {
         const Outcome outcome = shop.Vro(line);
@@ -209,8 +207,6 @@ TEST(CommandLine, InfoShowsTheLayersOfFilesAndDirectories)
     EXPECT_THAT(outcome.Out, HasSubstr("campfire  (models/campfire.vro)  1 renderable, 2 layers\n"));
     EXPECT_THAT(outcome.Out, HasSubstr("caf\xc3\xa9"));
     EXPECT_THAT(outcome.Out, Not(HasSubstr("tree"))) << "a directory may hold other assets of the same extension";
-    shop.Directory.Make_Directory("empty");
-    EXPECT_EQ(shop.Vro({"info", "empty"}).Code, 1);
     // One bad file doesn't hide the others.
     const Outcome mixed = shop.Vro({"info", "missing.vro", "models/campfire.vro"});
     EXPECT_EQ(mixed.Code, 1);

@@ -1,17 +1,10 @@
 #include "Tools/vro/VroProgram.h"
 
-#include "vro/Commands.h"
 #include "vro/JsonText.h"
 
 #include <gtest/gtest.h>
 
 using namespace vro;
-
-TEST(Encoding, OtherNamesAreRefused)
-{
-    for (const char *text : {"", "ZLIB", "zlib+", "+swapped", "zlib+swapped+swapped"})
-        EXPECT_FALSE(Parse_Encoding(text)) << text;
-}
 
 TEST(Encoding, ChunksTellsTheSameTreeOfEachOne)
 {

@@ -17,25 +17,17 @@ TEST(SimulateOptions, WrongUsageIsToldInClearWords)
         const char *said;
     } rows[] = {
         {{"--frames", "0"}, "--frames: expected a whole number of 1 to 10000000, found \"0\""},
-        {{"--dt", "-0.1"}, "--dt: expected at least 0, found \"-0.1\""},
         {{"--dt", "nan"}, "--dt: expected a finite number, found \"nan\""},
         {{"--report", "11"}, "--report: frame 11 is beyond the end, expected at most 10"},
-        {{"--report", "0"}, "--report: expected all, last or frame numbers"},
         {{"--channels", "Position,Colour"},
          "no channel \"Colour\"; there are ProjectileStartingPosition, PreviousPosition"},
-        {{"--channels", "Age,Age"}, "channel \"Age\" stands twice"},
         {{"--quality", "1.1"}, "--quality: expected 0 to 1, found \"1.1\""},
         {{"--camera", "1,2"}, "--camera: expected X,Y,Z, three finite numbers, found \"1,2\""},
-        {{"--alt-index", "-2"}, "--alt-index: expected a whole number of -1"},
         {{"--hide", "2", "--show", "2"}, "frame 2 is to be hidden and shown"},
-        {{"--spawn", "5"}, "--spawn: expected FRAME:COUNT, found \"5\""},
         {{"--spawn", "5:1", "--spawn", "5:2"}, "--spawn: frame 5 stands twice"},
         {{"--target-velocity", "1,0,0"}, "--target-velocity: there is no --target"},
         {{"--dynamic", "0=1"}, "--dynamic: expected a whole number of 1 to 15, found \"0\""},
-        {{"--dynamic", "1"}, "--dynamic: expected 1..15=VALUE, found \"1\""},
-        {{"--terrain", "nan"}, "--terrain: expected a finite height, found \"nan\""},
         {{"--terrain", "hills.png"}, "--terrain: expected a height or PICTURE:SIZE_X,SIZE_Y,HEIGHT"},
-        {{"--terrain", "hills.png:1,2"}, "--terrain: expected three finite numbers behind the picture"},
         {{"--terrain", "hills.png:0,2,3"}, "--terrain: the picture's sizes must be above 0"},
     };
     for (const auto &row : rows) {

@@ -35,14 +35,3 @@ TEST(TextEncoding, EveryByteHasACharacterOfItsOwn)
     ASSERT_TRUE(Utf8_To_Windows_1252(text, back));
     EXPECT_EQ(back, all);
 }
-
-TEST(TextEncoding, FollowsThePageAndRefusesTheRest)
-{
-    // Euro sign, typographic quotes, em dash, Y with diaeresis, e acute.
-    EXPECT_EQ(Windows_1252_To_Utf8("\x80\x93\x94\x97\x9f\xe9"),
-              "\xe2\x82\xac\xe2\x80\x9c\xe2\x80\x9d\xe2\x80\x94\xc5\xb8\xc3\xa9");
-    std::string bytes;
-    EXPECT_FALSE(Utf8_To_Windows_1252("\xce\xb1", bytes)); // alpha
-    EXPECT_FALSE(Utf8_To_Windows_1252("\xc2\x80", bytes)); // the control character in whose place the euro sign stands
-    EXPECT_FALSE(Utf8_To_Windows_1252("\xff", bytes));
-}

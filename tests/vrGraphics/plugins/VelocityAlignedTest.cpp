@@ -73,9 +73,7 @@ TEST(VelocityAligned, LiesAlongItsMotionOrItsAxis)
         {"across the velocity", ACROSS, {0, 20, 0}, {-2, 0, 1}, {-2, 0, -1}, {0, 1, 0}},
         // Of 25, 24 lie in the plane.
         {"squashed, and fast", PLANAR, {0, 24, 7}, {-2, 2, 0}, {-2, -2, 0}, {0, 0, 1}},
-        {"squashed, and slow by that", PLANAR, {0, 20, 15}, {-2, 1, 0}, {-2, -1, 0}, {0, 0, 1}},
         {"along an axis, slow there", AXIS, {24, 0, -7}, {-2, 0, 1}, {-2, 0, -1}, {0, -1, 0}},
-        {"along an axis, fast there", AXIS, {9, 0, -24}, {-2, 0, 2}, {-2, 0, -2}, {0, -1, 0}},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
@@ -95,11 +93,6 @@ TEST(VelocityAligned, LiesAlongItsMotionOrItsAxis)
         Expect_Near(vertices[1].Position, c.bottomLeft, "bottom left");
         for (const vrLitVertex &vertex : vertices) Expect_Near(vertex.Normal, c.normal, "normal");
     }
-    Mover local(FACING); // whose x is the world's y
-    local.Built.State.Place_At(Quarter_Turn());
-    local.Get_Buffer().TransformType = MKP_TRANSFORM_LOCAL;
-    local.Move({20, 0, 0});
-    Expect_Corners(local.Build<vrLitVertex>(), {{2, 1, 0}, {2, -1, 0}, {-2, -1, 0}, {-2, 1, 0}});
 }
 
 TEST(VelocityAligned, HasItsAspectInTheWidthAndItsStretchInTheHeight)
@@ -165,17 +158,6 @@ TEST(VelocityAligned, HangsOnItsAnchor)
     }
 }
 
-TEST(VelocityAligned, HasItsAxesInBumpVertices)
-{
-    Mover mover(FACING);
-    mover.Set("Enable Bump", true);
-    const auto vertices = mover.Build<vrLitBumpVertex>();
-    ASSERT_EQ(vertices.size(), 4u);
-    Expect_Near(vertices[3].Normal, {0, 0, 1}, "normal");
-    Expect_Near(vertices[3].Tangent, {-1, 0, 0}, "tangent");
-    Expect_Near(vertices[3].Binormal, {0, 1, 0}, "binormal");
-}
-
 TEST(VelocityAligned, DrawsNothingWithoutAFrameTime)
 {
     for (const int kind : KINDS) {
@@ -238,7 +220,6 @@ TEST(VelocityBounds, HoldTheStretchAndTheAnchor)
         {"a fast one", FACING, 0, {0, 20, 0}, 1, 0.1f, 0, 6},
         {"wider than long", FACING, 0, {0, 20, 0}, 5, 0.1f, 0, 15},
         {"by the bottom, rising", FACING, 1, {0, level, 20}, 1, 0.1f, 3, 6},
-        {"bottom to top, rising", FACING, 3, {0, 0, 20}, 1, 0.1f, 0, 6},
         // The way of 0.2 counts as 20 a second.
         {"without a frame time", FACING, 0, {0, 2, 0}, 1, 0, 0, 6},
         {"across the axis", AXIS, 1, {0, 20, 0}, 1, 0.1f, 3, 3},

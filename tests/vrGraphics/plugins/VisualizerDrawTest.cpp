@@ -5,7 +5,6 @@
 #include "NullDraw.h"
 
 #include "vrGraphics/particle/vrMKPEmitterFace.h"
-#include "vrGraphics/plugins/visualizers/HeatAndSaturation.h"
 #include "vrGraphics/scene/vrLightContext.h"
 #include "vrGraphics/scene/vrParticleLight.h"
 
@@ -31,14 +30,6 @@ parameter float3 ParticleLightPos
 parameter float4 ParticleLightDiffuse
 technique VORENENGINE_LOD_0 { pass { vertex { v } fragment { f } } }
 )";
-constexpr const char *HEAT_EFFECT = R"(
-annotation _VOREN_RENDER_PHASE "Heat"
-parameter texture2d BaseTexture
-parameter float DistanceCutoff
-parameter float DistortionScale
-parameter float SaturationScale
-technique VORENENGINE_LOD_0 { pass { vertex { v } fragment { f } } }
-)";
 
 /// Two lights, the second of which is called "Lamp". Calls `OnAsk` whenever a draw asks for one.
 class Emitter final : public vrMKPEmitterFace
@@ -50,27 +41,17 @@ public:
         if (OnAsk) OnAsk();
         return Lights[index];
     }
-    int Find_Light_Source(const char *name) const override
-    {
-        LastName = name;
-        return LastName == "Lamp" ? 1 : -1;
-    }
-    void Keep_Updating() override { KeepsUpdating = true; }
+    int Find_Light_Source(const char *name) const override { return std::string(name) == "Lamp" ? 1 : -1; }
+    void Keep_Updating() override {}
 
     vrParticleLight Lights[2];
     std::function<void()> OnAsk;
-    mutable std::string LastName;
-    bool KeepsUpdating = false;
 };
 
 class VisualizerDraw : public NullDraw
 {
 protected:
-    VisualizerDraw()
-    {
-        Folder.Write("ParticleBillboardAdditive.mks", LIT_EFFECT);
-        Folder.Write("ParticleBillboardHeat.mks", HEAT_EFFECT);
-    }
+    VisualizerDraw() { Folder.Write("ParticleBillboardAdditive.mks", LIT_EFFECT); }
     static float Float_Of(const VisualizerStage &stage, const char *name)
     {
         const vrShaderInstance &shader = *stage.Get_Visualizer().Get_Shader();
@@ -107,19 +88,6 @@ TEST(Visualizer, WithoutADriverDoesNothing)
     }
 }
 
-TEST(Visualizer, ShowsInTheModesOfItsParameters)
-{
-    VisualizerStage stage(kvrMKPChainVisualizer);
-    Set_Values(*stage.Plugin, {{"Normal Render Mode", true},
-                               {"Reflection Render Mode", false},
-                               {"Refraction Render Mode", false},
-                               {"Shadow-map Render Mode", true}});
-    for (const int mode : {0, 1, 2, 3, 4, 8, 128, 256, 512})
-        EXPECT_EQ(stage.Get_Visualizer().Is_Render_Mode_Enabled(static_cast<vrRenderModeType>(mode)),
-                  mode == 1 || mode == 8 || mode == 256)
-            << mode;
-}
-
 TEST_F(VisualizerDraw, HandsItsVerticesOverOnce)
 {
     VisualizerStage stage(kvrMKPBillboardVisualizer);
@@ -137,11 +105,6 @@ TEST_F(VisualizerDraw, HandsItsVerticesOverOnce)
     const auto drawn = Draws()[0].Get_Vertices<vrLitVertex>();
     ASSERT_EQ(drawn.size(), 4u);
     for (size_t i = 0; i < 4; ++i) EXPECT_EQ(drawn[i].Position, built[i].Position);
-
-    stage.Set("Enable Bump", true);
-    Draw(stage);
-    ASSERT_EQ(Draws().size(), 2u);
-    EXPECT_EQ(Draws()[1].Type, VR_LIT_BUMP_VERTEX);
 }
 
 // The driver takes fewer than 65,535 vertices at once.
@@ -156,32 +119,6 @@ TEST_F(VisualizerDraw, SplitsWhatIsTooLargeForOneDraw)
     EXPECT_EQ(Draws()[1].VertexCount, 4);
     EXPECT_EQ(Draws()[1].Get_Vertices<vrLitVertex>()[0].Position.x, 16383.0f - 2.0f);
     EXPECT_TRUE(Told.Get_Asserts().empty()) << Told.Get_Text();
-}
-
-TEST_F(VisualizerDraw, LeavesTheDepthAloneInAModeOfItsOwn)
-{
-    const struct
-    {
-        vrRenderModeType mode;
-        bool ignoresDepth;
-        vrRenderModeType drawn;
-    } rows[] = {
-        {VR_RENDER_MODE_OFFSCREEN, true, VR_RENDER_MODE_FULL_SCREEN},
-        {VR_RENDER_MODE_OFFSCREEN, false, VR_RENDER_MODE_OFFSCREEN},
-        {VR_RENDER_MODE_NORMAL, true, VR_RENDER_MODE_NORMAL},
-    };
-    VisualizerStage stage(kvrMKPBillboardVisualizer);
-    stage.Get_Visualizer().Load_Assets(false, nullptr);
-    stage.Add(Vector3(0.0f));
-    for (const auto &row : rows) {
-        vrNullDriverMethods::Clear_Draws();
-        TheGraphicsDriver->Set_Render_Mode(row.mode, nullptr);
-        stage.Set("Disable Depth Test", row.ignoresDepth);
-        Draw(stage);
-        ASSERT_EQ(Draws().size(), 1u);
-        EXPECT_EQ(Draws()[0].Mode, row.drawn);
-        EXPECT_EQ(TheGraphicsDriver->Get_Render_Mode(), row.mode);
-    }
 }
 
 TEST_F(VisualizerDraw, MovesTheCameraForItsDepthOffsetAndBack)
@@ -230,17 +167,6 @@ TEST_F(VisualizerDraw, TellsTheShaderHowItIsLit)
     EXPECT_EQ(Float_Of(stage, "NormalScale"), 3.0f);
     EXPECT_EQ(Vector_Of(stage, "Specular"), Vector4(0.5f, 0.25f, 1.0f, 0.0f));
     EXPECT_EQ(Vector_Of(stage, "Emissive"), Vector4(0.25f, 0.5f, 0.75f, 0.0f));
-    const vrShaderInstance &shader = *stage.Get_Visualizer().Get_Shader();
-    EXPECT_EQ(shader.Get_Texture(shader.Get_Parameter_Index("BaseTexture")),
-              TheGraphicsDriver->Get_Generic_Texture().Get())
-        << "in place of one that isn't there";
-
-    // Without a sun the light stays as it was; the environment adds to what the particle emits.
-    stage.Add(Vector3(0.0f));
-    Context.ParticleEmissiveAdder = {1, 2, 3};
-    Draw(stage);
-    EXPECT_EQ(Vector_Of(stage, "Emissive"), Vector4(1.25f, 2.5f, 3.75f, 0.0f));
-    EXPECT_EQ(Vector_Of(stage, "ParticleLightDiffuse"), Vector4(0.0f));
 }
 
 TEST_F(VisualizerDraw, TakesItsLightFromSunOrEmitter)
@@ -278,55 +204,4 @@ TEST_F(VisualizerDraw, TakesItsLightFromSunOrEmitter)
     Draw(stage);
     EXPECT_EQ(Vector_Of(stage, "ParticleLightPos"), Vector4(0, 0, 1000000, 0)) << "no emitter, no lamp";
     TheGraphicsDriver->Set_Light_Context(nullptr);
-}
-
-TEST_F(VisualizerDraw, BindsToAnEmitterByItsKind)
-{
-    const struct
-    {
-        int kind;
-        bool bump, searches, keeps;
-    } rows[] = {
-        {kvrMKPBillboardVisualizer, false, false, false},
-        {kvrMKPBillboardVisualizer, true, true, false},
-        {kvrMKPCylindricalBumpVisualizer, false, true, false},
-        {kvrMKPInstantProjectileVisualizer, true, false, true},
-    };
-    for (const auto &row : rows) {
-        VisualizerStage stage(row.kind);
-        if (row.bump) stage.Set("Enable Bump", true);
-        Emitter emitter;
-        stage.Get_Visualizer().Bind_To_Emitter(emitter);
-        EXPECT_EQ(emitter.LastName, row.searches ? "Light" : "") << Plugin_Label(row.kind);
-        EXPECT_EQ(emitter.KeepsUpdating, row.keeps) << Plugin_Label(row.kind);
-    }
-}
-
-TEST_F(VisualizerDraw, SharesAssetsUnlessForced)
-{
-    VisualizerStage first(kvrMKPBillboardVisualizer);
-    VisualizerStage second(kvrMKPBillboardVisualizer);
-    second.Get_Visualizer().Load_Assets(false, &first.Get_Visualizer()); // which has none
-    vrShaderInstance *own = second.Get_Visualizer().Get_Shader();
-    ASSERT_NE(own, nullptr);
-    second.Get_Visualizer().Load_Assets(false, nullptr);
-    EXPECT_EQ(second.Get_Visualizer().Get_Shader(), own) << "held already";
-    first.Get_Visualizer().Load_Assets(false, &second.Get_Visualizer());
-    EXPECT_EQ(first.Get_Visualizer().Get_Shader(), own);
-    first.Get_Visualizer().Load_Assets(true, &second.Get_Visualizer());
-    EXPECT_NE(first.Get_Visualizer().Get_Shader(), own);
-}
-
-TEST_F(VisualizerDraw, OfHeatTellsItsShaderOfEachChange)
-{
-    VisualizerStage stage(kvrMKPHeatAndSaturationVisualizer);
-    auto &heat = static_cast<vrMKPHeatAndSaturationVisualizer &>(stage.Get_Visualizer());
-    heat.Set_Saturation_Scale(-2.0f);
-    heat.Load_Assets(false, nullptr);
-    EXPECT_EQ(heat.Get_Render_Phase(), vrRenderPhaseEnum::Heat);
-    EXPECT_EQ(Float_Of(stage, "SaturationScale"), -2.0f);
-    heat.Set_Distance_Cutoff(50.0f);
-    heat.Set_Distortion_Scale(1.5f);
-    EXPECT_EQ(Float_Of(stage, "DistanceCutoff"), 50.0f);
-    EXPECT_EQ(Float_Of(stage, "DistortionScale"), 1.5f);
 }

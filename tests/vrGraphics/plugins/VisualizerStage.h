@@ -39,14 +39,13 @@ struct VisualizerStage
 
     /// A particle with half a width of 2 and half a height of 1, which takes the texture from (0.25, 0.5) to
     /// (0.75, 0.75).
-    int Add(const Vector3 &position, uint32_t rotation = 0)
+    int Add(const Vector3 &position)
     {
         const int slot = Built.Add(position);
         vrMKPBuffer &buffer = Get_Buffer();
         buffer.Size[slot] = {2.0f, 1.0f};
         buffer.UV[slot] = {0.25f, 0.5f};
         buffer.DUV[slot] = {0.5f, 0.25f};
-        buffer.Rotation[slot] = rotation;
         return slot;
     }
     /// Selects and builds; empty when nothing is pending, or when the layout is another one.
