@@ -86,14 +86,17 @@ public:
         const uint32_t high = Get_Byte();
         return high << 8 | Get_Byte();
     }
+    // A step: the state after one, and what it puts out.
+    MK_INLINE static constexpr uint32_t Next_State(uint32_t state) { return state * 0x41c64e6du + 0xbdfu; }
+    MK_INLINE static constexpr uint32_t Output_Of(uint32_t state) { return (state >> 10) & 0x7fff; }
     /// True with `perCent` of 100: never for 0, always for 100.
     bool Get_Chance(int perCent) { return Get_Int(0, 99) < perCent; }
 
 private:
     uint32_t Step()
     {
-        State = State * 0x41c64e6du + 0xbdfu;
-        return (State >> 10) & 0x7fff;
+        State = Next_State(State);
+        return Output_Of(State);
     }
     MK_INLINE static double Magnitude(double value) { return __builtin_fabs(value); }
     static void Swap_Bounds(float &low, float &high); ///< and asserts

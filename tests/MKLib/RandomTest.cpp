@@ -1,4 +1,4 @@
-#include "MKLib/Random.h"
+#include "MKLib/RandomLanes.h"
 
 #include "common/Reports.h"
 
@@ -96,6 +96,36 @@ TEST(Random, ReachesTheEndsOfAFloatRangeUnlessTheyAreExcluded)
     EXPECT_EQ(Seeded(Seed_Of(0x7ffe)).Get_Float(0.0f, 1.0f, true, false), 1.0f);
     EXPECT_EQ(Seeded(Seed_Of(0)).Get_Float(0.0f, 32766.0f, true, false), 1.0f);
     EXPECT_EQ(Seeded(Seed_Of(0x7ffe)).Get_Float(0.0f, 32766.0f, false, true), 32765.0f);
+}
+
+TEST(Random, LanesAreTheStepsOfTheGeneratorInItsOrder)
+{
+    constexpr int COUNT = RandomLanes::CAPACITY - 1;
+    uint32_t words[RandomLanes::CAPACITY];
+    int repeated = 0;
+    for (int steps = 1; steps <= RandomLanes::MOST_STEPS; ++steps) {
+        for (const uint32_t seed : {1u, 0xffffffffu, Seed_Of(0x7fff), Seed_Of(0x7ffe)}) {
+            SCOPED_TRACE(testing::Message() << steps << " steps from " << seed);
+            RandomClass random(seed), serial(seed);
+            const RandomLanes takers(random, steps);
+            const RandomLanes::View lanes = takers.Get_View();
+            takers.Get_Words(words, COUNT);
+            for (int taker = 0; taker < COUNT; ++taker) {
+                uint32_t state = lanes[taker];
+                ASSERT_EQ(state, serial.Get_State()) << "taker " << taker;
+                ASSERT_EQ(words[taker], RandomClass(state).Get_Word()) << "taker " << taker;
+                uint32_t marks = 0;
+                const int32_t draw = RandomLanes::Draw(state, marks);
+                const bool repeats = (marks & RandomLanes::REPEATED) != 0;
+                ASSERT_EQ(draw == RandomClass(lanes[taker]).Draw(), !repeats) << "taker " << taker;
+                repeated += repeats;
+                for (int step = 0; step < steps; ++step) serial.Get_Byte();
+            }
+            takers.Finish(random, COUNT);
+            EXPECT_EQ(random.Get_State(), serial.Get_State());
+        }
+    }
+    EXPECT_GE(repeated, RandomLanes::MOST_STEPS);
 }
 
 } // namespace

@@ -20,47 +20,137 @@ struct Bounds
     float High;
 };
 
-/// As `RandomClass::To_Float`. `doubts` isn't 0 any more where that would look closer.
-MK_INLINE float To_Float(int32_t draw, const Bounds &bounds, uint32_t &doubts)
+/// The draws of one point. What is wrong with them is kept, not mended.
+struct Dice
 {
-    const RandomClass::FloatRange range = RandomClass::Range_Of(draw, bounds.Low, bounds.High);
-    doubts |= std::bit_cast<uint32_t>(range.Least) ^ std::bit_cast<uint32_t>(range.Greatest);
-    return range.Least;
-}
+    uint32_t State;
+    uint32_t Marks = 0;
+    uint32_t Doubts = 0; ///< not 0 where `RandomClass::To_Float` would look closer
 
-/// False where it has to be done one by one.
-MK_SIMD bool Convert(float *__restrict to, const int32_t *__restrict draws, int count, const Bounds &source)
-{
-    const Bounds bounds = source;
-    uint32_t doubts = 0;
-    for (int i = 0; i < count; ++i) to[i] = To_Float(draws[i], bounds, doubts);
-    return doubts == 0;
-}
-
-void Convert_All(float *to, const int32_t *draws, int count, const Bounds &bounds)
-{
-    if (Convert(to, draws, count, bounds)) return;
-    for (int i = 0; i < count; ++i) to[i] = RandomClass::To_Float(draws[i], bounds.Low, bounds.High);
-}
-
-/// Points at distances `radii` from the centre.
-MK_SIMD void Place_On_Spheres(float *__restrict x, float *__restrict y, float *__restrict z,
-                              const float *__restrict turns, const float *__restrict heights,
-                              const float *__restrict radii, int count)
-{
-    for (int i = 0; i < count; ++i) {
-        const float v = heights[i];
-        const float twice = 2.0f * std::sqrt((1.0f - v) * v);
-        const auto [sine, cosine] = Portable::Sine_And_Cosine(static_cast<double>(turns[i] * TWO_PI));
-        x[i] = twice * cosine * radii[i];
-        y[i] = twice * sine * radii[i];
-        z[i] = (1.0f - 2.0f * v) * radii[i];
+    /// From 0 to 1.
+    MK_INLINE float Unit() { return RandomLanes::To_Unit(RandomLanes::Draw(State, Marks)); }
+    MK_INLINE float Between(const Bounds &bounds)
+    {
+        const auto range = RandomClass::Range_Of(RandomLanes::Draw(State, Marks), bounds.Low, bounds.High);
+        Doubts |= std::bit_cast<uint32_t>(range.Least) ^ std::bit_cast<uint32_t>(range.Greatest);
+        return range.Least;
     }
+};
+
+MK_INLINE Vector3 Scaled(const Vector3 &vector, float factor)
+{
+    return {vector.x * factor, vector.y * factor, vector.z * factor};
 }
 
-MK_SIMD void Scale(float *values, int count, float factor)
+// How each shape makes a point of its draws.
+struct Ray
 {
-    for (int i = 0; i < count; ++i) values[i] = factor * values[i];
+    Vector3 Direction;
+    Bounds Distances;
+
+    MK_INLINE Vector3 Place(Dice &dice) const { return Scaled(Direction, dice.Between(Distances)); }
+};
+
+struct Sphere
+{
+    float Radius;
+
+    MK_INLINE static Vector3 Direct(Dice &dice)
+    {
+        const float turn = dice.Unit();
+        const float v = dice.Unit();
+        const float twice = 2.0f * std::sqrt((1.0f - v) * v);
+        const auto [sine, cosine] = Portable::Sine_And_Cosine(static_cast<double>(turn * TWO_PI));
+        return {twice * cosine, twice * sine, 1.0f - 2.0f * v};
+    }
+    MK_INLINE Vector3 Place(Dice &dice) const { return Scaled(Direct(dice), Radius); }
+};
+
+/// A sphere that is filled.
+struct Ball
+{
+    float Radius;
+
+    MK_INLINE Vector3 Place(Dice &dice) const
+    {
+        const Vector3 direction = Sphere::Direct(dice);
+        return Scaled(direction, Radius * dice.Unit());
+    }
+};
+
+/// One with a hole.
+struct Shell
+{
+    float Radius;
+    Bounds Fractions;
+
+    MK_INLINE Vector3 Place(Dice &dice) const
+    {
+        const Vector3 direction = Sphere::Direct(dice);
+        return Scaled(direction, Radius * dice.Between(Fractions));
+    }
+};
+
+struct Box
+{
+    Bounds X, Y, Z;
+
+    MK_INLINE Vector3 Place(Dice &dice) const
+    {
+        const float x = dice.Between(X);
+        const float y = dice.Between(Y);
+        return {x, y, dice.Between(Z)};
+    }
+};
+
+/// Where points go.
+struct Target
+{
+    float *X;
+    float *Y;
+    float *Z;
+};
+
+template <typename Form>
+MK_INLINE bool Place_All(const Target &target, const RandomLanes::View &takers, int count, const Form &shape)
+{
+    const Target to = target;
+    const RandomLanes::View lanes = takers;
+    const Form form = shape;
+    const int whole = RandomLanes::Round_Up(count);
+    uint32_t marks = 0;
+    uint32_t doubts = 0;
+#pragma GCC ivdep
+    for (int i = 0; i < whole; ++i) {
+        Dice dice{lanes[i]};
+        const Vector3 point = form.Place(dice);
+        to.X[i] = point.x;
+        to.Y[i] = point.y;
+        to.Z[i] = point.z;
+        marks |= dice.Marks;
+        doubts |= dice.Doubts;
+    }
+    return (marks & RandomLanes::REPEATED) == 0 && doubts == 0;
+}
+MK_SIMD bool Place(const Target &to, const RandomLanes::View &takers, int count, const Ray &ray)
+{
+    return Place_All(to, takers, count, ray);
+}
+MK_SIMD bool Place(const Target &to, const RandomLanes::View &takers, int count, const Sphere &sphere)
+{
+    return Place_All(to, takers, count, sphere);
+}
+MK_SIMD bool Place(const Target &to, const RandomLanes::View &takers, int count, const Ball &ball)
+{
+    return Place_All(to, takers, count, ball);
+}
+MK_SIMD bool Place(const Target &to, const RandomLanes::View &takers, int count, const Shell &shell)
+{
+    return Place_All(to, takers, count, shell);
+}
+MK_SIMD bool Place(const Target &to, const RandomLanes::View &takers, int count, const Box &box)
+{
+    return Place_All(to, takers, count, box);
 }
 
 int Count_Draws(const ShapeStruct &value, bool hollow, bool even)
@@ -83,44 +173,27 @@ ShapeBatch::ShapeBatch(const ShapeParameterClass &shape, bool hollow, bool even)
 {
 }
 
-void ShapeBatch::Place(float *x, float *y, float *z, int count) const
+bool ShapeBatch::Draw(const RandomLanes &takers, float *x, float *y, float *z, int count) const
 {
     const auto &value = Shape.Get_Value();
+    const Target to{x, y, z};
     switch (value.ShapeType) {
-    case SHAPE_RAY: {
-        float distances[CAPACITY];
-        Convert_All(distances, Draws[0], count, {value.A, value.B});
-        const Vector3 &direction = Shape.Get_Normal_Direction();
-        const auto place = [&](float *to, float component) {
-            std::copy_n(distances, count, to);
-            Scale(to, count, component);
-        };
-        place(x, direction.x);
-        place(y, direction.y);
-        place(z, direction.z);
-        break;
+    case SHAPE_RAY: return Place(to, takers.Get_View(), count, Ray{Shape.Get_Normal_Direction(), {value.A, value.B}});
+    case SHAPE_SPHERE:
+        if (DrawCount == 2) return Place(to, takers.Get_View(), count, Sphere{value.D});
+        if (value.C == 0.0f && value.D != 0.0f) return Place(to, takers.Get_View(), count, Ball{value.D});
+        return Place(to, takers.Get_View(), count, Shell{value.D, {value.C / value.D, 1.0f}});
+    case SHAPE_BOX: {
+        const Vector3 &low = value.BoxMinimum;
+        const Vector3 &high = value.BoxMaximum;
+        return Place(to, takers.Get_View(), count, Box{{low.x, high.x}, {low.y, high.y}, {low.z, high.z}});
     }
-    case SHAPE_SPHERE: {
-        float turns[CAPACITY], heights[CAPACITY], radii[CAPACITY];
-        Convert_All(turns, Draws[0], count, {0.0f, 1.0f});
-        Convert_All(heights, Draws[1], count, {0.0f, 1.0f});
-        if (DrawCount == 3)
-            Convert_All(radii, Draws[2], count, {value.C / value.D, 1.0f});
-        else
-            std::fill_n(radii, count, 1.0f);
-        Scale(radii, count, value.D);
-        Place_On_Spheres(x, y, z, turns, heights, radii, count);
-        break;
+    default: {
+        const int whole = RandomLanes::Round_Up(count);
+        std::fill_n(x, whole, value.Center.x);
+        std::fill_n(y, whole, value.Center.y);
+        std::fill_n(z, whole, value.Center.z);
+        return true;
     }
-    case SHAPE_BOX:
-        Convert_All(x, Draws[0], count, {value.BoxMinimum.x, value.BoxMaximum.x});
-        Convert_All(y, Draws[1], count, {value.BoxMinimum.y, value.BoxMaximum.y});
-        Convert_All(z, Draws[2], count, {value.BoxMinimum.z, value.BoxMaximum.z});
-        break;
-    default:
-        std::fill_n(x, count, value.Center.x);
-        std::fill_n(y, count, value.Center.y);
-        std::fill_n(z, count, value.Center.z);
-        break;
     }
 }

@@ -1,34 +1,29 @@
 #pragma once
 
-/// Many points of one shape at a time: the numbers are drawn one after the other, in the order that a seed means, and
-/// what the shape makes of them is worked out for a register of points at once. The points are those of
-/// `ShapeParameterClass::Sample`, bit for bit.
+/// Many points of one shape at a time, a register of them at once. They are those of `ShapeParameterClass::Sample` for
+/// one after the other, bit for bit.
 
 #include "MKLib/Parameters/ShapeParameter.h"
-#include "MKLib/Random.h"
+#include "MKLib/RandomLanes.h"
 
 class ShapeBatch
 {
 public:
-    static constexpr int CAPACITY = 128; ///< the most points
+    static constexpr int CAPACITY = RandomLanes::CAPACITY; ///< the most points
 
     /// Borrows the shape.
     ShapeBatch(const ShapeParameterClass &shape, bool hollow, bool even);
     /// Whether the shape has points of this kind: some are only sampled one by one.
     bool Is_Possible() const { return DrawCount >= 0; }
+    /// The draws of a point.
+    int Get_Draw_Count() const { return DrawCount; }
 
-    /// The draws of the point `at`.
-    void Draw(RandomClass &random, int at)
-    {
-        for (int draw = 0; draw < DrawCount; ++draw) Draws[draw][at] = random.Draw();
-    }
-    /// Writes the points that were drawn, an array for each component.
-    void Place(float *x, float *y, float *z, int count) const;
+    /// Writes a point for each of the takers whose next draws are the point's, an array for each component, up to whole
+    /// groups of `RandomLanes`. False, and what was written has no meaning, where one of these points has to be sampled
+    /// by itself, with numbers that are drawn again.
+    bool Draw(const RandomLanes &takers, float *x, float *y, float *z, int count) const;
 
 private:
-    static constexpr int MOST_DRAWS = 3;
-
     const ShapeParameterClass &Shape;
     int DrawCount;
-    int32_t Draws[MOST_DRAWS][CAPACITY]; // written before they are read
 };

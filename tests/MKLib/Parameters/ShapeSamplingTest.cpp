@@ -7,6 +7,7 @@
 
 #include <cmath>
 #include <limits>
+#include <vector>
 
 namespace
 {
@@ -120,20 +121,38 @@ TEST(ShapeSampling, RadialVelocitiesGoOutwardFromThePositionsShape)
 
 TEST(ShapeSampling, ABatchHasThePointsOfSingleDraws)
 {
-    constexpr int COUNT = ShapeBatch::CAPACITY;
-    for (const ShapeStruct &value : {SOME_POINT, UPRIGHT_RAY, Ball(2.5f, 10), Ball(10, 2.5f), Ball(4, 4), SLAB}) {
-        SCOPED_TRACE(value.ShapeType);
+    constexpr int COUNT = ShapeBatch::CAPACITY - 3;
+    constexpr int BEFORE = 3; // steps of something else
+    float x[ShapeBatch::CAPACITY], y[ShapeBatch::CAPACITY], z[ShapeBatch::CAPACITY];
+    for (const ShapeStruct &value :
+         {SOME_POINT, UPRIGHT_RAY, Ball(0, 10), Ball(2.5f, 10), Ball(10, 2.5f), Ball(4, 4), SLAB})
+    {
+        SCOPED_TRACE(testing::Message() << value.ShapeType << " " << value.C);
         ShapeParameterClass shape("", "", SHAPE_POINT);
         shape.Set_Value(value);
-        ShapeBatch batch(shape, false, false);
+        const ShapeBatch batch(shape, false, false);
         ASSERT_TRUE(batch.Is_Possible());
-        RandomClass random(7), alone(7);
-        for (int i = 0; i < COUNT; ++i) batch.Draw(random, i);
-        float x[COUNT], y[COUNT], z[COUNT];
-        batch.Place(x, y, z, COUNT);
-        for (int i = 0; i < COUNT; ++i)
-            EXPECT_EQ(Vector3(x[i], y[i], z[i]), shape.Sample(alone, false, false, nullptr, Vector3(0.0f))) << i;
-        EXPECT_EQ(random.Get_State(), alone.Get_State());
+        int refused = 0;
+        for (uint32_t seed = 0; seed < 1000; ++seed) {
+            RandomClass alone(seed * 0x9e3779b9u);
+            std::vector<Vector3> expected;
+            for (int i = 0; i < COUNT; ++i) {
+                for (int step = 0; step < BEFORE; ++step) alone.Get_Byte();
+                expected.push_back(shape.Sample(alone, false, false, nullptr, Vector3(0.0f)));
+            }
+            RandomClass random(seed * 0x9e3779b9u);
+            const RandomLanes takers(random, BEFORE + batch.Get_Draw_Count());
+            takers.Finish(random, COUNT);
+            const bool repeats = random.Get_State() != alone.Get_State();
+            const bool isDone = batch.Draw(takers.After(BEFORE), x, y, z, COUNT);
+            ASSERT_FALSE(isDone && repeats);
+            refused += !isDone;
+            for (int i = 0; isDone && i < COUNT; ++i)
+                ASSERT_EQ(Vector3(x[i], y[i], z[i]), expected[static_cast<size_t>(i)]) << "seed " << seed << ", " << i;
+        }
+        // Each draw is one of 32,768 to draw again.
+        EXPECT_LE(refused, 2 * 1000 * COUNT * batch.Get_Draw_Count() / 32768 + 2);
+        EXPECT_EQ(refused > 0, batch.Get_Draw_Count() > 0);
     }
 }
 

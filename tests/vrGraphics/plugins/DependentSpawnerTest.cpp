@@ -6,6 +6,7 @@
 #include "VertexChecks.h"
 #include "common/Reports.h"
 
+#include "vrGraphics/particle/ParticleMath.h"
 #include "vrGraphics/plugins/spawners/CodeSpawner.h"
 #include "vrGraphics/plugins/spawners/MeshSpawner.h"
 #include "vrGraphics/plugins/stompers/vrMKPStomper.h"
@@ -327,6 +328,36 @@ TEST(MeshSpawner, TurnsToTheNormalAndStandsOffTheSurface)
     Expect_Near(family.Ring().ProjectileStartingPosition[1], {2, 2, 0});
     Expect_Near(family.Ring().Velocity[2], {0, 0, 5}); // none
     Expect_Near(family.Ring().ProjectileStartingPosition[2], {0, 2, 0});
+}
+
+// 300 newborns are several blocks, some of which have a number that is drawn again.
+TEST(MeshSpawner, PicksBlocksAsOneByOne)
+{
+    const Vector3 velocity{1.0f, 2.0f, 3.0f};
+    for (const int location : {0, 1}) {
+        SCOPED_TRACE(location);
+        MeshFamily family(location, 299.5f);
+        family.Set("Velocity", velocity);
+        family.Set("Surface Offset", 2.0f);
+        vrMKPMeshPoints points;
+        points.Set_Mesh(family.Carrier.Mesh, true);
+        for (uint32_t seed = 0; seed < 60; ++seed) {
+            family.Ring().Reset();
+            family.Prepare();
+            RandomClass random(seed * 0x9e3779b9u);
+            family.Ring().Random.Seed(random.Get_State());
+            ASSERT_EQ(family.Step(), 300);
+            for (const vrMKPSpan span : family.Ring().New_Spans())
+                for (int slot = span.First; slot < span.First + span.Count; ++slot) {
+                    const auto point = location == 0 ? points.Pick_Vertex(random) : points.Pick_Surface(random);
+                    const Vector3 normal = Particle::Unit(point.Normal);
+                    const Vector3 start = point.Position + normal * 2.0f;
+                    ASSERT_EQ(family.Ring().ProjectileStartingPosition[slot], start) << seed << " " << slot;
+                    ASSERT_EQ(family.Ring().Velocity[slot], Mat3DClass::Look_Along(normal).Rotate(velocity));
+                    ASSERT_EQ(family.Ring().ID[slot], random.Get_Word());
+                }
+        }
+    }
 }
 
 TEST(MeshSpawner, KnowsWhereTheMeshIs)

@@ -2,6 +2,7 @@
 
 #include "Fakes.h"
 
+#include "vrGraphics/particle/ParticleMath.h"
 #include "MKLib/Parameters/ShapeParameter.h"
 #include "MKLib/Parameters/SimpleParameters.h"
 
@@ -284,6 +285,54 @@ TEST(SpawnRun, GoesOnSpawningWhenHiddenWhereItHasAnEnd)
         const SmartPtr<vrMKPPlugin> stomper = Make_Plugin(19, {{"Kill On Removal", row.killOnRemoval}});
         EXPECT_EQ(run.Spawner().Can_Spawn(run.Buffer.Get(), run.State, dynamic_cast<vrMKPStomper *>(stomper.Get())),
                   row.expected);
+    }
+}
+
+const struct
+{
+    const char *what;
+    int id;
+    Vector3 (*turn)(const Vector3 &position, const Vector3 &velocity);
+} Sources[] = {
+    {"as drawn", 34, [](const Vector3 &, const Vector3 &velocity) { return velocity; }},
+    {"outward", 50,
+     [](const Vector3 &position, const Vector3 &velocity) { return velocity + Particle::Unit(position) * 5.0f; }},
+    {"along the position", 43,
+     [](const Vector3 &position, const Vector3 &velocity) {
+         return Mat3DClass::Look_Along(position).Rotate(velocity);
+     }},
+};
+
+// 300 newborns are several blocks, some of which have a number that is drawn again.
+TEST(SpawnRun, DrawsBlocksAsOneByOne)
+{
+    for (const auto &row : Sources) {
+        SCOPED_TRACE(row.what);
+        SpawnRun run(row.id, 310);
+        run.Set("Particles / Second", 2990.0f);
+        if (row.id == 50) run.Set("Outward Speed", 5.0f);
+        if (row.id == 43) run.Set("Velocity Alignment", 1);
+        auto &ball = Parameter_Of<ShapeParameterClass>(*run.Plugin, "Position");
+        auto &box = Parameter_Of<ShapeParameterClass>(*run.Plugin, "Velocity");
+        ball.Set_Value({.ShapeType = SHAPE_SPHERE, .C = 2.0f, .D = 6.0f});
+        box.Set_Value({.ShapeType = SHAPE_BOX, .BoxMinimum = Vector3(-1.0f), .BoxMaximum = Vector3(3.0f)});
+        for (uint32_t seed = 0; seed < 30; ++seed) {
+            run.Buffer->Clear_Particles();
+            run.Buffer->FirstSpawn = true;
+            run.Buffer->SpawnClock = 0.0f;
+            RandomClass random(seed * 0x9e3779b9u);
+            run.Buffer->Random.Seed(random.Get_State());
+            const std::vector<int> slots = run.Frame(0.1f);
+            ASSERT_EQ(slots.size(), 300u);
+            for (const int slot : slots) {
+                const Vector3 position = ball.Sample(random, false, false, nullptr, Vector3(0.0f));
+                const Vector3 velocity = box.Sample(random, false, false, nullptr, position);
+                ASSERT_EQ(run.Buffer->ProjectileStartingPosition[slot], position) << seed << " " << slot;
+                ASSERT_EQ(run.Buffer->Velocity[slot], row.turn(position, velocity)) << seed << " " << slot;
+                ASSERT_EQ(run.Buffer->ID[slot], random.Get_Word());
+            }
+            ASSERT_EQ(run.Buffer->Random.Get_State(), random.Get_State());
+        }
     }
 }
 

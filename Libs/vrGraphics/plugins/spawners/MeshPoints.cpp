@@ -11,15 +11,46 @@
 namespace
 {
 
-constexpr int64_t DRAWS = static_cast<int64_t>(RandomMax) + 1; ///< values of one draw
+constexpr int32_t DRAWS = static_cast<int32_t>(RandomMax) + 1; ///< values of one draw
 constexpr size_t MAX_VERTICES = size_t(1) << 24;
 constexpr double LEAST_AREA = 1e-60; ///< far from where products of areas lose their bits
 
 /// Two draws: one alone has too few values for a large mesh.
-int64_t Draw_Wide(RandomClass &random)
+MK_INLINE int32_t Join(int32_t high, int32_t low)
 {
-    const int64_t high = random.Draw();
-    return high * DRAWS + random.Draw();
+    return high * DRAWS + low;
+}
+int32_t Draw_Wide(RandomClass &random)
+{
+    const int32_t high = random.Draw();
+    return Join(high, random.Draw());
+}
+
+template <bool OfSurface>
+MK_INLINE uint32_t Draw_In_Form(vrMKPMeshPicks &picks, const RandomLanes::View &takers, int count)
+{
+    const RandomLanes::View lanes = takers;
+    const int whole = RandomLanes::Round_Up(count);
+    uint32_t marks = 0;
+#pragma GCC ivdep
+    for (int i = 0; i < whole; ++i) {
+        uint32_t state = lanes[i];
+        const int32_t high = RandomLanes::Draw(state, marks);
+        picks.Wide[i] = Join(high, RandomLanes::Draw(state, marks));
+        if constexpr (OfSurface) {
+            picks.Root[i] = std::sqrt(RandomLanes::To_Unit(RandomLanes::Draw(state, marks)));
+            picks.Along[i] = RandomLanes::To_Unit(RandomLanes::Draw(state, marks));
+        }
+    }
+    return marks;
+}
+MK_SIMD uint32_t Draw_Vertices(vrMKPMeshPicks &picks, const RandomLanes::View &takers, int count)
+{
+    return Draw_In_Form<false>(picks, takers, count);
+}
+MK_SIMD uint32_t Draw_Surface(vrMKPMeshPicks &picks, const RandomLanes::View &takers, int count)
+{
+    return Draw_In_Form<true>(picks, takers, count);
 }
 
 /// Twice the area of a triangle; 0 for one that has none.
@@ -36,6 +67,13 @@ double Measure(const vrSpawnMesh &mesh, size_t triangle)
 }
 
 } // namespace
+
+bool vrMKPMeshPicks::Draw(const RandomLanes &takers, int count, bool ofSurface)
+{
+    const uint32_t marks =
+        ofSurface ? Draw_Surface(*this, takers.Get_View(), count) : Draw_Vertices(*this, takers.Get_View(), count);
+    return (marks & RandomLanes::REPEATED) == 0;
+}
 
 void vrMKPMeshPoints::Set_Mesh(const vrSpawnMesh &mesh, bool needsSurface)
 {
@@ -85,14 +123,24 @@ MK_INLINE vrMKPMeshPoints::Point vrMKPMeshPoints::Get_Vertex(size_t index) const
 
 vrMKPMeshPoints::Point vrMKPMeshPoints::Pick_Vertex(RandomClass &random) const
 {
-    return Get_Vertex(static_cast<size_t>(Draw_Wide(random) % Get_Vertex_Count()));
+    return Get_Picked_Vertex(Draw_Wide(random));
+}
+
+vrMKPMeshPoints::Point vrMKPMeshPoints::Get_Picked_Vertex(int32_t wide) const
+{
+    return Get_Vertex(static_cast<size_t>(wide % Get_Vertex_Count()));
 }
 
 vrMKPMeshPoints::Point vrMKPMeshPoints::Pick_Surface(RandomClass &random) const
 {
-    const size_t triangle = Find_Triangle(static_cast<double>(Draw_Wide(random)) / static_cast<double>(DRAWS * DRAWS));
+    const int32_t wide = Draw_Wide(random);
     const float root = std::sqrt(random.Get_Float(0.0f, 1.0f));
-    const float along = random.Get_Float(0.0f, 1.0f);
+    return Get_Picked_Surface(wide, root, random.Get_Float(0.0f, 1.0f));
+}
+
+vrMKPMeshPoints::Point vrMKPMeshPoints::Get_Picked_Surface(int32_t wide, float root, float along) const
+{
+    const size_t triangle = Find_Triangle(static_cast<double>(wide) / (static_cast<double>(DRAWS) * DRAWS));
     const float weights[3] = {1.0f - root, root * (1.0f - along), root * along};
 
     const uint32_t *corner = Mesh.Indices.data() + 3 * triangle;

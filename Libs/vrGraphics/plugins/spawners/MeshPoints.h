@@ -2,10 +2,24 @@
 
 /// Points on the mesh that an effect is attached to.
 
-#include "MKLib/Random.h"
+#include "MKLib/RandomLanes.h"
 #include "vrGraphics/particle/vrWorld.h"
 
 #include <vector>
+
+/// What picks points, of many takers at once. Left unwritten by `Draw` where nothing needs it.
+struct vrMKPMeshPicks
+{
+    static constexpr int VERTEX_DRAWS = 2;
+    static constexpr int SURFACE_DRAWS = 4;
+
+    /// The takers' next draws for a vertex, or for a place of the surface. False where one is drawn again.
+    bool Draw(const RandomLanes &takers, int count, bool ofSurface);
+
+    alignas(64) int32_t Wide[RandomLanes::CAPACITY]; ///< picks the vertex or the triangle
+    alignas(64) float Root[RandomLanes::CAPACITY];   ///< how far from the triangle's first corner
+    alignas(64) float Along[RandomLanes::CAPACITY];  ///< and how far along there
+};
 
 /// Picks vertices and surface points of a mesh, in the mesh's own space. The mesh comes from outside: triangles with
 /// vertices that there aren't have no surface, like those without an area, and a vertex without a normal has a zero
@@ -35,6 +49,9 @@ public:
     /// the mix of the vertices', or the triangle's own without these.
     Point Pick_Surface(RandomClass &random) const;
     Point Next_Vertex();
+    // The same as they were drawn.
+    Point Get_Picked_Vertex(int32_t wide) const;
+    Point Get_Picked_Surface(int32_t wide, float root, float along) const;
 
 private:
     Point Get_Vertex(size_t index) const;

@@ -17,6 +17,7 @@ using Particle::Invalid_Bits;
 using Particle::Map;
 using Particle::Plus;
 using Particle::Times;
+using Particle::Turn;
 
 void Scale(const vrMKPVectors &vectors, int count, float factor)
 {
@@ -28,99 +29,76 @@ MK_SIMD void Ages_Along_The_Way(float *__restrict ages, const float *__restrict 
     for (int i = 0; i < count; ++i) ages[i] = (1.0f - fractions[i]) * frameTime;
 }
 
-/// The newborns of a block and what moves them from where they begin.
-struct Departures
+/// What moves newborns from where they begin.
+struct Departure
 {
-    vrMKPConstVectors Origins;
-    vrMKPVectors Copies; ///< of the origins
-    vrMKPVectors Positions;
-    vrMKPVectors Velocities;
-    const float *Fractions;
-    const float *Ages;
-    int Count;
-    Mat3DClass Turn; ///< for the velocities
+    Mat3DClass Place; ///< for the starts
+    Mat3DClass Turn;  ///< for the velocities
     Vector3 Way{NOTHING};
     Vector3 Inherited{NOTHING};
 
     static constexpr float NOTHING = -0.0f; ///< leaves what it's added to as it is, which 0 doesn't
 };
 
-template <bool Turns, bool Moves>
-MK_INLINE void Depart_In_Form(const Departures &source)
+template <bool Places, bool Turns, bool Moves>
+MK_INLINE void Depart_In_Form(vrMKPNewborns &newborns, int count, const Departure &source)
 {
-    const Departures d = source;
-    const Vector4 x = d.Turn.Row[0];
-    const Vector4 y = d.Turn.Row[1];
-    const Vector4 z = d.Turn.Row[2];
+    const Departure d = source;
+    const vrMKPVectors starts = newborns.Starts;
+    const vrMKPVectors velocities = newborns.Velocities;
+    const vrMKPVectors positions = newborns.Positions;
+    const int whole = RandomLanes::Round_Up(count);
 #pragma GCC ivdep
-    for (int i = 0; i < d.Count; ++i) {
-        const Vector3 origin = d.Origins[i];
-        const Vector3 drawn = d.Velocities[i];
-        const float fraction = d.Fractions[i];
-        Vector3 velocity = drawn;
-        if constexpr (Turns)
-            velocity = {x.x * drawn.x + x.y * drawn.y + x.z * drawn.z + 0.0f,
-                        y.x * drawn.x + y.y * drawn.y + y.z * drawn.z + 0.0f,
-                        z.x * drawn.x + z.y * drawn.y + z.z * drawn.z + 0.0f};
+    for (int i = 0; i < whole; ++i) {
+        const Vector3 start = Places ? Map(d.Place, starts[i]) : starts[i];
+        Vector3 velocity = velocities[i];
+        if constexpr (Turns) velocity = Plus(Turn(d.Turn, velocity), Vector3(0.0f));
         velocity = Plus(velocity, d.Inherited);
-        Vector3 position = Plus(origin, Times(d.Way, fraction));
-        if constexpr (Moves) position = Plus(position, Times(velocity, d.Ages[i]));
-        d.Copies.Put(i, origin);
-        d.Velocities.Put(i, velocity);
-        d.Positions.Put(i, position);
+        Vector3 position = Plus(start, Times(d.Way, newborns.Fractions[i]));
+        if constexpr (Moves) position = Plus(position, Times(velocity, newborns.Ages[i]));
+        if constexpr (Places) starts.Put(i, start);
+        velocities.Put(i, velocity);
+        positions.Put(i, position);
     }
 }
-MK_SIMD void Depart(const Departures &departures, bool turns, bool moves)
+MK_SIMD void Depart(vrMKPNewborns &newborns, int count, const Departure &departure, bool turns, bool moves)
 {
-    if (turns && moves) return Depart_In_Form<true, true>(departures);
-    if (turns) return Depart_In_Form<true, false>(departures);
-    if (moves) return Depart_In_Form<false, true>(departures);
-    return Depart_In_Form<false, false>(departures);
+    if (turns && moves) return Depart_In_Form<false, true, true>(newborns, count, departure);
+    if (turns) return Depart_In_Form<false, true, false>(newborns, count, departure);
+    if (moves) return Depart_In_Form<false, false, true>(newborns, count, departure);
+    return Depart_In_Form<false, false, false>(newborns, count, departure);
+}
+MK_SIMD void Place_And_Depart(vrMKPNewborns &newborns, int count, const Departure &departure, bool turns)
+{
+    if (turns) return Depart_In_Form<true, true, true>(newborns, count, departure);
+    return Depart_In_Form<true, false, true>(newborns, count, departure);
 }
 
-/// What a slot gets besides its place, its velocity and its age.
-struct Constants
+/// The slots of newborns, and what they get besides places, velocities and ages.
+struct Slots
 {
+    vrMKPVectors Starts;
+    vrMKPVectors PreviousPositions;
+    vrMKPVectors Positions;
     vrMKPVectors Targets;
+    vrMKPVectors Velocities;
+    float *Ages;
     float *MaxAges;
     float *Times;
     float *FlightDurations;
     uint32_t *Flags;
+    uint32_t *IDs;
     uint32_t *Numbers;
     Vector2 *Sizes;
     uint32_t *Rotations;
+    float *Relative; ///< how much nearer to the camera than `Base`, the square of a distance, by its square
     Vector3 Target;
     float TargetRadius;
     uint32_t FirstNumber;
+    Mat3DClass ToWorld;
+    Vector3 Camera;
+    float Base;
 };
-
-MK_SIMD void Write_Constants(const Constants &source, int count)
-{
-    const Constants c = source;
-#pragma GCC ivdep
-    for (int i = 0; i < count; ++i) {
-        c.Targets.Put(i, c.Target);
-        c.MaxAges[i] = -1.0f; // the stomper's to give
-        c.Times[i] = 0.0f;
-        c.FlightDurations[i] = c.TargetRadius;
-        c.Flags[i] = 0;
-        c.Numbers[i] = c.FirstNumber + static_cast<uint32_t>(i);
-        c.Sizes[i] = Vector2(1.0f);
-        c.Rotations[i] = 0;
-    }
-}
-
-void Write_Constants(vrMKPBuffer &buffer, vrMKPSpan block)
-{
-    const vrMKPRenderState &state = *buffer.State;
-    const int first = block.First;
-    Write_Constants(Constants{buffer.ProjectileTargetPosition + first, buffer.MaxAge + first, buffer.Time + first,
-                              buffer.ProjectileFlightDuration + first, buffer.Flags + first, buffer.Number + first,
-                              buffer.Size + first, buffer.Rotation + first, state.TargetPosition,
-                              state.Get_Target_Radius(), buffer.NextSerial},
-                    block.Count);
-    buffer.NextSerial += static_cast<uint32_t>(block.Count);
-}
 
 /// What to make of newborns as they stand.
 struct Measures
@@ -129,38 +107,40 @@ struct Measures
     uint32_t InvalidVelocities = 0;
 };
 
-/// Writes how much nearer to the camera than `base`, the square of a distance, each particle is, by its square.
 template <bool Maps>
-MK_INLINE Measures Measure_In_Form(float *relative, vrMKPConstVectors positions, vrMKPConstVectors velocities,
-                                   int count, const Mat3DClass &toWorld, const Vector3 &viewer, float base)
+MK_INLINE Measures Write_In_Form(const vrMKPNewborns &newborns, int count, const Slots &slots)
 {
-    const Mat3DClass map = toWorld;
-    const Vector3 camera = viewer;
+    const Slots to = slots;
     Measures measures;
 #pragma GCC ivdep
     for (int i = 0; i < count; ++i) {
-        const Vector3 position = positions[i];
-        relative[i] = base - Particle::Distance_Squared(Maps ? Map(map, position) : position, camera);
+        const Vector3 start = newborns.Starts[i];
+        const Vector3 position = newborns.Positions[i];
+        const Vector3 velocity = newborns.Velocities[i];
+        to.Starts.Put(i, start);
+        to.PreviousPositions.Put(i, start);
+        to.Positions.Put(i, position);
+        to.Targets.Put(i, to.Target);
+        to.Velocities.Put(i, velocity);
+        to.Ages[i] = newborns.Ages[i];
+        to.MaxAges[i] = -1.0f; // the stomper's to give
+        to.Times[i] = 0.0f;
+        to.FlightDurations[i] = to.TargetRadius;
+        to.Flags[i] = 0;
+        to.IDs[i] = newborns.IDs[i];
+        to.Numbers[i] = to.FirstNumber + static_cast<uint32_t>(i);
+        to.Sizes[i] = Vector2(1.0f);
+        to.Rotations[i] = 0;
+        to.Relative[i] = to.Base - Particle::Distance_Squared(Maps ? Map(to.ToWorld, position) : position, to.Camera);
         measures.InvalidPositions |= Invalid_Bits(position);
-        measures.InvalidVelocities |= Invalid_Bits(velocities[i]);
+        measures.InvalidVelocities |= Invalid_Bits(velocity);
     }
     return measures;
 }
-MK_SIMD Measures Measure(float *relative, vrMKPConstVectors positions, vrMKPConstVectors velocities, int count,
-                         const Mat3DClass &toWorld, const Vector3 &camera, float base)
+MK_SIMD Measures Write(const vrMKPNewborns &newborns, int count, const Slots &slots, bool isWorld)
 {
-    return Measure_In_Form<true>(relative, positions, velocities, count, toWorld, camera, base);
-}
-MK_SIMD Measures Measure(float *relative, vrMKPConstVectors positions, vrMKPConstVectors velocities, int count,
-                         const Vector3 &camera, float base)
-{
-    return Measure_In_Form<false>(relative, positions, velocities, count, {}, camera, base);
-}
-
-Mat3DClass Turn_Of(Mat3DClass transform)
-{
-    transform.Set_Translation(Vector3(0.0f));
-    return transform;
+    if (isWorld) return Write_In_Form<false>(newborns, count, slots);
+    return Write_In_Form<true>(newborns, count, slots);
 }
 
 } // namespace
@@ -194,25 +174,42 @@ Vector3 vrMKPFilling::Get_Inherited_Velocity(const vrMKPRenderState &state) cons
     return scaled;
 }
 
-void vrMKPFilling::Finish(vrMKPBuffer &buffer, vrMKPSpan block)
+void vrMKPFilling::Finish(vrMKPBuffer &buffer, vrMKPSpan block, Newborns &newborns)
 {
     const vrMKPRenderState &state = *buffer.State;
-    float fractions[BLOCK];
-    Run_Clock(buffer.Age + block.First, fractions, block.Count);
-    const vrMKPVectors velocities = buffer.Velocity + block.First;
-    if (Rules.VelocityFactor != 1.0f) Scale(velocities, block.Count, Rules.VelocityFactor);
+    const int first = block.First;
+    Run_Clock(newborns, block.Count);
+    if (Rules.VelocityFactor != 1.0f) Scale(newborns.Velocities, block.Count, Rules.VelocityFactor);
     if (IsWorld)
-        Place_World(buffer, block, fractions);
+        Place_World(buffer, newborns, block.Count);
     else
-        Place_Local(buffer, block, fractions);
-    Write_Constants(buffer, block);
+        Place_Local(newborns, block.Count);
 
     const Vector3 camera = state.Camera.Get_Translation();
-    const float base = Particle::Distance_Squared(camera, state.Get_Position());
-    float *relative = buffer.SortingRelativeToGroup + block.First;
-    const vrMKPConstVectors positions = buffer.Position + block.First;
-    const Measures measures = IsWorld ? Measure(relative, positions, velocities, block.Count, camera, base)
-                                      : Measure(relative, positions, velocities, block.Count, *Transform, camera, base);
+    const Measures measures = Write(newborns, block.Count,
+                                    {.Starts = buffer.ProjectileStartingPosition + first,
+                                     .PreviousPositions = buffer.PreviousPosition + first,
+                                     .Positions = buffer.Position + first,
+                                     .Targets = buffer.ProjectileTargetPosition + first,
+                                     .Velocities = buffer.Velocity + first,
+                                     .Ages = buffer.Age + first,
+                                     .MaxAges = buffer.MaxAge + first,
+                                     .Times = buffer.Time + first,
+                                     .FlightDurations = buffer.ProjectileFlightDuration + first,
+                                     .Flags = buffer.Flags + first,
+                                     .IDs = buffer.ID + first,
+                                     .Numbers = buffer.Number + first,
+                                     .Sizes = buffer.Size + first,
+                                     .Rotations = buffer.Rotation + first,
+                                     .Relative = buffer.SortingRelativeToGroup + first,
+                                     .Target = state.TargetPosition,
+                                     .TargetRadius = state.Get_Target_Radius(),
+                                     .FirstNumber = buffer.NextSerial,
+                                     .ToWorld = *Transform,
+                                     .Camera = camera,
+                                     .Base = Particle::Distance_Squared(camera, state.Get_Position())},
+                                    IsWorld);
+    buffer.NextSerial += static_cast<uint32_t>(block.Count);
     ArePositionsValid &= measures.InvalidPositions == 0;
     AreVelocitiesValid &= measures.InvalidVelocities == 0;
 }
@@ -226,12 +223,12 @@ void vrMKPFilling::End(vrMKPBuffer &buffer) const
     MK_ASSERT(AreVelocitiesValid, "velocity.Is_Valid()");
 }
 
-void vrMKPFilling::Run_Clock(float *__restrict ages, float *__restrict fractions, int count)
+void vrMKPFilling::Run_Clock(Newborns &newborns, int count)
 {
     Clock clock = Progress;
     for (int i = 0; i < count; ++i) {
-        ages[i] = clock.Remaining;
-        fractions[i] = clock.Fraction;
+        newborns.Ages[i] = clock.Remaining;
+        newborns.Fractions[i] = clock.Fraction;
         LastTime = clock.Next;
         if (++clock.InCluster < Births.ClusterSize) continue;
         clock.InCluster = 0;
@@ -240,54 +237,40 @@ void vrMKPFilling::Run_Clock(float *__restrict ages, float *__restrict fractions
         clock.Fraction += clock.FractionStep;
     }
     Progress = clock;
+    Newborns::Fill_Up(newborns.Ages, count);
+    Newborns::Fill_Up(newborns.Fractions, count);
 }
 
-void vrMKPFilling::Place_Local(vrMKPBuffer &buffer, vrMKPSpan block, const float *fractions) const
+void vrMKPFilling::Place_Local(Newborns &newborns, int count) const
 {
     const bool turns = !Rules.VelocityInLocalSpace;
-    Depart({.Origins = buffer.ProjectileStartingPosition + block.First,
-            .Copies = buffer.PreviousPosition + block.First,
-            .Positions = buffer.Position + block.First,
-            .Velocities = buffer.Velocity + block.First,
-            .Fractions = fractions,
-            .Ages = buffer.Age + block.First,
-            .Count = block.Count,
-            .Turn = turns ? Turn_Of(*Transform) : Mat3DClass()},
-           turns, !Rules.DistanceAsTime);
+    Departure departure;
+    if (turns) departure.Turn = *Transform;
+    Depart(newborns, count, departure, turns, !Rules.DistanceAsTime);
 }
 
-void vrMKPFilling::Place_World(vrMKPBuffer &buffer, vrMKPSpan block, const float *fractions) const
+void vrMKPFilling::Place_World(const vrMKPBuffer &buffer, Newborns &newborns, int count) const
 {
     const vrMKPRenderState &state = *buffer.State;
-    const int count = block.Count;
-    const vrMKPVectors locals = buffer.ProjectileStartingPosition + block.First;
-    const vrMKPVectors origins = buffer.PreviousPosition + block.First;
-    const vrMKPVectors positions = buffer.Position + block.First;
-    const vrMKPVectors velocities = buffer.Velocity + block.First;
-    float *ages = buffer.Age + block.First;
-
-    Particle::Transform_Points(origins, locals, count, *PreviousTransform);
+    const vrMKPVectors starts = newborns.Starts;
+    const vrMKPVectors positions = newborns.Positions;
+    const vrMKPVectors velocities = newborns.Velocities;
+    if (Rules.DistanceAsTime) Ages_Along_The_Way(newborns.Ages, newborns.Fractions, count, state.FrameTime);
+    if (Rules.HiResRotate) Turn_Along_The_Way(newborns, count);
+    if (Rules.HiResRotate || SnapsToTerrain) Particle::Transform_Points(starts, starts, count, *PreviousTransform);
     if (SnapsToTerrain)
-        for (int i = 0; i < count; ++i) origins.Z[i] = Get_Snapped_Height(state, origins[i]);
-    if (Rules.DistanceAsTime) Ages_Along_The_Way(ages, fractions, count, state.FrameTime);
+        for (int i = 0; i < count; ++i) starts.Z[i] = Get_Snapped_Height(state, starts[i]);
     if (Rules.HiResRotate) {
-        Turn_Along_The_Way(positions, velocities, locals, fractions, count);
         if (Rules.InheritVelocity) Particle::Add_Vector(velocities, count, Inherited);
-        for (int i = 0; i < count; ++i) positions.Put(i, Plus(positions[i], Times(velocities[i], ages[i])));
-        Particle::Copy(locals, origins, count);
+        for (int i = 0; i < count; ++i) positions.Put(i, Plus(positions[i], Times(velocities[i], newborns.Ages[i])));
     } else {
         const bool turns = Rules.VelocityInLocalSpace;
-        Departures departures{.Origins = origins,
-                              .Copies = locals,
-                              .Positions = positions,
-                              .Velocities = velocities,
-                              .Fractions = fractions,
-                              .Ages = ages,
-                              .Count = count,
-                              .Turn = turns ? Turn_Of(*PreviousTransform) : Mat3DClass(),
-                              .Way = Way};
-        if (Rules.InheritVelocity) departures.Inherited = Inherited;
-        Depart(departures, turns, true);
+        Departure departure{.Place = *PreviousTransform, .Turn = *PreviousTransform, .Way = Way};
+        if (Rules.InheritVelocity) departure.Inherited = Inherited;
+        if (SnapsToTerrain)
+            Depart(newborns, count, departure, turns, true);
+        else
+            Place_And_Depart(newborns, count, departure, turns);
     }
     if (buffer.ScaleType == PARTICLE_SCALE_AT_SPAWN) {
         Scale(positions, count, state.PositionScale);
@@ -296,17 +279,16 @@ void vrMKPFilling::Place_World(vrMKPBuffer &buffer, vrMKPSpan block, const float
     }
 }
 
-void vrMKPFilling::Turn_Along_The_Way(const vrMKPVectors &positions, const vrMKPVectors &velocities,
-                                      const vrMKPConstVectors &locals, const float *fractions, int count) const
+void vrMKPFilling::Turn_Along_The_Way(Newborns &newborns, int count) const
 {
     const RotationPath path(PreviousTransform->Get_Rotation(), Transform->Get_Rotation());
     const Vector3 start = PreviousTransform->Get_Translation();
-    QuaternionClass rotations[BLOCK];
-    path.At_Many(fractions, count, rotations);
+    QuaternionClass rotations[Newborns::BLOCK];
+    path.At_Many(newborns.Fractions, count, rotations);
     for (int i = 0; i < count; ++i) {
         const auto turn = Mat3DClass::From_Quaternion(rotations[i]);
-        if (Rules.VelocityInLocalSpace) velocities.Put(i, turn.Rotate(velocities[i]));
-        positions.Put(i, turn.Rotate(locals[i]) + (start + Way * fractions[i]));
+        if (Rules.VelocityInLocalSpace) newborns.Velocities.Put(i, turn.Rotate(newborns.Velocities[i]));
+        newborns.Positions.Put(i, turn.Rotate(newborns.Starts[i]) + (start + Way * newborns.Fractions[i]));
     }
 }
 

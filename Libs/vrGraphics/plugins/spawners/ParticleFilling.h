@@ -18,11 +18,16 @@
 /// Everything that doesn't change from particle to particle belongs into the source's members, resolved before: its two
 /// operations are inlined into the loop, and are called in turn for each slot, so that a source may keep the position
 /// for the velocity. They draw from the generator that they are given and from no other: what a seed means is the order
-/// position, velocity, random value for each slot. A source that can draw many at once, in that same order, has a
-/// `Draw_Block` too, as `vrMKPShapeSource` has. A spawner at a rate gets the filling from `Begin_Filling` instead.
+/// position, velocity, random value for each slot. A source that can draw many at once, with the same result, has
+/// `Draws_Blocks` and `Draw_Block` too, as `vrMKPShapeSource` has. A spawner at a rate gets the filling from
+/// `Begin_Filling` instead.
 
 #include "vrGraphics/particle/vrMKPBuffer.h"
 #include "vrGraphics/particle/vrMKPRenderState.h"
+#include "vrGraphics/plugins/spawners/Newborns.h"
+
+#include <algorithm>
+#include <type_traits>
 
 /// When the particles of one filling are born.
 struct vrMKPBirths
@@ -76,7 +81,8 @@ public:
     const Mat3DClass *PreviousTransform;
 
 private:
-    static constexpr int BLOCK = 128; ///< a block of all channels stays in the first cache
+    using Newborns = vrMKPNewborns; ///< whose block of all channels stays in the first cache
+    static constexpr int LEAST_BLOCK = RandomLanes::GROUP;
 
     /// How far the births have come.
     struct Clock
@@ -89,17 +95,19 @@ private:
     };
 
     template <typename Source>
-    void Draw(vrMKPBuffer &buffer, vrMKPSpan block, Source &source) const;
+    void Draw(vrMKPBuffer &buffer, Newborns &newborns, int count, Source &source) const;
+    template <typename Source>
+    void Draw_One_By_One(const vrMKPBuffer &buffer, RandomClass &random, Newborns &newborns, int first, int count,
+                         Source &source) const;
     void Begin(const vrMKPBuffer &buffer);
-    void Finish(vrMKPBuffer &buffer, vrMKPSpan block);
+    void Finish(vrMKPBuffer &buffer, vrMKPSpan block, Newborns &newborns);
     void End(vrMKPBuffer &buffer) const;
 
-    void Run_Clock(float *ages, float *fractions, int count);
-    void Place_Local(vrMKPBuffer &buffer, vrMKPSpan block, const float *fractions) const;
-    void Place_World(vrMKPBuffer &buffer, vrMKPSpan block, const float *fractions) const;
-    /// Places and turns with the rotation as it was at each birth.
-    void Turn_Along_The_Way(const vrMKPVectors &positions, const vrMKPVectors &velocities,
-                            const vrMKPConstVectors &locals, const float *fractions, int count) const;
+    void Run_Clock(Newborns &newborns, int count);
+    void Place_Local(Newborns &newborns, int count) const;
+    void Place_World(const vrMKPBuffer &buffer, Newborns &newborns, int count) const;
+    /// Places and turns with the rotation as it was at each birth, and leaves the starts as they were drawn.
+    void Turn_Along_The_Way(Newborns &newborns, int count) const;
     Vector3 Snap_Local(const vrMKPBuffer &buffer, const Vector3 &position) const;
     float Get_Snapped_Height(const vrMKPRenderState &state, const Vector3 &worldPosition) const;
     Vector3 Get_Inherited_Velocity(const vrMKPRenderState &state) const;
@@ -118,39 +126,51 @@ template <typename Source>
 void vrMKPFilling::Fill(vrMKPBuffer &buffer, Source &&source)
 {
     if (Count <= 0) return;
+    Newborns newborns; // written before they are read
     Begin(buffer);
     for (const vrMKPSpan span : vrMKPSpans(First, Count, buffer.Capacity)) {
-        for (int done = 0; done < span.Count; done += BLOCK) {
+        for (int done = 0; done < span.Count; done += Newborns::BLOCK) {
             const int left = span.Count - done;
-            const vrMKPSpan block{span.First + done, left < BLOCK ? left : BLOCK};
-            Draw(buffer, block, source);
-            Finish(buffer, block);
+            const vrMKPSpan block{span.First + done, left < Newborns::BLOCK ? left : Newborns::BLOCK};
+            Draw(buffer, newborns, block.Count, source);
+            Finish(buffer, block, newborns);
         }
     }
     End(buffer);
 }
 
-/// Leaves local positions in "ProjectileStartingPosition" and velocities as drawn in "Velocity".
 template <typename Source>
-void vrMKPFilling::Draw(vrMKPBuffer &buffer, vrMKPSpan block, Source &source) const
+void vrMKPFilling::Draw(vrMKPBuffer &buffer, Newborns &newborns, int count, Source &source) const
 {
     RandomClass random(buffer.Random.Get_State()); // in a register, which that of the buffer can't be
-    const bool snaps = SnapsToTerrain && !IsWorld;
+    int done = 0;
     if constexpr (requires { &std::remove_reference_t<Source>::Draw_Block; }) {
-        static_assert(BLOCK <= std::remove_reference_t<Source>::MAX_BLOCK);
-        if (!snaps && source.Draw_Block(random, buffer.ProjectileStartingPosition + block.First,
-                                        buffer.Velocity + block.First, buffer.ID + block.First, block.Count))
-        {
-            buffer.Random.Seed(random.Get_State());
-            return;
+        if (source.Draws_Blocks() && !(SnapsToTerrain && !IsWorld)) {
+            if (source.Draw_Block(random, newborns, 0, count)) done = count;
+            // Where one newborn's numbers are drawn again, those around it needn't be drawn one by one.
+            for (; done < count; done += LEAST_BLOCK) {
+                const int part = std::min(LEAST_BLOCK, count - done);
+                if (!source.Draw_Block(random, newborns, done, part))
+                    Draw_One_By_One(buffer, random, newborns, done, part, source);
+            }
         }
     }
-    for (int slot = block.First; slot < block.First + block.Count; ++slot) {
+    if (done < count) Draw_One_By_One(buffer, random, newborns, done, count - done, source);
+    buffer.Random.Seed(random.Get_State());
+}
+
+template <typename Source>
+void vrMKPFilling::Draw_One_By_One(const vrMKPBuffer &buffer, RandomClass &random, Newborns &newborns, int first,
+                                   int count, Source &source) const
+{
+    const bool snaps = SnapsToTerrain && !IsWorld;
+    for (int at = first; at < first + count; ++at) {
         Vector3 position = source.Position(random);
         if (snaps) position = Snap_Local(buffer, position);
-        buffer.ProjectileStartingPosition.Put(slot, position);
-        buffer.Velocity.Put(slot, source.Velocity(random, position));
-        buffer.ID[slot] = random.Get_Word();
+        newborns.Starts.Put(at, position);
+        newborns.Velocities.Put(at, source.Velocity(random, position));
+        newborns.IDs[at] = random.Get_Word();
     }
-    buffer.Random.Seed(random.Get_State());
+    Newborns::Fill_Up(newborns.Starts, first + count);
+    Newborns::Fill_Up(newborns.Velocities, first + count);
 }

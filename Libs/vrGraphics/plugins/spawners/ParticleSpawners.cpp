@@ -81,6 +81,18 @@ struct PosedShapes
         return Pose.Get_Position(Drawn);
     }
     Vector3 Draw_Velocity(RandomClass &random) const { return Pose.Get_Velocity(Shapes.Velocity(random, Drawn)); }
+    /// The same for a block: `takeNext` is called for each of the newborns, and moves the pose to where it belongs.
+    template <typename TakeNext>
+    bool Draw_Block(RandomClass &random, vrMKPNewborns &newborns, int first, int count, TakeNext &&takeNext) const
+    {
+        if (!Shapes.Draw_Block(random, newborns, first, count)) return false;
+        for (int at = first; at < first + count; ++at) {
+            takeNext();
+            newborns.Starts.Put(at, Pose.Get_Position(newborns.Starts[at]));
+            newborns.Velocities.Put(at, Pose.Get_Velocity(newborns.Velocities[at]));
+        }
+        return true;
+    }
 };
 
 /// What a trail keeps for a buffer: how many particles its parent has, and which of them comes next.
@@ -141,6 +153,11 @@ public:
         return Shapes.Draw_Position(random);
     }
     Vector3 Velocity(RandomClass &random, const Vector3 & /*localPosition*/) { return Shapes.Draw_Velocity(random); }
+    bool Draws_Blocks() const { return Shapes.Shapes.Draws_Blocks(); }
+    bool Draw_Block(RandomClass &random, vrMKPNewborns &newborns, int first, int count)
+    {
+        return Shapes.Draw_Block(random, newborns, first, count, [this] { Take_Next(); });
+    }
     uint32_t Get_Next_Number() const { return Parent.Number[Last] + 1; }
 
 private:
@@ -217,19 +234,24 @@ public:
 
     Vector3 Position(RandomClass &random)
     {
-        if (Left == 0) Take_Next();
-        --Left;
+        Take_Next();
         return Shapes.Draw_Position(random);
     }
     Vector3 Velocity(RandomClass &random, const Vector3 & /*localPosition*/) { return Shapes.Draw_Velocity(random); }
+    bool Draws_Blocks() const { return Shapes.Shapes.Draws_Blocks(); }
+    bool Draw_Block(RandomClass &random, vrMKPNewborns &newborns, int first, int count)
+    {
+        return Shapes.Draw_Block(random, newborns, first, count, [this] { Take_Next(); });
+    }
 
 private:
     void Take_Next()
     {
+        if (Left-- > 0) return;
         const float passed = FrameTime > 0.0f ? Particle::Clamp_01(1.0f - Next->Overshoot / FrameTime) : 1.0f;
         Shapes.Pose.Move_To(Space.Map_Point(Next->Position, passed), Space.Map_Velocity(Next->Velocity), passed);
         ++Next;
-        Left = ParticlesPerDeath;
+        Left = ParticlesPerDeath - 1;
     }
 
     vrMKPParentSpace Space;

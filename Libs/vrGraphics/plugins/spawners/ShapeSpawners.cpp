@@ -64,6 +64,15 @@ struct OutwardSource
     {
         return Shapes.Velocity(random, localPosition) + Particle::Unit(LastPosition) * Speed;
     }
+    bool Draws_Blocks() const { return Shapes.Draws_Blocks(); }
+    bool Draw_Block(RandomClass &random, vrMKPNewborns &newborns, int first, int count)
+    {
+        if (!Shapes.Draw_Block(random, newborns, first, count)) return false;
+        for (int at = first; at < first + count; ++at)
+            newborns.Velocities.Put(at, newborns.Velocities[at] + Particle::Unit(newborns.Starts[at]) * Speed);
+        LastPosition = newborns.Starts[first + count - 1];
+        return true;
+    }
 };
 
 struct AlignedSource
@@ -73,15 +82,31 @@ struct AlignedSource
     bool TurnsPositions;
     int32_t VelocityAlignment;
 
-    Vector3 Position(RandomClass &random)
+    Vector3 Position(RandomClass &random) { return Data.LastPosition = Align_Position(Shapes.Position(random)); }
+    Vector3 Velocity(RandomClass &random, const Vector3 &localPosition) const
     {
-        const Vector3 drawn = Shapes.Position(random);
-        Data.LastPosition = TurnsPositions ? Data.Alignment.Rotate(drawn) : Data.IsPositionAway ? -drawn : drawn;
-        return Data.LastPosition;
+        return Align_Velocity(Shapes.Velocity(random, localPosition));
     }
-    Vector3 Velocity(RandomClass &random, const Vector3 &localPosition)
+    bool Draws_Blocks() const { return Shapes.Draws_Blocks(); }
+    bool Draw_Block(RandomClass &random, vrMKPNewborns &newborns, int first, int count)
     {
-        Vector3 drawn = Shapes.Velocity(random, localPosition);
+        if (!Shapes.Draw_Block(random, newborns, first, count)) return false;
+        for (int at = first; at < first + count; ++at) {
+            Data.LastPosition = Align_Position(newborns.Starts[at]);
+            newborns.Starts.Put(at, Data.LastPosition);
+            newborns.Velocities.Put(at, Align_Velocity(newborns.Velocities[at]));
+        }
+        return true;
+    }
+
+private:
+    Vector3 Align_Position(const Vector3 &drawn) const
+    {
+        return TurnsPositions ? Data.Alignment.Rotate(drawn) : Data.IsPositionAway ? -drawn : drawn;
+    }
+    /// For a particle at the last position.
+    Vector3 Align_Velocity(Vector3 drawn) const
+    {
         if (VelocityAlignment == VELOCITY_TO_POSITION)
             drawn = Mat3DClass::Look_Along(Data.LastPosition).Rotate(drawn);
         else if (VelocityAlignment != VELOCITY_AS_DRAWN)

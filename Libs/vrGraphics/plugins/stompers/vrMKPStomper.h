@@ -57,6 +57,7 @@ protected:
     mutable float MaxLife = 0.0f;
 
 private:
+    void Give_Varied_Lives(vrMKPBuffer &buffer) const;
     void Remove_Expired(vrMKPBuffer &buffer, bool spawnOnDeath) const;
 
     RangedFloatParameter *StompTime;
