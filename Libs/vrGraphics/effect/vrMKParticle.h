@@ -161,9 +161,11 @@ private:
     bool Has_Quality() const;
     bool Fuses_Blocks() const;
     void Prepare_Modifiers(size_t first, size_t last);
-    void Finish_Block(vrMKPSpan block, vrMKPSpan fresh, size_t first, size_t last, bool transforms,
+    void Finish_Block(vrMKPSpan block, vrMKPSpan wide, vrMKPSpan fresh, size_t first, size_t last, bool transforms,
                       vrMKPBoundsSum *sum);
     void Modify_And_Transform();
+    void Modify_Small();
+    void Modify_By_Blocks();
     void Run_Modifiers(size_t first, size_t last);
     void Measure(const vrMKPBoundsSum *sum);
     bool Is_View_Dependent() const { return Transformer && Transformer->Needs_Camera(); }

@@ -38,7 +38,7 @@ void Count(int &total, int count)
 }
 
 template <typename Work>
-void For_Blocks(const vrMKPSpans &spans, Work &&work)
+void For_Blocks(vrMKPSpans spans, Work &&work)
 {
     for (const vrMKPSpan span : spans) {
         const int end = span.First + span.Count;
@@ -163,7 +163,8 @@ void vrMKParticle::Step_Particles()
                            ? Transformer->Get_Scale_Type()
                            : PARTICLE_SCALE_NONE;
     const bool ages = Stomper->Begin_Age(buffer);
-    buffer.Begin_Move(Spawner->Get_Auto_Update_Positions(), Spawner->Sets_Live_Slots());
+    buffer.OthersMayReturn = Spawner->Sets_Live_Slots();
+    buffer.Begin_Move(Spawner->Get_Auto_Update_Positions());
     const bool fuses = Fuses_Blocks();
     const bool hasOld = buffer.ActiveCount > 0;
     const bool hasPlainBounds = fuses && Visualizer && Visualizer->Has_Plain_Bounds() && !Stomper->Has_Condition();
@@ -172,12 +173,13 @@ void vrMKParticle::Step_Particles()
 
     if (fuses && hasOld) Prepare_Modifiers(0, Modifiers.size());
     bool isValid = true;
-    For_Blocks(buffer.Live_Spans(), [&](vrMKPSpan block) {
-        if (ages) Stomper->Age_Span(buffer, block);
-        isValid &= buffer.Move_Span(block);
-        if (fuses) Finish_Block(block, {block.First, 0}, 0, Modifiers.size(), true, inBlocks);
+    For_Blocks(fuses ? buffer.Live_Spans() : buffer.Wide_Spans(), [&](vrMKPSpan block) {
+        const vrMKPSpan wide = fuses ? buffer.Widen(block) : block;
+        if (ages) Stomper->Age_Span(buffer, wide);
+        isValid &= buffer.Move_Span(wide);
+        if (fuses) Finish_Block(block, wide, {block.First, 0}, 0, Modifiers.size(), true, inBlocks);
     });
-    MK_ASSERT(isValid, "Position[where].Is_Valid()");
+    MK_ASSERT(isValid || !buffer.Is_Any_Invalid(buffer.Position), "Position[where].Is_Valid()");
 
     if (Should_Spawn() || Spawner->Get_Plugin_Class() == kvrMKPSlaveSpawner) {
         Spawner->Spawn(buffer);
@@ -188,7 +190,7 @@ void vrMKParticle::Step_Particles()
     } else if (fuses) {
         if (!hasOld) Prepare_Modifiers(0, Modifiers.size());
         For_Blocks(buffer.New_Spans(),
-                   [&](vrMKPSpan block) { Finish_Block(block, block, 0, Modifiers.size(), true, inBlocks); });
+                   [&](vrMKPSpan block) { Finish_Block(block, block, block, 0, Modifiers.size(), true, inBlocks); });
         if (Transformer && !Is_View_Dependent()) Transformer->Transform_Companion(buffer);
         Stomper->Kill_Particles(buffer);
     } else {
@@ -215,24 +217,47 @@ void vrMKParticle::Prepare_Modifiers(size_t first, size_t last)
     for (size_t index = first; index < last; ++index) Modifiers[index]->Prepare_Frame(*Buffer, static_cast<int>(index));
 }
 
-/// Runs modifiers `first` to `last` on a block, of which `fresh` was born in this frame, and then places and measures
-/// it.
-void vrMKParticle::Finish_Block(vrMKPSpan block, vrMKPSpan fresh, size_t first, size_t last, bool transforms,
-                                vrMKPBoundsSum *sum)
+/// Runs modifiers `first` to `last` on a block, which `wide` may go beyond and of which `fresh` was born in this frame,
+/// and then places and measures it.
+void vrMKParticle::Finish_Block(vrMKPSpan block, vrMKPSpan wide, vrMKPSpan fresh, size_t first, size_t last,
+                                bool transforms, vrMKPBoundsSum *sum)
 {
     vrMKPBuffer &buffer = *Buffer;
     for (size_t index = first; index < last; ++index) {
         const vrMKPModifier &modifier = *Modifiers[index];
-        if (modifier.Get_Walk() == vrMKPModifier::WALK_LIVE)
-            modifier.Apply(buffer, static_cast<int>(index), block);
-        else if (fresh.Count > 0)
-            modifier.Apply(buffer, static_cast<int>(index), fresh);
+        const vrMKPModifier::WalkType walk = modifier.Get_Walk();
+        const vrMKPSpan span = walk == vrMKPModifier::WALK_LIVE  ? block
+                               : walk == vrMKPModifier::WALK_NEW ? fresh
+                                                                 : wide;
+        if (span.Count > 0) modifier.Apply(buffer, static_cast<int>(index), span);
     }
     if (transforms && Transformer && !Is_View_Dependent()) Transformer->Transform_Span(buffer, block);
     if (sum) sum->Add_Span(buffer, block);
 }
 
 void vrMKParticle::Modify_And_Transform()
+{
+    if (Buffer->ActiveCount <= BLOCK)
+        Modify_Small();
+    else
+        Modify_By_Blocks();
+    if (Transformer && !Is_View_Dependent()) Transformer->Transform(*Buffer);
+}
+
+/// One modifier after the other on the whole ring.
+void vrMKParticle::Modify_Small()
+{
+    const vrMKPWalks walks(*Buffer);
+    for (size_t index = 0; index < Modifiers.size(); ++index) {
+        const vrMKPModifier &modifier = *Modifiers[index];
+        if (modifier.Get_Walk() == vrMKPModifier::WALK_WHOLE)
+            modifier.Modify(*Buffer, static_cast<int>(index));
+        else
+            modifier.Modify_Runs(*Buffer, static_cast<int>(index), walks);
+    }
+}
+
+void vrMKParticle::Modify_By_Blocks()
 {
     size_t first = 0;
     while (first < Modifiers.size()) {
@@ -242,7 +267,6 @@ void vrMKParticle::Modify_And_Transform()
         if (last < Modifiers.size()) Modifiers[last]->Modify(*Buffer, static_cast<int>(last));
         first = last + 1;
     }
-    if (Transformer && !Is_View_Dependent()) Transformer->Transform(*Buffer);
 }
 
 /// Modifiers between two that walk the whole ring share blocks.
@@ -254,7 +278,7 @@ void vrMKParticle::Run_Modifiers(size_t first, size_t last)
     For_Blocks(Buffer->Live_Spans(), [&](vrMKPSpan block) {
         const int old = std::min(untilNew, block.Count);
         untilNew -= old;
-        Finish_Block(block, {block.First + old, block.Count - old}, first, last, false, nullptr);
+        Finish_Block(block, Buffer->Widen(block), {block.First + old, block.Count - old}, first, last, false, nullptr);
     });
 }
 

@@ -51,7 +51,7 @@ public:
     bool Wants_Particle_Think() const override { return Is_Started() && !Is_Ended(); }
     bool Needs_Serial_Frame() const override;
     void Fetch_Particles() const override;
-    void Think_Particles(float dt) override;
+    int Think_Particles(float dt) override;
     /// Whether nothing lives, and nothing more will by itself.
     bool Is_Depleted() const { return LiveParticles == 0 && WaitingLayers == 0; }
     /// The box around all layers, of the last frame.

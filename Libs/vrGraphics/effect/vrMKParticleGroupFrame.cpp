@@ -107,9 +107,9 @@ void vrMKParticleGroup::Fetch_Particles() const
         if (const vrMKPBuffer *buffer = particle->Get_Buffer()) buffer->Fetch();
 }
 
-void vrMKParticleGroup::Think_Particles(float dt)
+int vrMKParticleGroup::Think_Particles(float dt)
 {
-    if (Is_Ended()) return;
+    if (Is_Ended()) return 0;
     for (const auto &particle : Particles) {
         if (particle->Is_Hardware())
             particle->Update_Hardware(dt, *this);
@@ -117,9 +117,9 @@ void vrMKParticleGroup::Think_Particles(float dt)
             particle->Update(dt, *this);
     }
     Get_State().FrameTime = dt;
-    vrGraphicsStats::ParticlesSimulated.fetch_add(Get_State().ParticleCount, std::memory_order_relaxed);
     Count_Work();
     Update_Lights();
+    return Get_State().ParticleCount;
 }
 
 void vrMKParticleGroup::Count_Work()

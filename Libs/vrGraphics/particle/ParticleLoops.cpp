@@ -41,33 +41,52 @@ MK_SIMD void Multiply_All(float *to, const float *from, int count, float factor)
     for (int i = 0; i < count; ++i) to[i] = from[i] * factor;
 }
 
-MK_SIMD bool Add_And_Look(float *values, int count, float add)
+MK_INLINE void Add_To_Component(float *values, int count, float add, Faults &faults)
 {
-    Faults faults;
     Change_In_Wide_Lanes(values, count, [&](float value, int lane) MK_INLINE_LAMBDA {
         const float sum = value + add;
         faults.Look_At(sum, lane);
         return sum;
     });
+}
+MK_SIMD bool Add_To_Vectors(const vrMKPVectors &vectors, int count, const Vector3 &add)
+{
+    Faults faults;
+    Add_To_Component(vectors.X, count, add.x, faults);
+    Add_To_Component(vectors.Y, count, add.y, faults);
+    Add_To_Component(vectors.Z, count, add.z, faults);
     return !faults.Are_Any();
 }
 
-MK_SIMD bool Integrate_Floats(float *__restrict to, const float *__restrict from, const float *__restrict velocity,
-                              int count, float step)
+MK_INLINE void Integrate_Component(float *__restrict to, const float *__restrict from, const float *__restrict velocity,
+                                   int count, float step, Faults &faults)
 {
-    Faults faults;
     For_Wide_Lanes(count, [&](int i, int lane) MK_INLINE_LAMBDA {
         const float moved = from[i] + velocity[i] * step;
         to[i] = moved;
         faults.Look_At(moved, lane);
     });
+}
+MK_SIMD bool Integrate_Vectors(const vrMKPVectors &to, const vrMKPConstVectors &from, const vrMKPConstVectors &velocity,
+                               int count, float step)
+{
+    Faults faults;
+    Integrate_Component(to.X, from.X, velocity.X, count, step, faults);
+    Integrate_Component(to.Y, from.Y, velocity.Y, count, step, faults);
+    Integrate_Component(to.Z, from.Z, velocity.Z, count, step, faults);
     return !faults.Are_Any();
 }
 
-MK_SIMD bool Are_Valid(const float *__restrict values, int count)
+MK_INLINE void Look_At_Component(const float *__restrict values, int count, Faults &faults)
+{
+    For_Wide_Lanes(count, [&](int i, int lane) MK_INLINE_LAMBDA { faults.Look_At(values[i], lane); });
+}
+MK_SIMD bool Are_Valid(const vrMKPConstVectors &vectors, int count)
 {
     Faults faults;
-    For_Wide_Lanes(count, [&](int i, int lane) MK_INLINE_LAMBDA { faults.Look_At(values[i], lane); });
+    Look_At_Component(vectors.X, count, faults);
+    Look_At_Component(vectors.Y, count, faults);
+    Look_At_Component(vectors.Z, count, faults);
     return !faults.Are_Any();
 }
 
@@ -127,24 +146,18 @@ void Fill(const vrMKPVectors &to, const Vector3 &vector, int count)
 
 bool Add_Vector(const vrMKPVectors &vectors, int count, const Vector3 &add)
 {
-    const bool x = Add_And_Look(vectors.X, count, add.x);
-    const bool y = Add_And_Look(vectors.Y, count, add.y);
-    const bool z = Add_And_Look(vectors.Z, count, add.z);
-    return x && y && z;
+    return Add_To_Vectors(vectors, count, add);
 }
 
 bool Integrate(const vrMKPVectors &to, const vrMKPConstVectors &from, const vrMKPConstVectors &velocity, int count,
                float step)
 {
-    const bool x = Integrate_Floats(to.X, from.X, velocity.X, count, step);
-    const bool y = Integrate_Floats(to.Y, from.Y, velocity.Y, count, step);
-    const bool z = Integrate_Floats(to.Z, from.Z, velocity.Z, count, step);
-    return x && y && z;
+    return Integrate_Vectors(to, from, velocity, count, step);
 }
 
 bool Has_Invalid(const vrMKPConstVectors &vectors, int count)
 {
-    return !(Are_Valid(vectors.X, count) && Are_Valid(vectors.Y, count) && Are_Valid(vectors.Z, count));
+    return !Are_Valid(vectors, count);
 }
 
 void Transform_Points(const vrMKPVectors &to, const vrMKPConstVectors &from, int count, const Mat3DClass &transform)

@@ -36,11 +36,21 @@ constexpr bool Is_Of_Vectors(uint32_t channel)
     return ELEMENT_SIZES[channel] == sizeof(Vector3);
 }
 
+constexpr int Round_Down(int slot)
+{
+    return slot & -vrMKPBuffer::WIDTH;
+}
+constexpr int Round_Up(int slot)
+{
+    return Round_Down(slot + vrMKPBuffer::WIDTH - 1);
+}
+
 size_t Array_Bytes(size_t elementSize, int capacity)
 {
     constexpr size_t PAGE = 4096;
     constexpr size_t GAP = 5 * ALIGNMENT;
-    const size_t bytes = (elementSize * static_cast<size_t>(capacity) + ALIGNMENT - 1) / ALIGNMENT * ALIGNMENT;
+    static_assert(vrMKPBuffer::WIDTH * sizeof(float) % ALIGNMENT == 0);
+    const size_t bytes = elementSize * static_cast<size_t>(Round_Up(capacity));
     // Arrays that began at the same place of their pages would drive each other out of the first cache.
     return bytes < PAGE ? bytes : bytes + GAP;
 }
@@ -236,11 +246,31 @@ void vrMKPBuffer::Remove_Oldest(int count)
     ActiveCount -= count;
 }
 
-void vrMKPBuffer::Begin_Move(bool integrates, bool keepsOthers)
+vrMKPSpan vrMKPBuffer::Widen(vrMKPSpan span) const
+{
+    const int first = Round_Down(span.First);
+    // The ends of a nearly full ring would meet.
+    if (OthersMayReturn || Round_Up(Get_Wrapped_Count()) > Round_Down(Head)) return span;
+    return {first, Round_Up(span.First + span.Count) - first};
+}
+
+vrMKPSpans vrMKPBuffer::Wide_Spans() const
+{
+    constexpr int MOST_OTHERS = 4 * WIDTH; // what a second run costs in loops of their kind
+    if (OthersMayReturn || ActiveCount == 0) return Live_Spans();
+    const int wrapped = Get_Wrapped_Count();
+    const int first = Round_Down(Head);
+    if (wrapped == 0) return vrMKPSpans({first, Round_Up(Head + ActiveCount) - first});
+    const int end = Round_Up(Capacity);
+    if (Capacity - ActiveCount <= MOST_OTHERS) return vrMKPSpans({0, end});
+    return vrMKPSpans({first, end - first}, Round_Up(wrapped));
+}
+
+void vrMKPBuffer::Begin_Move(bool integrates)
 {
     if (!integrates || ActiveCount == 0) {
         Move = MOVE_NOTHING;
-    } else if (MayHaveStopped || keepsOthers) {
+    } else if (MayHaveStopped || OthersMayReturn) {
         Move = MOVE_IN_PLACE;
     } else {
         // All live positions are written anew, so the old ones need no copy.
@@ -265,6 +295,21 @@ bool vrMKPBuffer::Move_Span(vrMKPSpan span)
     return !Particle::Has_Invalid(positions, span.Count);
 }
 
+bool vrMKPBuffer::Is_Any_Invalid(const vrMKPConstVectors &channel) const
+{
+    for (const vrMKPSpan span : Live_Spans())
+        if (Particle::Has_Invalid(channel + span.First, span.Count)) return true;
+    return false;
+}
+
+bool vrMKPBuffer::Is_Any_Moving_Invalid(const vrMKPConstVectors &channel) const
+{
+    for (const vrMKPSpan span : Live_Spans())
+        for (int slot = span.First; slot < span.First + span.Count; ++slot)
+            if (!(Flags[slot] & PARTICLE_STOPPED) && !Is_Valid(channel[slot])) return true;
+    return false;
+}
+
 void vrMKPBuffer::Share_World_Positions(bool shared)
 {
     WorldPosition = shared ? Position : OwnWorldPosition;
@@ -273,28 +318,7 @@ void vrMKPBuffer::Share_World_Positions(bool shared)
 void vrMKPBuffer::Fetch() const
 {
     constexpr int LARGEST = 4096;
-    constexpr size_t PAGE = 4096;
-    constexpr size_t LINE = 64;
-    constexpr size_t LINES = 2;
     if (ActiveCount == 0 || Capacity > LARGEST) return;
-    const auto fetch = [this](const auto *channel) {
-        const auto *begin = reinterpret_cast<const char *>(channel);
-        for (size_t page = 0; page < sizeof(*channel) * static_cast<size_t>(Capacity); page += PAGE)
-            for (size_t line = 0; line < LINES; ++line) __builtin_prefetch(begin + page + line * LINE, 1);
-    };
-    const auto fetchVectors = [&](const vrMKPConstVectors &vectors) {
-        fetch(vectors.X);
-        fetch(vectors.Y);
-        fetch(vectors.Z);
-    };
-    fetch(Age);
-    fetch(Time);
-    fetchVectors(Position);
-    fetchVectors(PreviousPosition);
-    fetchVectors(Velocity);
-    fetch(Color);
-    fetch(Size);
-    fetch(Rotation);
     const int slot = Next_Slot(Tail);
     const auto fetchSlot = [slot](const auto *array) { __builtin_prefetch(array + slot, 1); };
     const auto fetchVector = [&](const vrMKPVectors &vectors) {
@@ -302,6 +326,7 @@ void vrMKPBuffer::Fetch() const
         fetchSlot(vectors.Y);
         fetchSlot(vectors.Z);
     };
+    __builtin_prefetch(Age + Head); // tells who dies
     fetchVector(ProjectileStartingPosition);
     fetchVector(PreviousPosition);
     fetchVector(Position);

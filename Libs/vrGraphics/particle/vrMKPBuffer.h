@@ -38,24 +38,48 @@ struct vrMKPSpan
     int Count = 0;
 };
 
-/// A part of the ring: at most two runs of slots, the second of which begins at slot 0. Empty runs don't come up.
+/// A part of the ring: at most two runs of slots, the second of which begins at slot 0. Empty runs don't come up. Small
+/// enough to be passed in registers: memory would have it wait for what loops have just written.
 class vrMKPSpans
 {
 public:
+    class End
+    {
+    };
+    class Iterator
+    {
+    public:
+        Iterator(vrMKPSpan run, int nextCount) : Run(run), NextCount(nextCount) {}
+        vrMKPSpan operator*() const { return Run; }
+        Iterator &operator++()
+        {
+            Run = {0, NextCount};
+            NextCount = 0;
+            return *this;
+        }
+        bool operator!=(End) const { return Run.Count != 0; }
+
+    private:
+        vrMKPSpan Run;
+        int NextCount;
+    };
+
+    /// One run and another from slot 0 on, where that isn't empty.
+    explicit vrMKPSpans(vrMKPSpan run, int secondCount = 0) : Run(run), SecondCount(secondCount) {}
     /// `count` slots from `first` on, in a ring of `capacity`.
     vrMKPSpans(int first, int count, int capacity)
     {
         if (count <= 0) return;
         const int untilEnd = capacity - first;
-        Spans[Size++] = {first, count < untilEnd ? count : untilEnd};
-        if (count > untilEnd) Spans[Size++] = {0, count - untilEnd};
+        Run = {first, count < untilEnd ? count : untilEnd};
+        SecondCount = count - Run.Count;
     }
-    const vrMKPSpan *begin() const { return Spans; }
-    const vrMKPSpan *end() const { return Spans + Size; }
+    Iterator begin() const { return {Run, SecondCount}; }
+    End end() const { return {}; }
 
 private:
-    vrMKPSpan Spans[2];
-    int Size = 0;
+    vrMKPSpan Run;
+    int SecondCount = 0;
 };
 
 /// All particles of one layer of one instance: a ring of slots with an array for each attribute, one for each component
@@ -72,6 +96,8 @@ public:
     static constexpr int MAX_CAPACITY = 1 << 21;
     static constexpr size_t MAX_TOTAL_BYTES = size_t(4) << 30;
     static constexpr int REMOVAL_BLOCK = 512;
+    /// Slots that the widest loops take at once. Arrays have room for whole ones.
+    static constexpr int WIDTH = 32;
 
     /// A buffer with a count of 0; null when the capacity is out of range or the memory can't be had, which is logged
     /// with `layerName`.
@@ -94,6 +120,12 @@ public:
     int Next_Slot(int slot) const { return slot + 1 < Capacity ? slot + 1 : 0; }
     /// The live particles in ring order.
     vrMKPSpans Live_Spans() const { return {Head < 0 ? 0 : Head, ActiveCount, Capacity}; }
+    /// The live particles, in runs that begin and end at multiples of `WIDTH`, and other slots among them: at most
+    /// `WIDTH` at each end, or some more where that makes one run of two. For work that is nothing to a slot that isn't
+    /// live: what it changes is set again at birth, or is written whole by the same work.
+    vrMKPSpans Wide_Spans() const;
+    /// The same for a part of the live slots that begins and ends with a run or at such multiples.
+    vrMKPSpan Widen(vrMKPSpan span) const;
     /// Those that were granted since the last frame step, which end at `Tail`.
     vrMKPSpans New_Spans() const { return {FirstNew < 0 ? 0 : FirstNew, SpawnedThisFrame, Capacity}; }
 
@@ -112,16 +144,20 @@ public:
     void Remove_Marked(Mark &&mark);
 
     /// The frame's move: "PreviousPosition" takes "Position", and where the spawner wants it, particles that aren't at
-    /// rest are integrated: position += velocity * step. Begun once, and then done for each run of the live slots.
-    /// Slots that don't live keep their positions only where `keepsOthers` asks for it.
-    void Begin_Move(bool integrates, bool keepsOthers);
-    /// False when a position is infinite or no number.
+    /// rest are integrated: position += velocity * step. Begun once, and then done for each run of the live slots,
+    /// which may be a wide one.
+    void Begin_Move(bool integrates);
+    /// False when a position in the run is infinite or no number.
     bool Move_Span(vrMKPSpan span);
+    /// Whether a live particle has a vector in the channel that is infinite or no number; of all, or of those that
+    /// aren't at rest.
+    bool Is_Any_Invalid(const vrMKPConstVectors &channel) const;
+    bool Is_Any_Moving_Invalid(const vrMKPConstVectors &channel) const;
     /// Moves world-space particles with their owner.
     void Offset_Positions(const Vector3 &delta);
 
-    /// A hint that a frame comes: fetches the beginnings of what it reads, page by page, where the processor's own
-    /// prefetching has to start anew. Of small rings; others keep that busy.
+    /// A hint that a frame comes: fetches what its births write, a line in each channel. Loops over whole channels have
+    /// the processor's own prefetching.
     void Fetch() const;
 
     bool Is_World() const { return TransformType == MKP_TRANSFORM_WORLD; }
@@ -159,6 +195,7 @@ public:
     bool HardLifetime = false;   ///< all particles die in the order of their births
     bool MayHaveStopped = false; ///< whether a particle may have PARTICLE_STOPPED
     bool KillOnRemoval = false;
+    bool OthersMayReturn = false; ///< slots that aren't live may be so again with what they held: all work spares them
     float InverseMaxAge = 1.0f;
     float TimeSinceDeath = 0.0f;    ///< seconds since the last particle died
     Vector3 Centroid{0.0f};         ///< mean position of the live particles
@@ -225,6 +262,13 @@ private:
     void Note_Survivors(int firstGroup, int count, uint8_t *dead);
     /// Moves together what was noted; all is, from `firstGroup` on, and nobody dies ahead of it.
     void Move_Survivors(int firstGroup, int survivors);
+
+    /// How many of the live slots lie past the end of the ring, at its beginning.
+    int Get_Wrapped_Count() const
+    {
+        const int end = Head + ActiveCount;
+        return end > Capacity ? end - Capacity : 0;
+    }
 
     /// What `Move_Span` does in this frame.
     enum MoveType : uint8_t

@@ -88,7 +88,8 @@ public:
     virtual void Think(float /*dt*/) {}
     /// A hint that its particles think next: it may fetch into the cache what they begin with.
     virtual void Fetch_Particles() const {}
-    virtual void Think_Particles(float /*dt*/) {}
+    /// Answers how many it simulated.
+    virtual int Think_Particles(float /*dt*/) { return 0; }
     /// May ask the scene to remove it.
     virtual void Post_Think(float /*dt*/) {}
 

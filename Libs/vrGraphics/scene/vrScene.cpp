@@ -200,10 +200,13 @@ void vrScene::Think_Particles_Of_All(float dt)
 {
     const int count = static_cast<int>(ParticleList.size());
     const auto think = [&](int first, int last) {
+        uint32_t simulated = 0;
         for (int index = first; index < last; ++index) {
             if (index + 1 < last) ParticleList[static_cast<size_t>(index + 1)]->Fetch_Particles();
-            ParticleList[static_cast<size_t>(index)]->Think_Particles(dt);
+            simulated += static_cast<uint32_t>(ParticleList[static_cast<size_t>(index)]->Think_Particles(dt));
         }
+        // Not for each: it would wait until all that was written is in the cache.
+        vrGraphicsStats::ParticlesSimulated.fetch_add(static_cast<int>(simulated), std::memory_order_relaxed);
     };
     const bool isSerial = std::any_of(ParticleList.begin(), ParticleList.end(),
                                       [](const vrRenderable *renderable) { return renderable->Needs_Serial_Frame(); });

@@ -1,9 +1,12 @@
 #include "vrGraphics/particle/ParticleMath.h"
+#include "vrGraphics/particle/vrMKPBuffer.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <limits>
+#include <vector>
 
 namespace
 {
@@ -66,6 +69,44 @@ TEST(ParticleLoops, FindTheOneThatIsNoNumber)
             EXPECT_EQ(Particle::Integrate(Run_Of(to), Run_Of(values), Run_Of(steps), count, 1.0f), isOutside);
             EXPECT_EQ(Particle::Add_Vector(Run_Of(values), count, Vector3(1.0f)), isOutside) << count << " " << bad;
         }
+}
+
+/// Every ring up to three widths and some larger ones, with every run of live slots or some of them.
+TEST(WideSpans, TakeInTheLiveSlotsAndNoneTwice)
+{
+    constexpr int WIDTH = vrMKPBuffer::WIDTH;
+    const auto check = [](vrMKPBuffer &buffer, bool isExact) {
+        const int capacity = buffer.Capacity;
+        std::vector<int> wide(static_cast<size_t>((capacity + WIDTH - 1) / WIDTH * WIDTH));
+        std::vector<int> widened = wide;
+        const auto mark = [](std::vector<int> &slots, vrMKPSpan span) {
+            for (int slot = span.First; slot < span.First + span.Count; ++slot) ++slots.at(static_cast<size_t>(slot));
+        };
+        for (const vrMKPSpan span : buffer.Wide_Spans()) {
+            mark(wide, span);
+            ASSERT_TRUE(isExact || (span.First % WIDTH == 0 && span.Count % WIDTH == 0));
+        }
+        for (const vrMKPSpan span : buffer.Live_Spans()) mark(widened, buffer.Widen(span));
+        std::vector<int> live(wide.size());
+        for (const vrMKPSpan span : buffer.Live_Spans()) mark(live, span);
+        for (size_t slot = 0; slot < wide.size(); ++slot) {
+            ASSERT_LE(wide[slot], isExact ? live[slot] : 1) << slot;
+            ASSERT_LE(widened[slot], isExact ? live[slot] : 1) << slot;
+            ASSERT_GE(std::min(wide[slot], widened[slot]), live[slot]) << slot;
+        }
+    };
+    for (const int capacity : {1, 31, 32, 33, 64, 95, 96, 127, 300, 1009}) {
+        const SmartPtr<vrMKPBuffer> buffer = vrMKPBuffer::Create(capacity, "test");
+        for (int head = 0; head < capacity; head += capacity < 100 ? 1 : 13)
+            for (int count = 0; count <= capacity; count += capacity < 100 ? 1 : 17) {
+                buffer->Head = head;
+                buffer->ActiveCount = count;
+                buffer->OthersMayReturn = false;
+                ASSERT_NO_FATAL_FAILURE(check(*buffer, false)) << capacity << " " << head << " " << count;
+                buffer->OthersMayReturn = true;
+                ASSERT_NO_FATAL_FAILURE(check(*buffer, true)) << capacity << " " << head << " " << count;
+            }
+    }
 }
 
 } // namespace

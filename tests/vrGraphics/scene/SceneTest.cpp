@@ -36,7 +36,11 @@ public:
         Note("think");
         ++Thoughts;
     }
-    void Think_Particles(float) override { Note("particles"); }
+    int Think_Particles(float) override
+    {
+        Note("particles");
+        return 0;
+    }
     void Post_Think(float) override
     {
         Note("post");

@@ -43,7 +43,8 @@ bool Add_Alike(vrMKPBuffer &buffer, const vrMKPVectors &channel, vrMKPSpan span,
 void Accelerate(vrMKPBuffer &buffer, vrMKPSpan span, const Vector3 &acceleration)
 {
     const bool invalid = Add_Alike(buffer, buffer.Velocity, span, acceleration * buffer.State->FrameTime);
-    MK_ASSERT(!invalid, INVALID_VELOCITY);
+    // The run may have others in it.
+    MK_ASSERT(!invalid || !buffer.Is_Any_Moving_Invalid(buffer.Velocity), INVALID_VELOCITY);
 }
 
 RangedFloatParameter *Add_Wind_Response(ParameterListClass &parameters, float value)

@@ -23,6 +23,7 @@ class vrMKPAccelerationModifier final : public vrMKPModifier
 public:
     vrMKPAccelerationModifier();
     size_t Get_Object_Size() const override { return sizeof(*this); }
+    WalkType Get_Walk() const override { return WALK_WIDE; }
     void Apply(vrMKPBuffer &buffer, int index, vrMKPSpan span) const override;
 
 private:
@@ -35,6 +36,7 @@ class vrMKPKeyedAccelerationModifier final : public vrMKPKeyedModifier
 public:
     vrMKPKeyedAccelerationModifier();
     size_t Get_Object_Size() const override { return sizeof(*this); }
+    WalkType Get_Walk() const override { return WALK_LIVE; }
     void Apply(vrMKPBuffer &buffer, int index, vrMKPSpan span) const override;
 
 private:
@@ -64,6 +66,7 @@ class vrMKPWindAccelerationModifier final : public vrMKPModifier
 public:
     vrMKPWindAccelerationModifier();
     size_t Get_Object_Size() const override { return sizeof(*this); }
+    WalkType Get_Walk() const override { return WALK_WIDE; }
     void Apply(vrMKPBuffer &buffer, int index, vrMKPSpan span) const override;
 
 private:
@@ -76,6 +79,7 @@ class vrMKPWindVelocityModifier final : public vrMKPModifier
 public:
     vrMKPWindVelocityModifier();
     size_t Get_Object_Size() const override { return sizeof(*this); }
+    WalkType Get_Walk() const override { return WALK_WIDE; }
     void Apply(vrMKPBuffer &buffer, int index, vrMKPSpan span) const override;
 
 private:

@@ -1,6 +1,7 @@
 #pragma once
 
 /// The bases of the modifiers that write one attribute by a rule over time: between two ends, constant, or by keys.
+/// They don't read what they write, so that they may walk wide.
 
 #include "MKLib/Parameters/KeyedParameters.h"
 #include "MKLib/Parameters/SimpleParameters.h"
@@ -35,6 +36,9 @@ struct vrMKPLinearWeight
 /// Between two values over a span of the particle's normalised time.
 class vrMKPLinearModifier : public vrMKPModifier
 {
+public:
+    WalkType Get_Walk() const override { return WALK_WIDE; }
+
 protected:
     vrMKPLinearModifier();
     vrMKPLinearWeight Get_Weight() const { return {StartTime->Get_Value(), EndTime->Get_Value()}; }
@@ -50,7 +54,7 @@ protected:
 class vrMKPConstantModifier : public vrMKPModifier
 {
 public:
-    WalkType Get_Walk() const override { return Is_Write_Once() ? WALK_NEW : WALK_LIVE; }
+    WalkType Get_Walk() const override { return Is_Write_Once() ? WALK_NEW : WALK_WIDE; }
     bool Is_Write_Once() const { return WriteOnce->Get_Value(); }
 
 protected:
@@ -72,6 +76,9 @@ void For_Each_Curve_Block(vrMKPSpan span, Work &&work)
 /// By curves, over the particle's normalised time if the derived class says nothing else.
 class vrMKPKeyedModifier : public vrMKPModifier
 {
+public:
+    WalkType Get_Walk() const override { return WALK_WIDE; }
+
 protected:
     static constexpr int BLOCK = MKP_CURVE_BLOCK;
 

@@ -98,6 +98,7 @@ class vrMKPScreenVelocityAlignedRotationModifier final : public vrMKPModifier
 public:
     vrMKPScreenVelocityAlignedRotationModifier();
     size_t Get_Object_Size() const override { return sizeof(*this); }
+    WalkType Get_Walk() const override { return WALK_WIDE; }
     void Apply(vrMKPBuffer &buffer, int index, vrMKPSpan span) const override;
 
 private:

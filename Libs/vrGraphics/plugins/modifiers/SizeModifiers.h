@@ -122,6 +122,7 @@ class vrMKPNearAndFarUniformSizeModifier final : public vrMKPModifier
 public:
     vrMKPNearAndFarUniformSizeModifier();
     size_t Get_Object_Size() const override { return sizeof(*this); }
+    WalkType Get_Walk() const override { return WALK_WIDE; }
     void Apply(vrMKPBuffer &buffer, int index, vrMKPSpan span) const override;
 
 private:

@@ -11,6 +11,7 @@ class vrMKPDistanceKeyTimeModifier final : public vrMKPTargetModifier
 public:
     vrMKPDistanceKeyTimeModifier();
     size_t Get_Object_Size() const override { return sizeof(*this); }
+    WalkType Get_Walk() const override { return WALK_WIDE; }
     void Apply(vrMKPBuffer &buffer, int index, vrMKPSpan span) const override;
 
 private:

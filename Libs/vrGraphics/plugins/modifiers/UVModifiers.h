@@ -81,6 +81,7 @@ class vrMKPSequencedUVModifier final : public vrMKPModifier
 public:
     vrMKPSequencedUVModifier();
     size_t Get_Object_Size() const override { return sizeof(*this); }
+    WalkType Get_Walk() const override { return WALK_WIDE; }
     void Apply(vrMKPBuffer &buffer, int index, vrMKPSpan span) const override;
 
 private:

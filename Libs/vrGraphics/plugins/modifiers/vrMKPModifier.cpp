@@ -2,7 +2,11 @@
 
 void vrMKPModifier::Modify(vrMKPBuffer &buffer, int index) const
 {
+    Modify_Runs(buffer, index, vrMKPWalks(buffer));
+}
+
+void vrMKPModifier::Modify_Runs(vrMKPBuffer &buffer, int index, const vrMKPWalks &walks) const
+{
     Prepare_Frame(buffer, index);
-    const vrMKPSpans spans = Get_Walk() == WALK_NEW ? buffer.New_Spans() : buffer.Live_Spans();
-    for (const vrMKPSpan span : spans) Apply(buffer, index, span);
+    for (const vrMKPSpan span : walks.Get(Get_Walk())) Apply(buffer, index, span);
 }

@@ -7,6 +7,8 @@
 #include "vrGraphics/particle/vrMKPBuffer.h"
 #include "vrGraphics/plugins/base/vrMKPPlugin.h"
 
+struct vrMKPWalks;
+
 /// The base of all modifiers. It has no parameters of its own.
 class vrMKPModifier : public vrMKPPlugin
 {
@@ -15,6 +17,7 @@ public:
     enum WalkType : int
     {
         WALK_LIVE, ///< each live particle by itself: `Apply` gets the ring in runs, in ring order
+        WALK_WIDE, ///< likewise, but the runs are those of `vrMKPBuffer::Wide_Spans`
         WALK_NEW,  ///< likewise the particles of this frame alone
         WALK_WHOLE ///< `Modify` is called once for the whole buffer, because particles or draws depend on each other
     };
@@ -22,6 +25,8 @@ public:
     /// The one call a frame, on a buffer with live particles; `index` is the modifier's place in the layer and that of
     /// its data in the buffer. The base prepares, and applies the modifier to all runs of its walk.
     virtual void Modify(vrMKPBuffer &buffer, int index) const;
+    /// What the base does there, with runs that were found before.
+    void Modify_Runs(vrMKPBuffer &buffer, int index, const vrMKPWalks &walks) const;
     /// A layer may hand blocks of a few hundred slots to all of its modifiers in turn, instead of the whole ring to one
     /// after the other, where none in between walks the whole. The result is the same.
     virtual WalkType Get_Walk() const { return WALK_LIVE; }
@@ -35,4 +40,22 @@ public:
     virtual bool Needs_Serial_Frame() const { return false; }
     /// Called when a layer with this modifier joins a renderable: what it tells about the renderable as a whole.
     virtual void Modifier_Post_Load(vrMKPRenderState & /*state*/) const {}
+};
+
+/// The runs of a buffer for each kind of walk, found once for all modifiers of a frame.
+struct vrMKPWalks
+{
+    explicit vrMKPWalks(const vrMKPBuffer &buffer)
+        : Live(buffer.Live_Spans()), Wide(buffer.Wide_Spans()), New(buffer.New_Spans())
+    {
+    }
+    vrMKPSpans Get(vrMKPModifier::WalkType walk) const
+    {
+        if (walk == vrMKPModifier::WALK_WIDE) return Wide;
+        return walk == vrMKPModifier::WALK_NEW ? New : Live;
+    }
+
+    vrMKPSpans Live;
+    vrMKPSpans Wide;
+    vrMKPSpans New;
 };

@@ -17,15 +17,32 @@ using Particle::For_Whole_Registers;
 constexpr float MIN_LIFE = 0.01f;
 constexpr float FIXED_LIFE_VARIATION = 0.01f; ///< up to this, all particles live equally long
 
-MK_SIMD void Set_Times_By_Life(float *__restrict time, const float *__restrict age, int count, float life)
+MK_SIMD void Age_By_Life(float *__restrict age, float *__restrict time, int count, float step, float life)
 {
-    For_Whole_Registers(count, [=](int i) MK_INLINE_LAMBDA { time[i] = age[i] / life; });
+    for (int i = 0; i < count; ++i) {
+        const float older = age[i] + step;
+        age[i] = older;
+        time[i] = older / life;
+    }
 }
 
-MK_SIMD void Set_Times_By_Max_Age(float *__restrict time, const float *__restrict age, const float *__restrict maxAge,
-                                  int count)
+MK_SIMD void Age_By_Max_Age(float *__restrict age, float *__restrict time, const float *__restrict maxAge, int count,
+                            float step)
 {
-    For_Whole_Registers(count, [=](int i) MK_INLINE_LAMBDA { time[i] = age[i] / maxAge[i]; });
+    for (int i = 0; i < count; ++i) {
+        const float older = age[i] + step;
+        age[i] = older;
+        time[i] = older / maxAge[i];
+    }
+}
+
+MK_SIMD void Give_Fixed_Life(float *__restrict maxAge, float *__restrict time, const float *__restrict age, int count,
+                             float life)
+{
+    for (int i = 0; i < count; ++i) {
+        maxAge[i] = life;
+        time[i] = life == 0.0f ? 1.0f : age[i] / life;
+    }
 }
 
 } // namespace
@@ -88,20 +105,25 @@ void vrMKPStomper::Note_Kill_On_Removal(vrMKPBuffer &buffer) const
 void vrMKPStomper::Init_New_Particles(vrMKPBuffer &buffer) const
 {
     Note_Kill_On_Removal(buffer);
+    if (!FixedLife) return Give_Varied_Lives(buffer);
+    for (const vrMKPSpan span : buffer.New_Spans())
+        Give_Fixed_Life(buffer.MaxAge + span.First, buffer.Time + span.First, buffer.Age + span.First, span.Count,
+                        BaseLife);
+}
+
+void vrMKPStomper::Give_Varied_Lives(vrMKPBuffer &buffer) const
+{
     const float low = FullRangeVariation->Get_Value() ? -LifeVariation : 0.0f;
     // A negative variation is as good as its opposite.
     const auto [lowest, highest] = std::minmax(low, LifeVariation);
     bool isPositive = true;
     for (const vrMKPSpan span : buffer.New_Spans()) {
         for (int slot = span.First; slot < span.First + span.Count; ++slot) {
-            float life = BaseLife;
-            if (!FixedLife) {
-                life += buffer.Random.Get_Float(lowest, highest);
-                life = life < MIN_LIFE ? MIN_LIFE : life;
-                isPositive &= life > 0.0f;
-            }
+            const float drawn = BaseLife + buffer.Random.Get_Float(lowest, highest);
+            const float life = drawn < MIN_LIFE ? MIN_LIFE : drawn;
+            isPositive &= life > 0.0f;
             buffer.MaxAge[slot] = life;
-            buffer.Time[slot] = life == 0.0f ? 1.0f : buffer.Age[slot] / life;
+            buffer.Time[slot] = buffer.Age[slot] / life;
         }
     }
     MK_ASSERT(isPositive, "buffer->MaxAge[index] > 0.0f");
@@ -146,12 +168,13 @@ void vrMKPStomper::Age_Span(vrMKPBuffer &buffer, vrMKPSpan span) const
 {
     float *age = buffer.Age + span.First;
     float *time = buffer.Time + span.First;
-    Particle::Add_Float(age, span.Count, buffer.State->FrameTime);
-    if (!UpdateTime->Get_Value()) return;
-    if (buffer.HardLifetime && FixedLife)
-        Set_Times_By_Life(time, age, span.Count, BaseLife);
+    const float step = buffer.State->FrameTime;
+    if (!UpdateTime->Get_Value())
+        Particle::Add_Float(age, span.Count, step);
+    else if (buffer.HardLifetime && FixedLife)
+        Age_By_Life(age, time, span.Count, step, BaseLife);
     else
-        Set_Times_By_Max_Age(time, age, buffer.MaxAge + span.First, span.Count);
+        Age_By_Max_Age(age, time, buffer.MaxAge + span.First, span.Count, step);
 }
 
 void vrMKPStomper::Age_Particles(vrMKPBuffer &buffer) const
