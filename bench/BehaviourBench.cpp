@@ -308,7 +308,8 @@ Case &CaseList::Modifier(int id, const char *variant)
         vrMKPBuffer &buffer = *stage.Buffer;
         if (modifier.Get_Walk() == vrMKPModifier::WALK_WHOLE) return modifier.Modify(buffer, 0);
         modifier.Prepare_Frame(buffer, 0);
-        For_Blocks(buffer, [&](vrMKPSpan block) { modifier.Apply(buffer, 0, block); });
+        const bool isWide = modifier.Get_Walk() == vrMKPModifier::WALK_WIDE;
+        For_Blocks(buffer, [&](vrMKPSpan block) { modifier.Apply(buffer, 0, isWide ? buffer.Widen(block) : block); });
     };
     return one;
 }

@@ -72,12 +72,21 @@ struct Sheet
     Divisor CellsPerRow;
 };
 
-/// `Simple` is for a sequence that goes on for ever in one direction and doesn't run past the sheet, in rows of a whole
-/// number of cells. `Flips` is needed where IDs mirror; all of a simple one have the same size without it, and then it
-/// isn't written here.
-template <typename Arithmetic, bool Simple, bool Flips>
+/// What a sequence has, from all to the least.
+enum SequenceForm
+{
+    GENERAL,
+    ENDLESS_FLIPPING, ///< it goes on for ever in one direction and doesn't run past the sheet, in rows of a whole
+                      ///< number of cells, and IDs mirror it
+    ENDLESS, ///< likewise, but all have the same size, which isn't written with the origins
+    PLAIN    ///< likewise, forward and not mirrored at all
+};
+
+template <typename Arithmetic, SequenceForm Form>
 MK_INLINE void Write_Cell(float *origin, float *size, float frame, uint32_t id, const Sheet &sheet)
 {
+    constexpr bool Simple = Form != GENERAL;
+    constexpr bool Flips = Form == GENERAL || Form == ENDLESS_FLIPPING;
     const vrMKPCellSequence &sequence = sheet.Sequence;
     uint32_t isOver = 0;
     uint32_t isReverse = sequence.ReverseBit;
@@ -87,7 +96,7 @@ MK_INLINE void Write_Cell(float *origin, float *size, float frame, uint32_t id, 
         isReverse ^= sequence.PingPongBit & As_Bit(Arithmetic::Is_Odd(loops));
     }
     const float inLoop = Arithmetic::Remainder(frame, sheet.FrameCount);
-    const float step = Select(isReverse, sequence.FrameCount - 1.0f - inLoop, inLoop);
+    const float step = Form == PLAIN ? inLoop : Select(isReverse, sequence.FrameCount - 1.0f - inLoop, inLoop);
     float cell = step + sequence.FirstCell;
     float row;
     if constexpr (Simple) {
@@ -97,23 +106,28 @@ MK_INLINE void Write_Cell(float *origin, float *size, float frame, uint32_t id, 
         row = Arithmetic::Floor(cell / sequence.CellsPerRow);
     }
     const float column = cell - sequence.CellsPerRow * row;
+    if constexpr (Form == PLAIN) {
+        origin[0] = column * sequence.Cell.x + sequence.Offset.x;
+        origin[1] = row * sequence.Cell.y + sequence.Offset.y;
+        return;
+    }
     const uint32_t flipU = Flips ? id & sequence.RandomFlipBit : 0;
     const uint32_t flipV = Flips ? (id >> 4) & sequence.RandomFlipBit : 0;
     const float u = column * sequence.Cell.x + Select(flipU | sequence.FlipU, sequence.Cell.x, 0.0f);
     const float v = row * sequence.Cell.y + Select(flipV | sequence.FlipV, sequence.Cell.y, 0.0f);
     origin[0] = Select(isOver, origin[0], u + sequence.Offset.x);
     origin[1] = Select(isOver, origin[1], v + sequence.Offset.y);
-    if constexpr (Simple && !Flips) return;
+    if constexpr (!Flips) return;
     size[0] = Select(isOver, size[0], Select(flipU, -sequence.Size.x, sequence.Size.x));
     size[1] = Select(isOver, size[1], Select(flipV, -sequence.Size.y, sequence.Size.y));
 }
 
-template <bool Simple, bool Flips>
+template <SequenceForm Form>
 MK_SIMD void Write_Regular(float *__restrict origins, float *__restrict sizes, const float *__restrict frames,
                            const uint32_t *__restrict ids, int count, Sheet sheet)
 {
     for (int i = 0; i < count; ++i)
-        Write_Cell<RegularArithmetic, Simple, Flips>(origins + 2 * i, sizes + 2 * i, frames[i], ids[i], sheet);
+        Write_Cell<RegularArithmetic, Form>(origins + 2 * i, sizes + 2 * i, frames[i], ids[i], sheet);
 }
 
 MK_SIMD void Write_Pairs(float *__restrict pairs, int count, float first, float second)
@@ -127,7 +141,7 @@ MK_SIMD void Write_Pairs(float *__restrict pairs, int count, float first, float 
 void Write_Any(float *origins, float *sizes, const float *frames, const uint32_t *ids, int count, const Sheet &sheet)
 {
     for (int i = 0; i < count; ++i)
-        Write_Cell<FullArithmetic, false, true>(origins + 2 * i, sizes + 2 * i, frames[i], ids[i], sheet);
+        Write_Cell<FullArithmetic, GENERAL>(origins + 2 * i, sizes + 2 * i, frames[i], ids[i], sheet);
 }
 
 /// Frame numbers since birth, and whether all of them are regular. Others aren't right yet. `Random` is for IDs that
@@ -171,6 +185,15 @@ bool Is_Whole(float value)
     return Fraction(value) == 0.0f;
 }
 
+SequenceForm Form_Of(const vrMKPCellSequence &sequence)
+{
+    const bool isEndless = sequence.PingPongBit == 0 && sequence.LoopLimit == std::numeric_limits<float>::infinity();
+    const bool staysOnSheet = sequence.FirstCell + sequence.FrameCount <= sequence.CellCount;
+    if (!isEndless || !staysOnSheet || !Is_Whole(sequence.CellsPerRow)) return GENERAL;
+    if (sequence.RandomFlipBit != 0) return ENDLESS_FLIPPING;
+    return (sequence.ReverseBit | sequence.FlipU | sequence.FlipV) != 0 ? ENDLESS : PLAIN;
+}
+
 } // namespace
 
 bool vrMKPCellSequence::Set_Sheet(const Vector4 &start, float frames)
@@ -210,19 +233,17 @@ void vrMKPCellSequence::Set_Flips(bool isRandom)
 
 void vrMKPCellSequence::Write(float *origins, float *sizes, const float *times, const uint32_t *ids, int count) const
 {
-    const bool isEndless = PingPongBit == 0 && LoopLimit == std::numeric_limits<float>::infinity();
-    const bool isSimple = isEndless && Is_Whole(CellsPerRow) && FirstCell + FrameCount <= CellCount;
-    const bool flips = RandomFlipBit != 0;
+    constexpr decltype(&Write_Regular<GENERAL>) WRITERS[] = {Write_Regular<GENERAL>, Write_Regular<ENDLESS_FLIPPING>,
+                                                             Write_Regular<ENDLESS>, Write_Regular<PLAIN>};
+    const SequenceForm form = Form_Of(*this);
     const auto find = RandomFrames == 0.0f ? Find_Regular_Frames<false> : Find_Regular_Frames<true>;
-    const auto writeSimple = flips ? Write_Regular<true, true> : Write_Regular<true, false>;
-    const auto write = isSimple ? writeSimple : Write_Regular<false, true>;
     const Sheet sheet(*this);
     float frames[BLOCK];
     for (int at = 0; at < count; at += BLOCK) {
         const int size = std::min(BLOCK, count - at);
         if (IsRegular && find(frames, times + at, ids + at, size, FramesPerTime, RandomFrames)) {
-            write(origins + 2 * at, sizes + 2 * at, frames, ids + at, size, sheet);
-            if (isSimple && !flips) Write_Pairs(sizes + 2 * at, size, Size.x, Size.y);
+            WRITERS[form](origins + 2 * at, sizes + 2 * at, frames, ids + at, size, sheet);
+            if (form >= ENDLESS) Write_Pairs(sizes + 2 * at, size, Size.x, Size.y);
             continue;
         }
         Find_Any_Frames(frames, times + at, ids + at, size, FramesPerTime, RandomFrames);
