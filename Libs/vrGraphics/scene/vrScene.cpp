@@ -24,6 +24,7 @@ namespace
 
 /// Few enough that neighbours stay with one thread, enough that all threads end at about the same time.
 constexpr int RANGES_A_THREAD = 8;
+constexpr int LEAST_GROUPS = 16; ///< think together: a group takes less than another thread's waking up
 
 /// Sets a flag for as long as it lives, whatever ends it.
 template <typename Bool>
@@ -187,7 +188,7 @@ void vrScene::Group_By_Owner()
 void vrScene::Think_Groups(float dt)
 {
     const FlagScope section(RenderThread::InParallelSection);
-    ThreadPool::Parallel_For(0, ThinkGroupCount, 1, [&](int first, int last) {
+    ThreadPool::Parallel_For(0, ThinkGroupCount, LEAST_GROUPS, [&](int first, int last) {
         for (int index = first; index < last; ++index) {
             const RenderThinkGroup &group = ThinkGroups[static_cast<size_t>(index)];
             if (group.Owner) group.Owner->Think(dt);
