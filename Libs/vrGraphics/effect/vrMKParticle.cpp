@@ -48,6 +48,7 @@ void vrMKParticle::Reset_Definition()
     Stomper = nullptr;
     Visualizer = nullptr;
     Modifiers.clear();
+    HasSlaveModifier = false;
     BulletModifier = nullptr;
     Bounds = {};
     PreSimulated = false;
@@ -105,6 +106,7 @@ void vrMKParticle::Add_Modifier(vrMKPModifier *modifier)
     if (Group) modifier->Modifier_Post_Load(Group->Get_State());
     if (!BulletModifier && modifier->Get_Plugin_Class() == kvrMKPBulletModifier)
         BulletModifier = static_cast<vrMKPBulletModifier *>(modifier);
+    Find_Slave_Modifier();
 }
 
 bool vrMKParticle::Remove_Modifier(int index)
@@ -114,7 +116,14 @@ bool vrMKParticle::Remove_Modifier(int index)
     if (Buffer && index < static_cast<int>(Buffer->ModifierData.size()))
         Buffer->ModifierData.erase(Buffer->ModifierData.begin() + index);
     Find_Bullet_Modifier();
+    Find_Slave_Modifier();
     return true;
+}
+
+void vrMKParticle::Find_Slave_Modifier()
+{
+    HasSlaveModifier =
+        std::any_of(Modifiers.begin(), Modifiers.end(), [](const auto &modifier) { return modifier->Copies_Slots(); });
 }
 
 bool vrMKParticle::Swap_Modifiers(int a, int b)

@@ -128,6 +128,11 @@ public:
     /// Whether the layer has particles, or may get some without its parent's.
     bool Has_Work() const;
     bool Needs_Serial_Frame() const;
+    /// Whether it copies whole rings of other layers, slots that don't live among them.
+    bool Copies_Slots() const
+    {
+        return HasSlaveModifier || (Spawner && Spawner->Get_Plugin_Class() == kvrMKPSlaveSpawner);
+    }
     /// Start, stop and life together, in seconds.
     float Get_Lifetime() const;
     void On_Parent_Particle_Death(const vrMKPBuffer &parent, const Vector3 &position, const Vector3 &velocity,
@@ -153,6 +158,7 @@ private:
     /// `shared` has the assets to take over, when the layer is a clone; null after a load.
     void Post_Load(bool loadAssets, const vrMKPVisualizer *shared);
     void Find_Bullet_Modifier();
+    void Find_Slave_Modifier();
     void Set_Hidden_Flag(bool &flag, bool hidden);
     bool Make_Buffer(vrMKPRenderState &state, SmartPtr<vrMKPBufferPluginData> spawnData, int capacity);
     void Ready_Visualizer(vrMKParticleGroup &group);
@@ -178,6 +184,7 @@ private:
     bool HiddenBySpawner = false;
     bool HiddenByGroup = false;
     bool HiddenByLOD = false;
+    bool HasSlaveModifier = false;
     bool TakesPart = false; ///< in the render that was collected last
     /// The kinds that the buffer's data was made for.
     struct PreparedKinds

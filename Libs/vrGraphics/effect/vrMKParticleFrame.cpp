@@ -164,6 +164,7 @@ void vrMKParticle::Step_Particles()
                            : PARTICLE_SCALE_NONE;
     const bool ages = Stomper->Begin_Age(buffer);
     buffer.OthersMayReturn = Spawner->Sets_Live_Slots();
+    buffer.OthersAreSeen = buffer.State->AreAllSlotsSeen;
     buffer.Begin_Move(Spawner->Get_Auto_Update_Positions());
     const bool fuses = Fuses_Blocks();
     const bool hasOld = buffer.ActiveCount > 0;
@@ -176,10 +177,12 @@ void vrMKParticle::Step_Particles()
     For_Blocks(fuses ? buffer.Live_Spans() : buffer.Wide_Spans(), [&](vrMKPSpan block) {
         const vrMKPSpan wide = fuses ? buffer.Widen(block) : block;
         if (ages) Stomper->Age_Span(buffer, wide);
-        isValid &= buffer.Move_Span(wide);
+        // Others in the run have no say.
+        isValid &= buffer.Move_Span(wide) || !(fuses ? Particle::Has_Invalid(buffer.Position + block.First, block.Count)
+                                                     : buffer.Is_Any_Invalid(buffer.Position));
         if (fuses) Finish_Block(block, wide, {block.First, 0}, 0, Modifiers.size(), true, inBlocks);
     });
-    MK_ASSERT(isValid || !buffer.Is_Any_Invalid(buffer.Position), "Position[where].Is_Valid()");
+    MK_ASSERT(isValid, "Position[where].Is_Valid()");
 
     if (Should_Spawn() || Spawner->Get_Plugin_Class() == kvrMKPSlaveSpawner) {
         Spawner->Spawn(buffer);
@@ -247,13 +250,15 @@ void vrMKParticle::Modify_And_Transform()
 /// One modifier after the other on the whole ring.
 void vrMKParticle::Modify_Small()
 {
-    const vrMKPWalks walks(*Buffer);
+    vrMKPWalks walks(*Buffer);
     for (size_t index = 0; index < Modifiers.size(); ++index) {
         const vrMKPModifier &modifier = *Modifiers[index];
-        if (modifier.Get_Walk() == vrMKPModifier::WALK_WHOLE)
-            modifier.Modify(*Buffer, static_cast<int>(index));
-        else
+        if (modifier.Get_Walk() != vrMKPModifier::WALK_WHOLE) {
             modifier.Modify_Runs(*Buffer, static_cast<int>(index), walks);
+            continue;
+        }
+        modifier.Modify(*Buffer, static_cast<int>(index));
+        walks = vrMKPWalks(*Buffer); // it may have made the ring another one
     }
 }
 

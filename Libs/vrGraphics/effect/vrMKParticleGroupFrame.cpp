@@ -80,6 +80,8 @@ void vrMKParticleGroup::Spawn_Code_Particles(int count)
 void vrMKParticleGroup::Pre_Think(float)
 {
     if (!Wants_Particle_Think()) return;
+    Get_State().AreAllSlotsSeen =
+        std::any_of(Particles.begin(), Particles.end(), [](const auto &particle) { return particle->Copies_Slots(); });
     bool hasNew = false;
     for (const auto &particle : Particles) {
         const vrMKPBuffer *buffer = particle->Get_Buffer();

@@ -249,15 +249,14 @@ void vrMKPBuffer::Remove_Oldest(int count)
 vrMKPSpan vrMKPBuffer::Widen(vrMKPSpan span) const
 {
     const int first = Round_Down(span.First);
-    // The ends of a nearly full ring would meet.
-    if (OthersMayReturn || Round_Up(Get_Wrapped_Count()) > Round_Down(Head)) return span;
+    if (Spares_Others() || Round_Up(Get_Wrapped_Count()) > Round_Down(Head)) return span;
     return {first, Round_Up(span.First + span.Count) - first};
 }
 
 vrMKPSpans vrMKPBuffer::Wide_Spans() const
 {
     constexpr int MOST_OTHERS = 4 * WIDTH; // what a second run costs in loops of their kind
-    if (OthersMayReturn || ActiveCount == 0) return Live_Spans();
+    if (Spares_Others() || ActiveCount == 0) return Live_Spans();
     const int wrapped = Get_Wrapped_Count();
     const int first = Round_Down(Head);
     if (wrapped == 0) return vrMKPSpans({first, Round_Up(Head + ActiveCount) - first});

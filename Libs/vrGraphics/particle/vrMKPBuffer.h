@@ -122,9 +122,11 @@ public:
     vrMKPSpans Live_Spans() const { return {Head < 0 ? 0 : Head, ActiveCount, Capacity}; }
     /// The live particles, in runs that begin and end at multiples of `WIDTH`, and other slots among them: at most
     /// `WIDTH` at each end, or some more where that makes one run of two. For work that is nothing to a slot that isn't
-    /// live: what it changes is set again at birth, or is written whole by the same work.
+    /// live: what it changes is set again at birth, or is written whole by the same work. The live slots alone where
+    /// others must be spared.
     vrMKPSpans Wide_Spans() const;
-    /// The same for a part of the live slots that begins and ends with a run or at such multiples.
+    /// The same for a part of the live slots that begins and ends with a run or at such multiples. As it is where the
+    /// ends of a nearly full ring would meet, too.
     vrMKPSpan Widen(vrMKPSpan span) const;
     /// Those that were granted since the last frame step, which end at `Tail`.
     vrMKPSpans New_Spans() const { return {FirstNew < 0 ? 0 : FirstNew, SpawnedThisFrame, Capacity}; }
@@ -195,7 +197,9 @@ public:
     bool HardLifetime = false;   ///< all particles die in the order of their births
     bool MayHaveStopped = false; ///< whether a particle may have PARTICLE_STOPPED
     bool KillOnRemoval = false;
-    bool OthersMayReturn = false; ///< slots that aren't live may be so again with what they held: all work spares them
+    // What becomes of slots that aren't live. Loops spare them where either holds.
+    bool OthersMayReturn = false; ///< they may live again with what they held
+    bool OthersAreSeen = false;   ///< another layer may copy and show them
     float InverseMaxAge = 1.0f;
     float TimeSinceDeath = 0.0f;    ///< seconds since the last particle died
     Vector3 Centroid{0.0f};         ///< mean position of the live particles
@@ -243,6 +247,8 @@ public:
     float *SortingRelativeToGroup = nullptr;
 
 private:
+    bool Spares_Others() const { return OthersMayReturn || OthersAreSeen; }
+
     struct FreeMemory
     {
         size_t Bytes;

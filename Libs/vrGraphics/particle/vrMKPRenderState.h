@@ -88,6 +88,7 @@ struct vrMKPRenderState
     Vector3 SunDirection{0.0f, 0.0f, 1.0f}; ///< toward the sun, unit length
 
     const vrMKPLayerList *Layers = nullptr;    ///< the group's own
+    bool AreAllSlotsSeen = false;              ///< a layer of the group copies whole rings of others
     const vrMKPEmitterFace *Emitter = nullptr; ///< null for a renderable without one
     int32_t Seed = 0;                          ///< what the renderable drew for itself
     /// For draws that no seed repeats. Each renderable has one of its own, so that the threads don't meet in it and

@@ -4,6 +4,7 @@
 
 #include "MKLib/Parameters/ShapeParameter.h"
 #include "MKLib/Parameters/SimpleParameters.h"
+#include "MKLib/Parameters/StringParameters.h"
 #include "vrGraphics/scene/vrSimpleScene.h"
 
 #include <limits>
@@ -212,9 +213,14 @@ void Fill_Others(vrMKPBuffer &buffer)
         for (const vrMKPVectors &channel : {buffer.Position, buffer.PreviousPosition, buffer.Velocity})
             channel.Put(slot, Vector3(none));
         buffer.Age[slot] = buffer.Time[slot] = buffer.MaxAge[slot] = none;
-        buffer.Size[slot] = Vector2(none);
-        buffer.Flags[slot] = ~0u;
+        buffer.Size[slot] = buffer.UV[slot] = buffer.DUV[slot] = Vector2(none);
+        buffer.Color[slot] = buffer.Rotation[slot] = 0x12345678;
     }
+}
+
+void Set_Parent(const vrMKPPlugin *plugin, const char *name)
+{
+    dynamic_cast<StringParameterClass &>(*plugin->Get_Parameter_By_Name("Parent Name")).Set_Value(name);
 }
 
 TEST(Frame, ARestartPlaysTheSameAgain)
@@ -265,6 +271,48 @@ TEST(Frame, BlocksOfTheRingGiveWhatWholeWalksGive)
         ASSERT_NO_FATAL_FAILURE(Expect_Same(*left.Get_Buffer(), *right.Get_Buffer())) << frame;
     }
     EXPECT_GT(left.Get_Buffer()->Head, 0); // the ring went round
+}
+
+/// Its ring takes its parent's size in the middle of a frame, ahead of modifiers that went by the larger one.
+TEST(Frame, ASlaveModifierMayShrinkTheRingThatOthersWork)
+{
+    Stage stage;
+    const vrMKParticle &parent = stage.Add_Layer("parent");
+    vrMKParticle &child = stage.Add_Layer("child");
+    Set(child.Get_Spawner(), "Particles / Second", 40000.0f);
+    for (const uint32_t id : {98u, 10u, 8u, 9u, 13u, 57u, 124u, 97u, 8u})
+        child.Add_Modifier(Make<vrMKPModifier>(id).Get());
+    Set_Parent(child.Get_Modifier(0), "parent");
+    Set_Parent(child.Get_Modifier(7), "parent");
+    stage.Play(1, 0.03f);
+    EXPECT_EQ(child.Get_Buffer()->Capacity, parent.Get_Buffer()->Capacity);
+    EXPECT_EQ(stage.Live(1), 0);
+    stage.Play(5, 0.03f);
+    EXPECT_EQ(stage.Live(1), child.Get_Buffer()->Capacity);
+}
+
+/// Slaves copy all slots of their parents, so that those that don't live keep what they held.
+TEST(Frame, OtherSlotsKeepWhatASlaveMayShow)
+{
+    for (const bool byModifier : {true, false}) {
+        Stage stage;
+        vrMKParticle &parent = stage.Add_Layer("parent");
+        parent.Add_Modifier(Make<vrMKPModifier>(8).Get()); // Linear Color
+        vrMKParticle &child = stage.Add_Layer("child", byModifier ? 34 : 95);
+        if (byModifier) child.Add_Modifier(Make<vrMKPModifier>(98).Get());
+        Set_Parent(byModifier ? static_cast<const vrMKPPlugin *>(child.Get_Modifier(0)) : child.Get_Spawner(),
+                   "parent");
+        stage.Play(4);
+        const vrMKPBuffer &buffer = *parent.Get_Buffer();
+        ASSERT_LT(buffer.Tail, buffer.Capacity - 1);
+        EXPECT_NE(buffer.Color[buffer.Tail], 0u);
+        EXPECT_EQ(buffer.Color[buffer.Tail + 1], 0u) << byModifier;
+        EXPECT_EQ(buffer.Age[buffer.Tail + 1], 0.0f) << byModifier;
+        if (!byModifier) continue;
+        ASSERT_TRUE(child.Remove_Modifier(0));
+        stage.Play(1);
+        EXPECT_NE(buffer.Age[buffer.Tail + 1], 0.0f); // nobody looks any more
+    }
 }
 
 /// Loops may take in slots beside the live ones: whatever these hold, nobody sees it and no fault is told of it.

@@ -34,6 +34,7 @@ class vrMKPSlaveModifier : public vrMKPModifier
 public:
     vrMKPBufferPluginData *Create_Buffer_Data(const vrMKPRenderState &state) const override;
     WalkType Get_Walk() const final { return WALK_WHOLE; }
+    bool Copies_Slots() const final { return true; }
     /// May resize the buffer, which ends its particles.
     void Modify(vrMKPBuffer &buffer, int index) const final;
 

@@ -36,7 +36,6 @@ class vrMKPKeyedAccelerationModifier final : public vrMKPKeyedModifier
 public:
     vrMKPKeyedAccelerationModifier();
     size_t Get_Object_Size() const override { return sizeof(*this); }
-    WalkType Get_Walk() const override { return WALK_LIVE; }
     void Apply(vrMKPBuffer &buffer, int index, vrMKPSpan span) const override;
 
 private:

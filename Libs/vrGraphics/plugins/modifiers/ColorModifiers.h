@@ -9,6 +9,7 @@ class vrMKPLinearColorModifier final : public vrMKPLinearModifier
 public:
     vrMKPLinearColorModifier();
     size_t Get_Object_Size() const override { return sizeof(*this); }
+    WalkType Get_Walk() const override { return WALK_WIDE; }
     void Apply(vrMKPBuffer &buffer, int index, vrMKPSpan span) const override;
 
 private:
@@ -33,6 +34,7 @@ class vrMKPKeyedColorModifier final : public vrMKPKeyedModifier
 public:
     vrMKPKeyedColorModifier();
     size_t Get_Object_Size() const override { return sizeof(*this); }
+    WalkType Get_Walk() const override { return WALK_WIDE; }
     void Apply(vrMKPBuffer &buffer, int index, vrMKPSpan span) const override;
 
 private:

@@ -1,7 +1,6 @@
 #pragma once
 
 /// The bases of the modifiers that write one attribute by a rule over time: between two ends, constant, or by keys.
-/// They don't read what they write, so that they may walk wide.
 
 #include "MKLib/Parameters/KeyedParameters.h"
 #include "MKLib/Parameters/SimpleParameters.h"
@@ -36,9 +35,6 @@ struct vrMKPLinearWeight
 /// Between two values over a span of the particle's normalised time.
 class vrMKPLinearModifier : public vrMKPModifier
 {
-public:
-    WalkType Get_Walk() const override { return WALK_WIDE; }
-
 protected:
     vrMKPLinearModifier();
     vrMKPLinearWeight Get_Weight() const { return {StartTime->Get_Value(), EndTime->Get_Value()}; }
@@ -50,7 +46,7 @@ protected:
     BoolParameter *Smooth;
 };
 
-/// The same value in each frame, or only in the frame of the spawn.
+/// The same value in each frame, or only in the frame of the spawn, whatever was there.
 class vrMKPConstantModifier : public vrMKPModifier
 {
 public:
@@ -76,9 +72,6 @@ void For_Each_Curve_Block(vrMKPSpan span, Work &&work)
 /// By curves, over the particle's normalised time if the derived class says nothing else.
 class vrMKPKeyedModifier : public vrMKPModifier
 {
-public:
-    WalkType Get_Walk() const override { return WALK_WIDE; }
-
 protected:
     static constexpr int BLOCK = MKP_CURVE_BLOCK;
 

@@ -11,7 +11,6 @@ class vrMKPPositionalKeyedColorModifier final : public vrMKPKeyedModifier
 public:
     vrMKPPositionalKeyedColorModifier();
     size_t Get_Object_Size() const override { return sizeof(*this); }
-    WalkType Get_Walk() const override { return WALK_LIVE; } // it multiplies
     void Apply(vrMKPBuffer &buffer, int index, vrMKPSpan span) const override;
 
 private:

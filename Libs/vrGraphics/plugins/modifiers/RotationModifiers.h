@@ -29,6 +29,7 @@ class vrMKPLinearRotationModifier final : public vrMKPLinearModifier
 public:
     vrMKPLinearRotationModifier();
     size_t Get_Object_Size() const override { return sizeof(*this); }
+    WalkType Get_Walk() const override { return WALK_WIDE; }
     void Apply(vrMKPBuffer &buffer, int index, vrMKPSpan span) const override;
 
 private:
@@ -55,6 +56,7 @@ class vrMKPKeyedRotationModifier final : public vrMKPKeyedModifier
 public:
     vrMKPKeyedRotationModifier();
     size_t Get_Object_Size() const override { return sizeof(*this); }
+    WalkType Get_Walk() const override { return WALK_WIDE; }
     void Apply(vrMKPBuffer &buffer, int index, vrMKPSpan span) const override;
 
 private:

@@ -10,6 +10,7 @@ class vrMKPLinearUniformSizeModifier final : public vrMKPLinearModifier
 public:
     vrMKPLinearUniformSizeModifier();
     size_t Get_Object_Size() const override { return sizeof(*this); }
+    WalkType Get_Walk() const override { return WALK_WIDE; }
     void Apply(vrMKPBuffer &buffer, int index, vrMKPSpan span) const override;
 
 private:
@@ -24,6 +25,7 @@ class vrMKPLinearSizeModifier final : public vrMKPLinearModifier
 public:
     vrMKPLinearSizeModifier();
     size_t Get_Object_Size() const override { return sizeof(*this); }
+    WalkType Get_Walk() const override { return WALK_WIDE; }
     void Apply(vrMKPBuffer &buffer, int index, vrMKPSpan span) const override;
 
 private:
@@ -69,6 +71,7 @@ class vrMKPKeyedUniformSizeModifier final : public vrMKPKeyedModifier
 public:
     vrMKPKeyedUniformSizeModifier();
     size_t Get_Object_Size() const override { return sizeof(*this); }
+    WalkType Get_Walk() const override { return WALK_WIDE; }
     void Apply(vrMKPBuffer &buffer, int index, vrMKPSpan span) const override;
 
 private:
@@ -97,6 +100,7 @@ class vrMKPKeyedSizeModifier final : public vrMKPKeyedWidthAndHeightModifier
 public:
     vrMKPKeyedSizeModifier();
     size_t Get_Object_Size() const override { return sizeof(*this); }
+    WalkType Get_Walk() const override { return WALK_WIDE; }
     void Apply(vrMKPBuffer &buffer, int index, vrMKPSpan span) const override;
 
 private:
@@ -109,6 +113,7 @@ class vrMKPKeyedSphericalSizeModifier final : public vrMKPKeyedWidthAndHeightMod
 public:
     vrMKPKeyedSphericalSizeModifier();
     size_t Get_Object_Size() const override { return sizeof(*this); }
+    WalkType Get_Walk() const override { return WALK_WIDE; }
     void Apply(vrMKPBuffer &buffer, int index, vrMKPSpan span) const override;
 
 private:

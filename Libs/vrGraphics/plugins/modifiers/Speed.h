@@ -23,7 +23,6 @@ class vrMKPLinearSpeedModifier final : public vrMKPLinearModifier
 public:
     vrMKPLinearSpeedModifier();
     size_t Get_Object_Size() const override { return sizeof(*this); }
-    WalkType Get_Walk() const override { return WALK_LIVE; }
     void Apply(vrMKPBuffer &buffer, int index, vrMKPSpan span) const override;
 
 private:
@@ -37,7 +36,6 @@ class vrMKPKeyedFrictionModifier final : public vrMKPKeyedModifier
 public:
     vrMKPKeyedFrictionModifier();
     size_t Get_Object_Size() const override { return sizeof(*this); }
-    WalkType Get_Walk() const override { return WALK_LIVE; }
     void Apply(vrMKPBuffer &buffer, int index, vrMKPSpan span) const override;
 
 private:

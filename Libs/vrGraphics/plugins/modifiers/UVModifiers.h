@@ -24,6 +24,7 @@ class vrMKPKeyedUVModifier final : public vrMKPKeyedModifier
 public:
     vrMKPKeyedUVModifier();
     size_t Get_Object_Size() const override { return sizeof(*this); }
+    WalkType Get_Walk() const override { return WALK_WIDE; }
     void Apply(vrMKPBuffer &buffer, int index, vrMKPSpan span) const override;
 
 private:
@@ -81,7 +82,6 @@ class vrMKPSequencedUVModifier final : public vrMKPModifier
 public:
     vrMKPSequencedUVModifier();
     size_t Get_Object_Size() const override { return sizeof(*this); }
-    WalkType Get_Walk() const override { return WALK_WIDE; }
     void Apply(vrMKPBuffer &buffer, int index, vrMKPSpan span) const override;
 
 private:

@@ -27,8 +27,8 @@ public:
     virtual void Modify(vrMKPBuffer &buffer, int index) const;
     /// What the base does there, with runs that were found before.
     void Modify_Runs(vrMKPBuffer &buffer, int index, const vrMKPWalks &walks) const;
-    /// A layer may hand blocks of a few hundred slots to all of its modifiers in turn, instead of the whole ring to one
-    /// after the other, where none in between walks the whole. The result is the same.
+    /// A layer may hand blocks of a few thousand slots to all of its modifiers in turn, instead of the whole ring to
+    /// one after the other, where none in between walks the whole. The result is the same.
     virtual WalkType Get_Walk() const { return WALK_LIVE; }
     /// Once a frame, ahead of the first `Apply`: what advances with time and not with particles.
     virtual void Prepare_Frame(vrMKPBuffer & /*buffer*/, int /*index*/) const {}
@@ -36,6 +36,8 @@ public:
     virtual void Apply(vrMKPBuffer & /*buffer*/, int /*index*/, vrMKPSpan /*span*/) const {}
     /// Whether what it does to a particle depends on how many there are, so that it waits for this frame's births.
     virtual bool Depends_On_Count() const { return false; }
+    /// Whether it copies slots of another layer that don't live there, so that these have to keep what they held.
+    virtual bool Copies_Slots() const { return false; }
     /// Whether the next frame has to run on one thread, since what it does first is seen by the whole process.
     virtual bool Needs_Serial_Frame() const { return false; }
     /// Called when a layer with this modifier joins a renderable: what it tells about the renderable as a whole.

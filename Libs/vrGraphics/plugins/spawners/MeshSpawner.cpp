@@ -49,7 +49,7 @@ struct PickedRun
     vrMKPVectors Velocities;
 };
 
-/// `Mat3DClass::Look_Along(direction).Rotate(vector)`.
+/// `Mat3DClass::Look_Along(direction).Rotate(vector)` for directions of unit length, or none, in a form for loops.
 MK_INLINE Vector3 Turn_Along(const Vector3 &direction, const Vector3 &vector)
 {
     const auto divide = [](const Vector3 &by, float length)

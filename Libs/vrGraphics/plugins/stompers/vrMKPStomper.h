@@ -21,7 +21,7 @@ public:
     /// The part of it that looks at the buffer as a whole. True when what is left is `Age_Span` for all live particles;
     /// false when everything is done.
     virtual bool Begin_Age(vrMKPBuffer &buffer) const;
-    /// Ages one run of slots of which none dies.
+    /// Ages one run of slots of which none dies, and others among them that don't live.
     virtual void Age_Span(vrMKPBuffer &buffer, vrMKPSpan span) const;
     /// Last thing in a frame: removes the particles for which the condition holds.
     void Kill_Particles(vrMKPBuffer &buffer) const;
