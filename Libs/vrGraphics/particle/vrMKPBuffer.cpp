@@ -36,21 +36,12 @@ constexpr bool Is_Of_Vectors(uint32_t channel)
     return ELEMENT_SIZES[channel] == sizeof(Vector3);
 }
 
-constexpr int Round_Down(int slot)
-{
-    return slot & -vrMKPBuffer::WIDTH;
-}
-constexpr int Round_Up(int slot)
-{
-    return Round_Down(slot + vrMKPBuffer::WIDTH - 1);
-}
-
 size_t Array_Bytes(size_t elementSize, int capacity)
 {
     constexpr size_t PAGE = 4096;
     constexpr size_t GAP = 5 * ALIGNMENT;
     static_assert(vrMKPBuffer::WIDTH * sizeof(float) % ALIGNMENT == 0);
-    const size_t bytes = elementSize * static_cast<size_t>(Round_Up(capacity));
+    const size_t bytes = elementSize * static_cast<size_t>(vrMKPBuffer::Round_Up(capacity));
     // Arrays that began at the same place of their pages would drive each other out of the first cache.
     return bytes < PAGE ? bytes : bytes + GAP;
 }
@@ -244,25 +235,6 @@ void vrMKPBuffer::Remove_Oldest(int count)
 {
     Head = (Head + count) % Capacity;
     ActiveCount -= count;
-}
-
-vrMKPSpan vrMKPBuffer::Widen(vrMKPSpan span) const
-{
-    const int first = Round_Down(span.First);
-    if (Spares_Others() || Round_Up(Get_Wrapped_Count()) > Round_Down(Head)) return span;
-    return {first, Round_Up(span.First + span.Count) - first};
-}
-
-vrMKPSpans vrMKPBuffer::Wide_Spans() const
-{
-    constexpr int MOST_OTHERS = 4 * WIDTH; // what a second run costs in loops of their kind
-    if (Spares_Others() || ActiveCount == 0) return Live_Spans();
-    const int wrapped = Get_Wrapped_Count();
-    const int first = Round_Down(Head);
-    if (wrapped == 0) return vrMKPSpans({first, Round_Up(Head + ActiveCount) - first});
-    const int end = Round_Up(Capacity);
-    if (Capacity - ActiveCount <= MOST_OTHERS) return vrMKPSpans({0, end});
-    return vrMKPSpans({first, end - first}, Round_Up(wrapped));
 }
 
 void vrMKPBuffer::Begin_Move(bool integrates)

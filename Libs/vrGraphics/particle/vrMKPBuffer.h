@@ -98,6 +98,8 @@ public:
     static constexpr int REMOVAL_BLOCK = 512;
     /// Slots that the widest loops take at once. Arrays have room for whole ones.
     static constexpr int WIDTH = 32;
+    static constexpr int Round_Down(int slot) { return slot & -WIDTH; }
+    static constexpr int Round_Up(int slot) { return Round_Down(slot + WIDTH - 1); }
 
     /// A buffer with a count of 0; null when the capacity is out of range or the memory can't be had, which is logged
     /// with `layerName`.
@@ -290,6 +292,25 @@ private:
     uint8_t *StayBits = nullptr;   ///< scratch of a removal, in the block
     std::vector<vrMKPLayer *> DeathListeners;
 };
+
+inline vrMKPSpan vrMKPBuffer::Widen(vrMKPSpan span) const
+{
+    const int first = Round_Down(span.First);
+    if (Spares_Others() || Round_Up(Get_Wrapped_Count()) > Round_Down(Head)) return span;
+    return {first, Round_Up(span.First + span.Count) - first};
+}
+
+inline vrMKPSpans vrMKPBuffer::Wide_Spans() const
+{
+    constexpr int MOST_OTHERS = 4 * WIDTH; // what a second run costs in loops of their kind
+    if (Spares_Others() || ActiveCount == 0) return Live_Spans();
+    const int wrapped = Get_Wrapped_Count();
+    const int first = Round_Down(Head);
+    if (wrapped == 0) return vrMKPSpans({first, Round_Up(Head + ActiveCount) - first});
+    const int end = Round_Up(Capacity);
+    if (Capacity - ActiveCount <= MOST_OTHERS) return vrMKPSpans({0, end});
+    return vrMKPSpans({first, end - first}, Round_Up(wrapped));
+}
 
 template <typename Mark>
 void vrMKPBuffer::Remove_Marked(Mark &&mark)
