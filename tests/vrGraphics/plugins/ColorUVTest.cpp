@@ -301,6 +301,23 @@ TEST(SequencedUV, ShowsWhatItsFormulaSays)
     }
 }
 
+/// One that is born after its loops shows what its slot held, on which nobody has played on since.
+TEST(SequencedUV, LeavesSlotsThatDoNotLive)
+{
+    const auto plugin = Make_Plugin(76, {{"Num Loops", 1.0f}, {"Frame Rate", 1.0f}});
+    BufferBuilder buffer;
+    const int slot = buffer.Add();
+    const int next = buffer.Buffer->Next_Slot(slot);
+    const Vector4 held(0.25f, 0.5f, 0.75f, 1.0f);
+    Show(buffer, next, held);
+    Modify(*plugin, buffer);
+    EXPECT_NE(Rectangle_Of(buffer, slot), held);
+    EXPECT_EQ(Rectangle_Of(buffer, next), held);
+    buffer.Add({}, {}, 1000.0f);
+    Modify(*plugin, buffer);
+    EXPECT_EQ(Rectangle_Of(buffer, next), held);
+}
+
 TEST(SequencedUV, PlaysPingPong)
 {
     const auto plugin = Make_Plugin(76, {{"Num Frames", 4.0f}, {"Ping Pong", 1.0f}, {"Frame Rate", 1.0f}});
