@@ -46,7 +46,7 @@ public:
         const uint32_t *Addends;
         uint32_t Start;
 
-        /// The state of a taker ahead of its first step, from which `Step` goes on.
+        /// The state of a taker ahead of its first step, from which `Draw` goes on.
         MK_INLINE uint32_t operator[](int taker) const { return Start * Factors[taker] + Addends[taker]; }
     };
     View Get_View() const;

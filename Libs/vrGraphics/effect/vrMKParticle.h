@@ -167,7 +167,7 @@ private:
     bool Has_Quality() const;
     bool Fuses_Blocks() const;
     void Prepare_Modifiers(size_t first, size_t last);
-    void Finish_Block(vrMKPSpan block, vrMKPSpan wide, vrMKPSpan fresh, size_t first, size_t last, bool transforms,
+    void Finish_Block(const vrMKPWalkSlots<vrMKPSpan> &block, size_t first, size_t last, bool transforms,
                       vrMKPBoundsSum *sum);
     void Modify_And_Transform();
     void Modify_Small();

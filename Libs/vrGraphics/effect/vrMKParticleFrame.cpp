@@ -180,7 +180,7 @@ void vrMKParticle::Step_Particles()
         // Others in the run have no say.
         isValid &= buffer.Move_Span(wide) || !(fuses ? Particle::Has_Invalid(buffer.Position + block.First, block.Count)
                                                      : buffer.Is_Any_Invalid(buffer.Position));
-        if (fuses) Finish_Block(block, wide, {block.First, 0}, 0, Modifiers.size(), true, inBlocks);
+        if (fuses) Finish_Block({.Live = block, .Wide = wide, .New = {}}, 0, Modifiers.size(), true, inBlocks);
     });
     MK_ASSERT(isValid, "Position[where].Is_Valid()");
 
@@ -192,8 +192,9 @@ void vrMKParticle::Step_Particles()
         if (buffer.Companion && Transformer && !Is_View_Dependent()) Transformer->Transform(buffer);
     } else if (fuses) {
         if (!hasOld) Prepare_Modifiers(0, Modifiers.size());
-        For_Blocks(buffer.New_Spans(),
-                   [&](vrMKPSpan block) { Finish_Block(block, block, block, 0, Modifiers.size(), true, inBlocks); });
+        For_Blocks(buffer.New_Spans(), [&](vrMKPSpan block) {
+            Finish_Block({.Live = block, .Wide = block, .New = block}, 0, Modifiers.size(), true, inBlocks);
+        });
         if (Transformer && !Is_View_Dependent()) Transformer->Transform_Companion(buffer);
         Stomper->Kill_Particles(buffer);
     } else {
@@ -220,22 +221,17 @@ void vrMKParticle::Prepare_Modifiers(size_t first, size_t last)
     for (size_t index = first; index < last; ++index) Modifiers[index]->Prepare_Frame(*Buffer, static_cast<int>(index));
 }
 
-/// Runs modifiers `first` to `last` on a block, which `wide` may go beyond and of which `fresh` was born in this frame,
-/// and then places and measures it.
-void vrMKParticle::Finish_Block(vrMKPSpan block, vrMKPSpan wide, vrMKPSpan fresh, size_t first, size_t last,
-                                bool transforms, vrMKPBoundsSum *sum)
+/// Runs modifiers `first` to `last` on a block, and then places and measures it.
+void vrMKParticle::Finish_Block(const vrMKPWalkSlots<vrMKPSpan> &block, size_t first, size_t last, bool transforms,
+                                vrMKPBoundsSum *sum)
 {
     vrMKPBuffer &buffer = *Buffer;
     for (size_t index = first; index < last; ++index) {
-        const vrMKPModifier &modifier = *Modifiers[index];
-        const vrMKPModifier::WalkType walk = modifier.Get_Walk();
-        const vrMKPSpan span = walk == vrMKPModifier::WALK_LIVE  ? block
-                               : walk == vrMKPModifier::WALK_NEW ? fresh
-                                                                 : wide;
-        if (span.Count > 0) modifier.Apply(buffer, static_cast<int>(index), span);
+        const vrMKPSpan span = block.Get(Modifiers[index]->Get_Walk());
+        if (span.Count > 0) Modifiers[index]->Apply(buffer, static_cast<int>(index), span);
     }
-    if (transforms && Transformer && !Is_View_Dependent()) Transformer->Transform_Span(buffer, block);
-    if (sum) sum->Add_Span(buffer, block);
+    if (transforms && Transformer && !Is_View_Dependent()) Transformer->Transform_Span(buffer, block.Live);
+    if (sum) sum->Add_Span(buffer, block.Live);
 }
 
 void vrMKParticle::Modify_And_Transform()
@@ -250,15 +246,15 @@ void vrMKParticle::Modify_And_Transform()
 /// One modifier after the other on the whole ring.
 void vrMKParticle::Modify_Small()
 {
-    vrMKPWalks walks(*Buffer);
+    vrMKPWalkSlots<vrMKPSpans> runs = Find_Walk_Runs(*Buffer);
     for (size_t index = 0; index < Modifiers.size(); ++index) {
         const vrMKPModifier &modifier = *Modifiers[index];
         if (modifier.Get_Walk() != vrMKPModifier::WALK_WHOLE) {
-            modifier.Modify_Runs(*Buffer, static_cast<int>(index), walks);
+            modifier.Modify_Runs(*Buffer, static_cast<int>(index), runs);
             continue;
         }
         modifier.Modify(*Buffer, static_cast<int>(index));
-        walks = vrMKPWalks(*Buffer); // it may have made the ring another one
+        runs = Find_Walk_Runs(*Buffer); // it may have made the ring another one
     }
 }
 
@@ -283,7 +279,8 @@ void vrMKParticle::Run_Modifiers(size_t first, size_t last)
     For_Blocks(Buffer->Live_Spans(), [&](vrMKPSpan block) {
         const int old = std::min(untilNew, block.Count);
         untilNew -= old;
-        Finish_Block(block, Buffer->Widen(block), {block.First + old, block.Count - old}, first, last, false, nullptr);
+        const vrMKPSpan born{block.First + old, block.Count - old};
+        Finish_Block({.Live = block, .Wide = Buffer->Widen(block), .New = born}, first, last, false, nullptr);
     });
 }
 

@@ -2,7 +2,6 @@
 
 #include "vrGraphics/drivercommon/vrBoundsUnion.h"
 #include "vrGraphics/drivercommon/vrGraphicsDriver.h"
-#include "vrGraphics/drivercommon/vrGraphicsStats.h"
 #include "vrGraphics/drivercommon/vrRenderContext.h"
 #include "vrGraphics/effect/vrMKParticleEmitter.h"
 #include "vrGraphics/scene/vrScene.h"

@@ -7,7 +7,8 @@
 #include "vrGraphics/particle/vrMKPBuffer.h"
 #include "vrGraphics/plugins/base/vrMKPPlugin.h"
 
-struct vrMKPWalks;
+template <typename Slots>
+struct vrMKPWalkSlots;
 
 /// The base of all modifiers. It has no parameters of its own.
 class vrMKPModifier : public vrMKPPlugin
@@ -26,7 +27,7 @@ public:
     /// its data in the buffer. The base prepares, and applies the modifier to all runs of its walk.
     virtual void Modify(vrMKPBuffer &buffer, int index) const;
     /// What the base does there, with runs that were found before.
-    void Modify_Runs(vrMKPBuffer &buffer, int index, const vrMKPWalks &walks) const;
+    void Modify_Runs(vrMKPBuffer &buffer, int index, const vrMKPWalkSlots<vrMKPSpans> &runs) const;
     /// A layer may hand blocks of a few thousand slots to all of its modifiers in turn, instead of the whole ring to
     /// one after the other, where none in between walks the whole. The result is the same.
     virtual WalkType Get_Walk() const { return WALK_LIVE; }
@@ -44,20 +45,23 @@ public:
     virtual void Modifier_Post_Load(vrMKPRenderState & /*state*/) const {}
 };
 
-/// The runs of a buffer for each kind of walk, found once for all modifiers of a frame.
-struct vrMKPWalks
+/// The slots for each kind of walk, as one run or as all runs of a ring.
+template <typename Slots>
+struct vrMKPWalkSlots
 {
-    explicit vrMKPWalks(const vrMKPBuffer &buffer)
-        : Live(buffer.Live_Spans()), Wide(buffer.Wide_Spans()), New(buffer.New_Spans())
-    {
-    }
-    vrMKPSpans Get(vrMKPModifier::WalkType walk) const
+    Slots Live;
+    Slots Wide;
+    Slots New;
+
+    Slots Get(vrMKPModifier::WalkType walk) const
     {
         if (walk == vrMKPModifier::WALK_WIDE) return Wide;
         return walk == vrMKPModifier::WALK_NEW ? New : Live;
     }
-
-    vrMKPSpans Live;
-    vrMKPSpans Wide;
-    vrMKPSpans New;
 };
+
+/// Those of a whole buffer, found once for all modifiers of a frame.
+inline vrMKPWalkSlots<vrMKPSpans> Find_Walk_Runs(const vrMKPBuffer &buffer)
+{
+    return {buffer.Live_Spans(), buffer.Wide_Spans(), buffer.New_Spans()};
+}

@@ -2,7 +2,6 @@
 
 #include "MKLib/MKDebug/Assert.h"
 #include "vrGraphics/particle/ParticleMath.h"
-#include "vrGraphics/particle/WholeRegisters.h"
 #include "vrGraphics/particle/vrMKPRenderState.h"
 #include "vrGraphics/plugins/stompers/StompLoops.h"
 
@@ -11,8 +10,6 @@
 
 namespace
 {
-
-using Particle::For_Whole_Registers;
 
 constexpr float MIN_LIFE = 0.01f;
 constexpr float FIXED_LIFE_VARIATION = 0.01f; ///< up to this, all particles live equally long
